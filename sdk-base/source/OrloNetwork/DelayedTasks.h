@@ -1,0 +1,12 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace orlo::http {
+
+/// Runs a task after a pause, without holding a thread of cpprestsdk's pool meanwhile. All pauses share one thread, which
+/// ends as soon as none is left. Tasks must be short. A task that is still waiting when the process exits is dropped.
+void runAfter(std::chrono::seconds pause, std::function<void()> task);
+
+} // namespace orlo::http

@@ -1,0 +1,51 @@
+#include "NetworkCommon.h"
+#include "WebRequest.h"
+
+#include <BaseCommon/NativeText.h>
+#include <BaseCommon/Text.h>
+
+namespace orlo {
+
+namespace {
+
+utility::string_t key(const char* name)
+{
+    return utils::toNative(std::string(name));
+}
+
+} // namespace
+
+namespace OrloPayloadProcessor {
+
+bool ParseORLOHTTPGenericResponse(const web::json::value& value, http::ORLOHTTPGenericResponse& response)
+{
+    if (!value.has_integer_field(key("code")))
+        return false;
+    response.code = value.at(key("code")).as_integer();
+    if (value.has_field(key("data")))
+        response.data = value.at(key("data"));
+    if (value.has_string_field(key("message")))
+        response.message = utils::fromNative(value.at(key("message")).as_string());
+    return true;
+}
+
+} // namespace OrloPayloadProcessor
+
+namespace http {
+
+void ParseErrorBody(HttpMessage& message, const std::wstring& body)
+{
+    try {
+        ORLOHTTPGenericResponse response;
+        if (!OrloPayloadProcessor::ParseORLOHTTPGenericResponse(web::json::value::parse(utils::toNative(body)), response))
+            return;
+        message.code = response.code;
+        message.message = response.message;
+    }
+    catch (const std::exception&) { // a body that is no JSON says nothing that could be read
+    }
+}
+
+} // namespace http
+
+} // namespace orlo

@@ -1,0 +1,111 @@
+#include "GenericRetryHandler.h"
+
+#include "DelayedTasks.h"
+#include "NetworkCommon.h"
+#include "WebRequest.h"
+
+#include <OrloLogging/ILogManager.h>
+
+#include <utility>
+
+namespace orlo::http {
+
+GenericRetryHandler::GenericRetryHandler() : m_limit(getRetryLimitation()), m_pauseSeconds(getRetryInterval())
+{}
+
+GenericRetryHandler::~GenericRetryHandler() = default;
+
+void GenericRetryHandler::setOriginalHandler(std::shared_ptr<IOrloCallback> handler)
+{
+    m_originalHandler = std::move(handler);
+}
+
+void GenericRetryHandler::setOriginalPropogation(bool propagate)
+{
+    m_originalPropagation = propagate;
+}
+
+void GenericRetryHandler::setFunc(std::function<void()> request)
+{
+    m_request = std::make_shared<const std::function<void()>>(std::move(request));
+}
+
+void GenericRetryHandler::execute(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& errorCode)
+{
+    run(context, errorCode);
+}
+
+void GenericRetryHandler::on_complete(int status, const std::wstring& body, const std::string& stepKey,
+                                      std::shared_ptr<OrloCallbackContext> context, ErrorCode& error)
+{
+    if (deservesAnotherAttempt(status, error))
+        return repeat(context, error);
+    if (const auto handler = finish(context))
+        handler->on_complete(status, body, stepKey, context, error);
+}
+
+void GenericRetryHandler::on_complete(int status, const std::wstring& body, const std::vector<unsigned char>& data,
+                                      const std::string& stepKey, std::shared_ptr<OrloCallbackContext> context, ErrorCode& error)
+{
+    if (deservesAnotherAttempt(status, error))
+        return repeat(context, error);
+    const auto handler = finish(context);
+    if (const auto fileHandler = std::dynamic_pointer_cast<IOrloFileCallback>(handler))
+        fileHandler->on_complete(status, body, data, stepKey, context, error);
+    else if (handler)
+        handler->on_complete(status, body, stepKey, context, error);
+}
+
+bool GenericRetryHandler::deservesAnotherAttempt(int status, ErrorCode& error) const
+{
+    if (status == 200 || m_repeated == m_limit || !m_request)
+        return false;
+    const auto failure = std::dynamic_pointer_cast<HttpError>(error.GetCategory());
+    return failure && CalculateIsNeedRetryRequest(failure.get(), error);
+}
+
+void GenericRetryHandler::repeat(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
+{
+    ++m_repeated;
+    ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::GenericRetryHandler - retry attempts[" + std::to_wstring(m_repeated) +
+                                   L"]");
+    runAfter(std::chrono::seconds(m_pauseSeconds), [self = shared_from_this(), context, &error, request = m_request] {
+        context->propagate = self->m_originalPropagation;
+        error.Clear();
+        self->run(context, error);
+    });
+}
+
+void GenericRetryHandler::run(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
+{
+    // Both copies stay until the request returns, though its answer may come first and let go of them.
+    const auto self = shared_from_this();
+    const auto request = m_request;
+    try {
+        if (request)
+            (*request)();
+    }
+    catch (...) {
+        HandleCasablancaException(pplx::task_from_exception<void>(std::current_exception()), context, "", error);
+    }
+}
+
+std::shared_ptr<IOrloCallback> GenericRetryHandler::finish(const std::shared_ptr<OrloCallbackContext>& context)
+{
+    // The request holds the context and the context this handler: here the circle is cut.
+    m_request.reset();
+    context->handler = m_originalHandler;
+    return m_originalHandler;
+}
+
+void launchWithRetry(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& errorCode, std::function<void()> request)
+{
+    const auto retry = std::make_shared<GenericRetryHandler>();
+    retry->setOriginalHandler(context->handler);
+    retry->setOriginalPropogation(context->propagate);
+    context->handler = retry;
+    retry->setFunc(std::move(request));
+    retry->execute(context, errorCode);
+}
+
+} // namespace orlo::http

@@ -1,0 +1,199 @@
+#include "WebRequest.h"
+
+#include "CertificateStore.h"
+#include "SinkBuffer.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/NativeText.h>
+#include <BaseCommon/Text.h>
+#include <OrloAuth/UserSession.h>
+#include <OrloCommon/OrloConfigManager.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace orlo {
+
+namespace OrloWebService {
+
+namespace {
+
+using web::http::http_request;
+using web::http::http_response;
+using web::http::client::http_client;
+using web::http::client::http_client_config;
+
+/// No answer of the REST services comes near this; beyond it an answer is taken for an attack on the memory.
+constexpr size_t largestAnswer = size_t{512} << 20;
+
+void applyHostConfiguration(http_client_config& config)
+{
+    config.set_max_redirects(0);
+    const auto host = OrloConfigManager::Get()->snapshot();
+    if (!host->proxy.empty())
+        config.set_proxy(web::web_proxy(web::uri(utils::toNative(host->proxy))));
+    if (!host->caFile.empty())
+        config.set_ssl_context_callback([store = http::certificatesOf(host->caFile)](boost::asio::ssl::context& context) {
+            SSL_CTX_set1_cert_store(context.native_handle(), store.get());
+        });
+}
+
+/// cpprestsdk writes header values as they are, so a line break in one would forge a header.
+utility::string_t headerValue(const std::wstring& text, const char* whatItIs)
+{
+    if (std::any_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x20 || c > 0x7E; }))
+        throw std::invalid_argument(std::string(whatItIs) + " holds characters that fit no header");
+    return utils::toNative(text);
+}
+
+std::wstring userAgent()
+{
+    std::wstring agent = L"OrloProjectManager/" ORLO_VERSION;
+    const std::wstring version = OrloWebServiceUtils::GetAppVersion();
+    if (!version.empty() && std::all_of(version.begin(), version.end(), [](wchar_t c) { return c > 0x20 && c < 0x7F; }))
+        agent += L" host/" + version;
+    return agent;
+}
+
+std::shared_ptr<http_request> requestOf(const web::http::method& method, const web::uri& pathAndQuery)
+{
+    auto request = std::make_shared<http_request>(method);
+    request->set_request_uri(pathAndQuery);
+    request->headers().add(web::http::header_names::user_agent, utils::toNative(userAgent()));
+    if (const auto session = UserSession::GetInstance(); session && !session->getAccessToken().empty())
+        request->headers().add(web::http::header_names::authorization,
+                               headerValue(L"Bearer " + session->getAccessToken(), "the access token"));
+    return request;
+}
+
+bool isJsonType(const utility::string_t& contentType)
+{
+    static const char* const known[] = {"application/json",         "application/x-json", "application/javascript", "text/json",
+                                        "application/x-javascript", "text/x-json",        "text/javascript",        "text/x-javascript"};
+    std::string type = utils::fromNativeToUtf8(contentType);
+    type.erase(std::min(type.find(';'), type.size()));
+    while (!type.empty() && type.back() == ' ')
+        type.pop_back();
+    std::transform(type.begin(), type.end(), type.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return std::any_of(std::begin(known), std::end(known), [&](const char* name) { return type == name; });
+}
+
+} // namespace
+
+std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri)
+{
+    http_client_config config;
+    return CreateClient(baseUri, config);
+}
+
+std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri, http_client_config& config)
+{
+    applyHostConfiguration(config);
+    return std::make_shared<http_client>(web::uri(utils::toNative(baseUri)), config);
+}
+
+std::shared_ptr<http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery, const web::json::value& body)
+{
+    auto request = requestOf(method, pathAndQuery);
+    if (!body.is_null())
+        request->set_body(body);
+    return request;
+}
+
+std::shared_ptr<http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery, const std::wstring& body)
+{
+    auto request = requestOf(method, pathAndQuery);
+    request->set_body(utils::toString(body), "application/json; charset=utf-8");
+    return request;
+}
+
+http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode)
+{
+    const auto body = std::make_shared<std::string>();
+    request->set_response_stream(http::SinkBuffer::stream([body](const uint8_t* bytes, size_t count) {
+        if (count > largestAnswer - body->size())
+            throw std::length_error("the answer is too large");
+        body->append(reinterpret_cast<const char*>(bytes), count);
+    }));
+    http_response response = client.request(*request).get();
+    response.content_ready().get();
+
+    if (response.status_code() >= 400)
+        errorCode.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", utils::toWstring(*body), response.status_code(), 0));
+    // An answer that names no content type is taken for JSON; the type given here fills that gap only.
+    response.set_body(std::move(*body), "application/json");
+    return response;
+}
+
+std::string ReadBody(const http_response& response)
+{
+    concurrency::streams::istream stream = response.body();
+    uint8_t* bytes = nullptr;
+    size_t count = 0;
+    if (!stream.is_valid() || !stream.streambuf().acquire(bytes, count) || !bytes)
+        return {};
+    std::string body(reinterpret_cast<const char*>(bytes), count);
+    stream.streambuf().release(bytes, 0);
+    return body;
+}
+
+web::json::value ReadJson(const http_response& response)
+{
+    const std::string body = ReadBody(response);
+    if (body.empty())
+        return web::json::value::null();
+    if (!isJsonType(response.headers().content_type()))
+        throw web::http::http_exception(utility::string_t(utils::toNative(std::string("Incorrect Content-Type: must be JSON"))));
+    if (!utils::isValidUtf8(body))
+        throw web::json::json_exception("the answer is not valid UTF-8");
+    return web::json::value::parse(utils::toNative(body));
+}
+
+bool IsMarkedSuccess(const web::json::value& envelope)
+{
+    static const utility::string_t code = utils::toNative(std::string("code"));
+    return envelope.has_integer_field(code) && envelope.at(code).as_number().to_int64() == 10000;
+}
+
+bool ExtractSuccData(const http_response& response, web::json::value& data)
+{
+    static const utility::string_t dataKey = utils::toNative(std::string("data"));
+    if (response.status_code() != web::http::status_codes::OK)
+        return false;
+    web::json::value envelope = ReadJson(response);
+    if (!IsMarkedSuccess(envelope))
+        return false;
+    data = envelope.has_field(dataKey) ? std::move(envelope.at(dataKey)) : web::json::value::null();
+    return true;
+}
+
+std::shared_ptr<OrloUserInfo> GetCurrentUserInfo()
+{
+    const auto session = UserSession::GetInstance();
+    return session ? std::make_shared<OrloUserInfo>(session->getAccountId()) : nullptr;
+}
+
+} // namespace OrloWebService
+
+namespace OrloWebServiceUtils {
+
+std::wstring GetAppVersion()
+{
+    return OrloConfigManager::Get()->snapshot()->appVersion;
+}
+
+bool ReadFileContentGeneric(const std::wstring& path, std::string& content)
+{
+    return utils::readWholeFile(path, content);
+}
+
+bool WriteDataToFileGeneric(const std::vector<unsigned char>& bytes, std::wstring& path)
+{
+    if (path.empty() && !utils::GenerateNewFile(path))
+        return false;
+    return utils::writeFileAtomically(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+} // namespace OrloWebServiceUtils
+
+} // namespace orlo

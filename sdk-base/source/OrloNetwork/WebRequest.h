@@ -1,0 +1,106 @@
+#pragma once
+
+// The one place where requests are made and sent. cpprestsdk's types end above this library: they appear in the web
+// functions and the transfer chains, never in a header that a host includes.
+
+#include <BaseCommon/Callbacks.h>
+#include <BaseCommon/ErrorCode.h>
+#include <OrloNetwork/Export.h>
+
+#include <cpprest/http_client.h>
+#include <cpprest/json.h>
+
+#include <memory>
+#include <string>
+
+namespace orlo {
+
+/// The user who is signed in, as the web functions need them.
+class ORLO_NETWORK_API OrloUserInfo
+{
+public:
+    explicit OrloUserInfo(std::wstring accountId) : m_accountId(std::move(accountId)) {}
+    const std::wstring& getAccountId() const { return m_accountId; }
+
+private:
+    std::wstring m_accountId;
+};
+
+namespace OrloWebService {
+
+/// A client for one request. It follows no redirects, which would carry the access token to another host, verifies
+/// certificates always, and uses the proxy and the certificate file of the configuration.
+/// Throws std::invalid_argument for an empty or unusable address.
+ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri);
+ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri,
+                                                                              web::http::client::http_client_config& config);
+
+/// A request with the user's identity in its headers. A null body means no body. A request is sent once; another
+/// attempt makes another one. Throws for a path that is no valid URI and for a token that fits no header.
+ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery,
+                                                                        const web::json::value& body);
+ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery,
+                                                                        const std::wstring& body);
+
+/// Sends the request and waits for the whole answer, body included. A status of 400 or above leaves an HttpError with
+/// the answer's body as its message in `errorCode`; other statuses leave `errorCode` alone. Throws on a transport failure.
+ORLO_NETWORK_API web::http::http_response ExecuteRequest(web::http::client::http_client& client,
+                                                         const std::shared_ptr<web::http::http_request>& request, ErrorCode& errorCode);
+
+/// The bytes of an answer that ExecuteRequest returned.
+ORLO_NETWORK_API std::string ReadBody(const web::http::http_response& response);
+
+/// The answer's body as JSON; null for an empty one. Throws http_exception for a content type that is not JSON's, and
+/// json_exception for a body that doesn't parse, isn't UTF-8 or nests deeper than cpprestsdk reads.
+ORLO_NETWORK_API web::json::value ReadJson(const web::http::http_response& response);
+
+/// True when the status is 200 and the envelope's integer "code" is 10000; `data` then holds the member "data".
+ORLO_NETWORK_API bool ExtractSuccData(const web::http::http_response& response, web::json::value& data);
+
+/// Whether a JSON value is an envelope with the integer "code" 10000.
+ORLO_NETWORK_API bool IsMarkedSuccess(const web::json::value& envelope);
+
+/// One line each; of an address they show the path only, since a query may hold a signature.
+ORLO_NETWORK_API void LogRequest(const web::http::client::http_client& client, const web::http::http_request& request);
+ORLO_NETWORK_API void LogResponse(const web::http::http_response& response, const web::http::http_request& request, ErrorCode& errorCode);
+
+/// Null when nobody is signed in.
+ORLO_NETWORK_API std::shared_ptr<OrloUserInfo> GetCurrentUserInfo();
+
+} // namespace OrloWebService
+
+namespace OrloWebServiceUtils {
+
+/// The version that the host gave for itself; empty if it gave none.
+ORLO_NETWORK_API std::wstring GetAppVersion();
+ORLO_NETWORK_API bool ReadFileContentGeneric(const std::wstring& path, std::string& content);
+/// A path that is empty is filled with that of a new file.
+ORLO_NETWORK_API bool WriteDataToFileGeneric(const std::vector<unsigned char>& bytes, std::wstring& path);
+
+} // namespace OrloWebServiceUtils
+
+namespace http {
+
+/// The envelope as a record.
+struct ORLOHTTPGenericResponse
+{
+    int code = 0;
+    web::json::value data;
+    std::wstring message;
+};
+
+/// The last continuation of an asynchronous request: takes a failure out of the task, so that it is never unobserved,
+/// and reports it to the context's handler with status 5555. A task that succeeded is left alone. Never throws.
+ORLO_NETWORK_API void HandleCasablancaException(const pplx::task<void>& task, const std::shared_ptr<OrloCallbackContext>& context,
+                                                const std::string& stage, ErrorCode& errorCode) noexcept;
+
+} // namespace http
+
+namespace OrloPayloadProcessor {
+
+/// False for a value that is no object with an integer "code".
+ORLO_NETWORK_API bool ParseORLOHTTPGenericResponse(const web::json::value& value, http::ORLOHTTPGenericResponse& response);
+
+} // namespace OrloPayloadProcessor
+
+} // namespace orlo

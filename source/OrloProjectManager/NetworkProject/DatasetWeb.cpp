@@ -1,0 +1,56 @@
+#include "DatasetWeb.h"
+
+#include "DatasetReaders.h"
+#include "WebCall.h"
+
+namespace orlo::OrloWebService {
+
+using OrloPayloadProcessor::datasetFields;
+using OrloPayloadProcessor::datasetInfoFields;
+
+namespace {
+
+constexpr const wchar_t* datasetsOfFolderPath = L"/dataset/byfolder";
+constexpr const wchar_t* datasetPath = L"/v2/dataSets/{dataSetId}";
+constexpr const wchar_t* datasetsByModelingIdPath = L"/dataset/modelingid";
+
+} // namespace
+
+bool GetDataSetsByFolder(ErrorCode& error, std::vector<http::ORLOHTTPPayloadDataset>& out, const std::wstring& folderId)
+{
+    WebCall call(L"OrloWebService::GetDataSetsByFolder", service::project, methods::GET,
+                 std::wstring(datasetsOfFolderPath) + L"?folderId=" + folderId);
+    WebAnswer answer = call.send(error);
+    if (!answer.ok())
+        return false;
+    datasetFields().readList(answer.body(), out);
+    return true;
+}
+
+bool GetDatasetInfo(ErrorCode& error, DatasetInfo& out, const std::string& datasetId)
+{
+    WebCall call(L"OrloWebService::GetDatasetInfo", service::project, methods::GET, datasetPath);
+    WebAnswer answer = call.place(L"{dataSetId}", datasetId).send(error);
+    if (!answer.marked())
+        return false;
+    if (!answer.findData()) {
+        answer.complain(L"OrloWebService::GetDatasetInfo - response is not normal: ");
+        return false;
+    }
+    datasetInfoFields().read(answer.data(), out);
+    return true;
+}
+
+bool GetDatasetInfoByModelingId(ErrorCode& error, DatasetInfo& out, const std::string& modelingId)
+{
+    WebCall call(L"OrloWebService::GetDatasetInfoByModelingId", service::project, methods::POST, datasetsByModelingIdPath);
+    // The words are those of the operation that asks for the project; they are shared on purpose.
+    call.body(web::json::value::array({jsonText(modelingId)})).failureWords(L"OrloWebService::getProjectIdByModelingId - code:");
+    WebAnswer answer = call.send(error);
+    if (!answer.ok() || !answer.data().is_array() || answer.data().size() != 1)
+        return false;
+    datasetInfoFields().read(answer.data().at(0), out);
+    return true;
+}
+
+} // namespace orlo::OrloWebService

@@ -1,0 +1,64 @@
+#include "ProjectTexts.h"
+
+namespace orlo {
+
+const TextTable<ProjectStatus>& projectStatusTexts()
+{
+    static const TextTable<ProjectStatus> table(
+        {{ProjectStatus::Ongoing, L"Ongoing"}, {ProjectStatus::Suspended, L"Suspended"}, {ProjectStatus::Completed, L"Completed"}},
+        ProjectStatus::Unknown);
+    return table;
+}
+
+const TextTable<ProjectGridType>& projectGridTypeTexts()
+{
+    static const TextTable<ProjectGridType> table({{ProjectGridType::TypeOne, L"TYPE_ONE"}, {ProjectGridType::TypeTwo, L"TYPE_TWO"}},
+                                                  ProjectGridType::Unknown);
+    return table;
+}
+
+const TextTable<SpecialtyType>& specialtyTexts()
+{
+    static const TextTable<SpecialtyType> table({{SpecialtyType::Unknown, L"Unknown"},
+                                                 {SpecialtyType::ZOK, L"ZOK"},
+                                                 {SpecialtyType::ZIM, L"ZIM"},
+                                                 {SpecialtyType::ZUTA, L"ZUTA"},
+                                                 {SpecialtyType::ZEB, L"ZEB"}},
+                                                SpecialtyType::Unknown);
+    return table;
+}
+
+const TextTable<EStandardPropertyValueType>& standardPropertyTypes()
+{
+    using Type = EStandardPropertyValueType;
+    static const TextTable<Type> table({{Type::String, L"String"},
+                                        {Type::Integer, L"Integer"},
+                                        {Type::Long, L"Long"},
+                                        {Type::Double, L"Double"},
+                                        {Type::DateTime, L"DateTime"},
+                                        {Type::Boolean, L"Boolean"},
+                                        {Type::Code, L"Code"},
+                                        {Type::Enum, L"Enum"},
+                                        {Type::EnumValue, L"EnumValue"}},
+                                       Type::Unknown);
+    return table;
+}
+
+std::wstring textOf(ProjectScenario scenario)
+{
+    switch (scenario) {
+    case ProjectScenario::Archive:
+        return L"ARCHIVE";
+    case ProjectScenario::Owner:
+        return L"OWNER";
+    default:
+        return L"DEFAULT";
+    }
+}
+
+std::wstring textOf(SpecialtyType type)
+{
+    return specialtyTexts().textOf(specialtyTexts().knows(type) ? type : SpecialtyType::Unknown);
+}
+
+} // namespace orlo

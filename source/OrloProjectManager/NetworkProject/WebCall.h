@@ -1,0 +1,133 @@
+#pragma once
+
+#include "FieldReaders.h"
+
+#include <BaseCommon/ErrorCode.h>
+
+#include <cpprest/http_msg.h>
+#include <cpprest/json.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orlo {
+
+/// The services of the platform, as the configuration names them.
+namespace service {
+inline constexpr const wchar_t* project = L"project";
+inline constexpr const wchar_t* structure = L"structure";
+inline constexpr const wchar_t* module = L"module";
+inline constexpr const wchar_t* message = L"message";
+inline constexpr const wchar_t* authorization = L"authorization";
+inline constexpr const wchar_t* slproxy = L"slproxy";
+} // namespace service
+
+using web::http::methods;
+
+/// Text as a JSON string.
+web::json::value jsonText(const std::wstring& text);
+web::json::value jsonText(const std::string& utf8);
+/// Texts as a JSON array.
+web::json::value jsonTexts(const std::vector<std::wstring>& texts);
+
+/// A JSON object whose members go on the wire in the order in which they are given.
+class JsonBody
+{
+public:
+    JsonBody& add(const wchar_t* key, const std::wstring& text) { return add(key, jsonText(text)); }
+    JsonBody& add(const wchar_t* key, const std::string& utf8) { return add(key, jsonText(utf8)); }
+    JsonBody& add(const wchar_t* key, int number) { return add(key, web::json::value::number(number)); }
+    JsonBody& add(const wchar_t* key, web::json::value value);
+    JsonBody& addUnlessEmpty(const wchar_t* key, const std::wstring& text) { return text.empty() ? *this : add(key, text); }
+    web::json::value done() { return web::json::value::object(std::move(m_members), true); }
+
+private:
+    std::vector<std::pair<utility::string_t, web::json::value>> m_members;
+};
+
+/// The answer to a web call. An operation asks it for the form of success that is its own; what the answer then lacks has
+/// been logged under the operation's name. Reading the body throws if it is no JSON.
+class WebAnswer
+{
+public:
+    WebAnswer(web::http::http_response response, std::wstring name, std::optional<std::wstring> failureWords);
+
+    /// Status 200. Any other status logs the failure words and the status.
+    bool ok() const;
+    /// Status 200 and a body with the integer "code" 10000; logs a body without it as not normal.
+    bool marked();
+    /// The same without a line for a body that lacks the mark.
+    bool succeeded();
+    /// Status 200 and a body with a member "data", whatever its code.
+    bool okWithData();
+
+    /// The whole body; null for an empty one.
+    const web::json::value& body();
+    /// The member "data" of the body; null where there is none.
+    const web::json::value& data();
+    /// Null where the body has no member "data".
+    const web::json::value* findData();
+    /// The body as it came, without a look at its content type.
+    std::wstring text() const;
+
+    /// Logs what is wrong with the body, followed by the body.
+    void complain(const std::wstring& words);
+
+private:
+    web::http::http_response m_response;
+    std::wstring m_name;
+    std::optional<std::wstring> m_failureWords;
+    std::optional<web::json::value> m_body;
+};
+
+/// One REST operation: says what is particular to it, then sends it.
+///
+///     WebCall call(L"OrloWebService::GetAllProjects", service::project, methods::GET, L"/projects");
+///     call.query(L"scenario", scenario);
+///     WebAnswer answer = call.send(error);
+class WebCall
+{
+public:
+    WebCall(std::wstring name, const wchar_t* serviceKey, web::http::method method, std::wstring path);
+
+    /// Puts a value in the place of "{name}" in the path, as it stands.
+    WebCall& place(const std::wstring& placeholder, const std::wstring& value);
+    WebCall& place(const std::wstring& placeholder, const std::string& utf8);
+    WebCall& place(const std::wstring& placeholder, int value);
+    /// Adds to the query, URI-encoded, in the order of the calls.
+    WebCall& query(const wchar_t* key, const std::wstring& value);
+    WebCall& body(web::json::value value);
+    /// A body that is text already.
+    WebCall& body(std::wstring text);
+    /// The time-out of the configuration, as it was when the process first asked for it.
+    WebCall& withTimeout();
+    /// The time-out of the configuration as it is now.
+    WebCall& withFreshTimeout();
+    /// Another text than "<Name> - code:" for a status that is not 200.
+    WebCall& failureWords(std::wstring words);
+    /// A status that is not 200 is not logged.
+    WebCall& failsSilently();
+
+    /// Throws on a transport failure, for an address or a path that is no URI, and for a service without an address.
+    WebAnswer send(ErrorCode& error) const;
+
+private:
+    web::uri target() const;
+
+    std::wstring m_name;
+    const wchar_t* m_serviceKey;
+    web::http::method m_method;
+    std::wstring m_path;
+    std::vector<std::pair<utility::string_t, utility::string_t>> m_query;
+    web::json::value m_json;
+    std::optional<std::wstring> m_text;
+    std::optional<int> m_timeoutSeconds;
+    std::optional<std::wstring> m_failureWords;
+};
+
+/// The time-out of the configuration in seconds. Read once for each process; a later change has no effect.
+int timeoutOfFirstUse();
+
+} // namespace orlo
