@@ -13,13 +13,19 @@
 
 #include <BaseCommon/ErrorCode.h>
 #include <OrloProjectManager/Design/ConfigType.h>
+#include <OrloProjectManager/Design/ISpaceConfig.h>
 #include <OrloProjectManager/Export.h>
 #include <OrloProjectManager/Projects/DatasetRecords.h>
+#include <OrloProjectManager/Projects/DatasetVersion.h>
+#include <OrloProjectManager/Projects/FolderRecords.h>
 #include <OrloProjectManager/Projects/ICollaborationFolder.h>
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
+#include <OrloProjectManager/Projects/IWorkUnit.h>
 #include <OrloProjectManager/Projects/ProjectItemConfig.h>
 #include <OrloProjectManager/Projects/ProjectRecords.h>
 #include <OrloProjectManager/Projects/Specialty.h>
 #include <OrloProjectManager/Projects/StandardProperty.h>
+#include <OrloProjectManager/Resources/IProjectFont.h>
 #include <OrloProjectManager/Teams/CollaborationTeamInfo.h>
+#include <OrloProjectManager/Teams/ICollaborationTeam.h>

@@ -6,6 +6,7 @@
 #include "NetworkProject/DatasetWeb.h"
 #include "NetworkProject/ProjectTexts.h"
 #include "NetworkProject/ProjectWeb.h"
+#include "NetworkProject/SpecialtyWeb.h"
 #include "Project.h"
 
 #include <BaseCommon/Text.h>

@@ -5,6 +5,7 @@
 namespace orlo {
 
 using http::ORLOHTTPPayloadDataset;
+using http::ORLOHTTPPayloadDatasetVersion;
 
 DatasetKind datasetKindOf(const std::wstring& type)
 {
@@ -43,6 +44,12 @@ void readKind(const web::json::value& json, DatasetInfo& info)
         info.type = datasetKindOf(text);
 }
 
+void readRefInfo(const web::json::value& json, ORLOHTTPPayloadDatasetVersion& version)
+{
+    if (std::string text; readField(json, text))
+        version.refInfo = std::make_shared<std::string>(std::move(text));
+}
+
 } // namespace
 
 const RecordTable<DatasetInfo>& datasetInfoFields()
@@ -79,6 +86,39 @@ const RecordTable<ORLOHTTPPayloadDataset>& datasetFields()
         {L"projectId", &ORLOHTTPPayloadDataset::projectId},
     };
     return table;
+}
+
+const RecordTable<ORLOHTTPPayloadDatasetVersion>& datasetVersionFields()
+{
+    using Version = ORLOHTTPPayloadDatasetVersion;
+    // Intended: `versionStatus` has no row. Of "size" and "length" the first wins, so it is read last.
+    static const RecordTable<Version> table{
+        {L"id", &Version::id},
+        {L"version", &Version::version},
+        {L"dataSetId", &Version::dataSetId},
+        {L"dataSetSourceFile", &Version::dataSetSourceFile},
+        {L"displayVersion", &Version::displayVersion},
+        {L"creationTime", &Version::creationTime},
+        {L"status", &Version::status},
+        {L"verify", &Version::verify},
+        {L"verifyStatus", &Version::verifyStatus},
+        {L"metaInfo", &Version::metaInfo},
+        {L"viewingInfo", &Version::viewingInfo},
+        {L"rawData", &Version::rawData},
+        {L"rawDataFile", &Version::rawDataFile},
+        {L"refInfoFile", &Version::refInfoFile},
+        {L"refInfo", readRefInfo},
+        {L"suiteCount", &Version::suiteCount},
+        {L"length", &Version::size},
+        {L"size", &Version::size},
+    };
+    return table;
+}
+
+void readDatasetVersion(const web::json::value& value, ORLOHTTPPayloadDatasetVersion& version)
+{
+    const web::json::value* const data = memberOf(value, L"data");
+    datasetVersionFields().read(data && data->is_object() ? *data : value, version);
 }
 
 } // namespace OrloPayloadProcessor

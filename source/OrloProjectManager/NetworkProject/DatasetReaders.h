@@ -3,6 +3,7 @@
 #include "FieldReaders.h"
 
 #include <OrloProjectManager/Projects/DatasetRecords.h>
+#include <OrloProjectManager/Projects/DatasetVersion.h>
 
 namespace orlo {
 
@@ -15,6 +16,10 @@ namespace OrloPayloadProcessor {
 
 const RecordTable<DatasetInfo>& datasetInfoFields();
 const RecordTable<http::ORLOHTTPPayloadDataset>& datasetFields();
+const RecordTable<http::ORLOHTTPPayloadDatasetVersion>& datasetVersionFields();
+
+/// Reads the object under "data" where there is one, otherwise the value itself.
+void readDatasetVersion(const web::json::value& value, http::ORLOHTTPPayloadDatasetVersion& version);
 
 } // namespace OrloPayloadProcessor
 } // namespace orlo

@@ -22,7 +22,6 @@ constexpr const wchar_t* sampleProjectsPath = L"/v2/sampleProjects";
 constexpr const wchar_t* resourceLimitPath = L"/resource/limit";
 constexpr const wchar_t* projectOfDatasetPath = L"/folder/hasdataset";
 constexpr const wchar_t* datasetsByModelingIdPath = L"/dataset/modelingid";
-constexpr const wchar_t* specialtyPath = L"specialties/";
 
 // The listings share their failure words, whatever they filter by.
 constexpr const wchar_t* listingFailed = L"OrloWebService::GetAllProjects - code:";
@@ -160,16 +159,6 @@ std::wstring getProjectIdByModelingId(ErrorCode& error, const std::string& model
     if (answer.ok() && answer.data().is_array() && answer.data().size() > 0)
         readMember(answer.data().at(0), L"projectId", projectId);
     return projectId;
-}
-
-bool GetSpecialty(ErrorCode& error, http::ORLOHTTPPayloadSpecialty& out, const std::wstring& id)
-{
-    WebCall call(L"OrloWebService::GetSpecialty", service::project, methods::GET, specialtyPath + id);
-    WebAnswer answer = call.send(error);
-    if (!answer.okWithData())
-        return false;
-    OrloPayloadProcessor::specialtyFields().read(answer.data(), out);
-    return true;
 }
 
 } // namespace orlo::OrloWebService

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <OrloProjectManager/Projects/ProjectRecords.h>
-#include <OrloProjectManager/Projects/Specialty.h>
 
 #include <string>
 #include <utility>
@@ -23,7 +22,6 @@ bool DeleteProject(ErrorCode& error, const std::wstring& id);
 bool GetResourceLimit(ErrorCode& error, std::pair<int, int>& limits);
 std::wstring getProjectIdByDataset(ErrorCode& error, const std::string& datasetId);
 std::wstring getProjectIdByModelingId(ErrorCode& error, const std::string& modelingId);
-bool GetSpecialty(ErrorCode& error, http::ORLOHTTPPayloadSpecialty& out, const std::wstring& id);
 
 } // namespace OrloWebService
 } // namespace orlo

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <OrloProjectManager/Projects/Specialty.h>
+
+#include <cpprest/json.h>
+
+#include <string>
+#include <vector>
+
+namespace orlo {
+
+class ErrorCode;
+
+namespace OrloWebService {
+
+bool GetSpecialty(ErrorCode& error, http::ORLOHTTPPayloadSpecialty& out, const std::wstring& id);
+bool GetSpecialtiesInProject(ErrorCode& error, std::vector<http::ORLOHTTPPayloadSpecialty>& out, const std::wstring& projectId);
+/// The new specialty's id; empty on failure.
+std::wstring CreateSpecialty(ErrorCode& error, const std::wstring& projectId, const std::wstring& type, const std::wstring& name);
+/// What a user may do in a project. True for every answer with status 200; `out` is filled only from a good envelope.
+bool GetAuthorizationOfUserInProject(ErrorCode& error, web::json::value& out, const std::wstring& projectId, const std::wstring& userId);
+
+} // namespace OrloWebService
+} // namespace orlo

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <OrloProjectManager/Projects/DatasetVersion.h>
+
+#include <string>
+#include <vector>
+
+namespace orlo {
+
+class ErrorCode;
+
+namespace OrloWebService {
+
+/// A version whose content is the record's `dataSetSourceFile`.
+bool CreateVersion(ErrorCode& error, http::ORLOHTTPPayloadDatasetVersion& out, const http::ORLOHTTPPayloadDatasetVersion& data);
+/// The same for a file of the document store; `size` and `version` of the record go along.
+bool CreateDocVersion(ErrorCode& error, http::ORLOHTTPPayloadDatasetVersion& out, const http::ORLOHTTPPayloadDatasetVersion& data);
+/// published: true for "Published", false for "WIP".
+bool CreateVersionByNumber(ErrorCode& error, const std::wstring& datasetId, int versionNum, const std::wstring& metaInfo, bool published,
+                           const std::wstring& description);
+/// version: below 0 for the latest.   mvd: "base" is sent where it is empty.
+bool GetDatasetVersionByMvd(ErrorCode& error, http::ORLOHTTPPayloadDatasetVersion& out, const std::string& datasetId, int version,
+                            const std::wstring& mvd);
+bool GetDatasetVersionAccordingMVD(ErrorCode& error, std::vector<http::ORLOHTTPPayloadDatasetVersion>& out,
+                                   const std::vector<int>& versionIds, const std::string& mvd);
+/// The platform's own answer, true or false.
+bool MarkPublish(ErrorCode& error, const std::string& datasetId, const std::wstring& version, const std::wstring& description);
+
+} // namespace OrloWebService
+} // namespace orlo

@@ -1,0 +1,139 @@
+#include "SpaceConfig.h"
+
+#include "CallFrame.h"
+#include "NetworkProject/ConfigTexts.h"
+#include "NetworkProject/ConfigWeb.h"
+#include "NetworkProject/FieldReaders.h"
+
+#include <utility>
+
+namespace orlo {
+
+using Items = std::vector<std::shared_ptr<ISpaceConfigItem>>;
+using web::json::value;
+
+ISpaceConfigItem::ISpaceConfigItem() = default;
+ISpaceConfigItem::ISpaceConfigItem(const ISpaceConfigItem&) = default;
+ISpaceConfigItem& ISpaceConfigItem::operator=(const ISpaceConfigItem&) = default;
+ISpaceConfigItem::~ISpaceConfigItem() = default;
+
+ISpaceConfig::ISpaceConfig() = default;
+ISpaceConfig::ISpaceConfig(const ISpaceConfig&) = default;
+ISpaceConfig& ISpaceConfig::operator=(const ISpaceConfig&) = default;
+ISpaceConfig::~ISpaceConfig() = default;
+
+SpaceConfigItem::SpaceConfigItem(std::wstring id, SpaceType type, std::wstring name, std::wstring architectureLevel,
+                                 std::wstring structureLevel, std::wstring description, Items&& subSpaces)
+    : m_id(std::move(id)),
+      m_name(std::move(name)),
+      m_architectureLevel(std::move(architectureLevel)),
+      m_structureLevel(std::move(structureLevel)),
+      m_description(std::move(description)),
+      m_type(type),
+      m_subSpaces(std::exchange(subSpaces, {}))
+{}
+
+SpaceConfig::SpaceConfig(int version, std::wstring scopeEntityId, Items items)
+    : m_version(version), m_scopeEntityId(std::move(scopeEntityId)), m_items(std::move(items))
+{}
+
+namespace {
+
+const value& required(const value& object, const wchar_t* key)
+{
+    const value* const member = memberOf(object, key);
+    if (!member)
+        throw web::json::json_exception("Key not found");
+    return *member;
+}
+
+template <class Field>
+Field requiredField(const value& object, const wchar_t* key)
+{
+    Field field{};
+    if (!readField(required(object, key), field))
+        throw web::json::json_exception("not of the expected type");
+    return field;
+}
+
+Items readItems(const value& array);
+
+std::shared_ptr<ISpaceConfigItem> readItem(const value& node)
+{
+    std::wstring name;
+    readField(required(node, L"spaceName"), name);
+    std::wstring description;
+    readMember(node, L"spaceDescription", description);
+    std::wstring architectureLevel;
+    std::wstring structureLevel;
+    if (const value* const levels = memberOf(node, L"attachValues")) {
+        readMember(*levels, L"ArchitectureLevel", architectureLevel);
+        readMember(*levels, L"StructureLevel", structureLevel);
+    }
+    const value* const subSpaces = memberOf(node, L"subSpaces");
+    return std::make_shared<SpaceConfigItem>(requiredField<std::wstring>(node, L"id"),
+                                             spaceTypeTexts().valueOf(requiredField<std::wstring>(node, L"spaceType")), std::move(name),
+                                             std::move(architectureLevel), std::move(structureLevel), std::move(description),
+                                             subSpaces ? readItems(*subSpaces) : Items());
+}
+
+/// The recursion is as deep as cpprestsdk reads JSON, which is 128 levels.
+Items readItems(const value& array)
+{
+    Items items;
+    if (!array.is_array())
+        return items;
+    items.reserve(array.size());
+    for (const value& node : array.as_array())
+        items.push_back(readItem(node));
+    return items;
+}
+
+Items readDocument(const value& document)
+{
+    const value* const schemaVersion = memberOf(document, L"schemaVersion");
+    if (!schemaVersion) {
+        log::error(L"Invalid space config data: no schema version");
+        return {};
+    }
+    if (requiredField<std::int64_t>(document, L"schemaVersion") != 1) {
+        log::error(L"Invalid space config data: schema version isn't support");
+        return {};
+    }
+    const value* const data = memberOf(document, L"data");
+    if (!data) {
+        log::error(L"Invalid space config data: no data");
+        return {};
+    }
+    return readItems(*data);
+}
+
+} // namespace
+
+std::shared_ptr<ISpaceConfig> parseSpaceConfig(const value& answer)
+{
+    auto scopeEntityId = requiredField<std::wstring>(answer, L"scopeEntityId");
+    const int version = requiredField<int>(answer, L"version");
+    const value& configValue = required(answer, L"configValue");
+    return std::make_shared<SpaceConfig>(version, std::move(scopeEntityId), readDocument(value::parse(configValue.as_string())));
+}
+
+namespace HttpClient {
+
+std::wstring stringifySpaceConfig(std::shared_ptr<ISpaceConfig> config)
+{
+    return CallFrame(ORLO_HERE("orlo::HttpClient::stringifySpaceConfig")).runAlone([&](ErrorCode&) {
+        return spaceDocumentOf(config.get());
+    });
+}
+
+bool updateSpaceConfig(const std::wstring& configText, const std::wstring& projectId)
+{
+    return CallFrame(ORLO_HERE("orlo::HttpClient::updateSpaceConfig")).runDirectAlone([&](ErrorCode& error) {
+        return OrloWebService::UpdateSpaceConfig(error, configText, projectId);
+    });
+}
+
+} // namespace HttpClient
+
+} // namespace orlo
