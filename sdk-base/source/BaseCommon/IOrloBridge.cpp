@@ -1,0 +1,10 @@
+#include <BaseCommon/IOrloBridge.h>
+
+namespace orlo {
+
+IOrloBridge* IOrloBridge::m_pBridge = nullptr;
+
+IOrloBridge::IOrloBridge() = default;
+IOrloBridge::~IOrloBridge() = default;
+
+} // namespace orlo

@@ -1,0 +1,399 @@
+#include <BaseCommon/Files.h>
+#include <BaseCommon/Platform.h>
+#include <BaseCommon/Text.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <thread>
+#include <utility>
+
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <knownfolders.h>
+#include <objbase.h>
+#include <shlobj.h>
+#include <windows.h>
+#else
+#include <cerrno>
+#include <fcntl.h>
+#include <pwd.h>
+#include <stdlib.h> // secure_getenv
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace orlo::utils {
+
+#if defined(_WIN32)
+
+namespace {
+
+// Owns a handle of the system; also what a failed call gives.
+class Handle
+{
+public:
+    explicit Handle(HANDLE handle) : m_handle(handle) {}
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    ~Handle() { close(); }
+    bool isOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
+    HANDLE get() const { return m_handle; }
+    HANDLE detach() { return std::exchange(m_handle, INVALID_HANDLE_VALUE); }
+    bool close() { return !isOpen() || CloseHandle(std::exchange(m_handle, INVALID_HANDLE_VALUE)) != 0; }
+
+private:
+    HANDLE m_handle;
+};
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+HANDLE openPath(const std::wstring& path, DWORD access, DWORD share, DWORD disposition)
+{
+    return CreateFileW(toSystemPath(path).c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+bool writeAll(HANDLE file, std::string_view bytes)
+{
+    constexpr std::size_t largestStep = 1U << 30;
+    while (!bytes.empty()) {
+        DWORD written = 0;
+        if (WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), largestStep)), &written, nullptr) == 0)
+            return false;
+        bytes.remove_prefix(written);
+    }
+    return true;
+}
+
+HANDLE handleOf(long long number)
+{
+    return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(number));
+}
+
+std::wstring fullPathOf(const std::wstring& path)
+{
+    const DWORD size = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+    std::wstring full(size, L'\0');
+    full.resize(size == 0 ? 0 : GetFullPathNameW(path.c_str(), size, full.data(), nullptr));
+    return full;
+}
+
+std::wstring localAppData()
+{
+    PWSTR found = nullptr;
+    std::wstring folder;
+    if (SUCCEEDED(SHGetKnownFolderPath(FOLDERID_LocalAppData, KF_FLAG_CREATE, nullptr, &found)))
+        folder = found;
+    CoTaskMemFree(found);
+    std::error_code error;
+    return folder.empty() ? fromSystemPath(std::filesystem::temp_directory_path(error)) : folder;
+}
+
+constexpr wchar_t longPathHead[] = L"\\\\?\\";
+constexpr wchar_t longNetworkHead[] = L"\\\\?\\UNC\\";
+
+} // namespace
+
+bool setHiddenAttribute(const std::wstring& path)
+{
+    const std::filesystem::path systemPath = toSystemPath(path);
+    const DWORD attributes = GetFileAttributesW(systemPath.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && SetFileAttributesW(systemPath.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN) != 0;
+}
+
+unsigned long currentProcessId()
+{
+    return GetCurrentProcessId();
+}
+
+std::filesystem::path toSystemPath(const std::wstring& text)
+{
+    // Folders are limited to 248 characters unless the path carries this head, which in turn wants it absolute and in normal form.
+    if (text.size() < 240 || text.compare(0, 4, longPathHead) == 0)
+        return std::filesystem::path(text);
+    const std::wstring full = fullPathOf(text);
+    if (full.empty())
+        return std::filesystem::path(text);
+    if (full.compare(0, 2, L"\\\\") == 0)
+        return std::filesystem::path(longNetworkHead + full.substr(2));
+    return std::filesystem::path(longPathHead + full);
+}
+
+std::wstring fromSystemPath(const std::filesystem::path& path)
+{
+    const std::wstring text = path.native();
+    if (text.compare(0, 8, longNetworkHead) == 0)
+        return L"\\\\" + text.substr(8);
+    return text.compare(0, 4, longPathHead) == 0 ? text.substr(4) : text;
+}
+
+std::wstring userDataFolder()
+{
+    return localAppData();
+}
+std::wstring userCacheFolder()
+{
+    return localAppData();
+}
+std::wstring userStateFolder()
+{
+    return localAppData();
+}
+
+bool flushFile(const std::wstring& path)
+{
+    const Handle file(openPath(path, GENERIC_WRITE, shareAll, OPEN_EXISTING));
+    return file.isOpen() && FlushFileBuffers(file.get()) != 0;
+}
+
+bool flushFolder(const std::wstring&)
+{
+    return true;
+}
+
+bool renameOver(const std::wstring& from, const std::wstring& to)
+{
+    return MoveFileExW(toSystemPath(from).c_str(), toSystemPath(to).c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
+// The user's local folders are closed to other users by what they inherit, so a private file needs nothing more here.
+bool writeNewFile(const std::wstring& path, std::string_view bytes, bool /*isPrivate*/)
+{
+    Handle file(openPath(path, GENERIC_WRITE, 0, CREATE_NEW));
+    if (!file.isOpen())
+        return false;
+    const bool isWritten = writeAll(file.get(), bytes) && FlushFileBuffers(file.get()) != 0;
+    if (file.close() && isWritten)
+        return true;
+    DeleteFileW(toSystemPath(path).c_str());
+    return false;
+}
+
+bool FileLock::open(const std::wstring& path)
+{
+    Handle file(openPath(path, GENERIC_READ | GENERIC_WRITE, shareAll, OPEN_ALWAYS));
+    m_handle = static_cast<long long>(reinterpret_cast<std::intptr_t>(file.detach()));
+    return isHeld();
+}
+
+bool FileLock::tryLock()
+{
+    OVERLAPPED range = {};
+    return LockFileEx(handleOf(m_handle), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &range) != 0;
+}
+
+// Closing the handle gives the lock back too, but the system may take its time then.
+void FileLock::release()
+{
+    if (!isHeld())
+        return;
+    const Handle file(handleOf(m_handle));
+    OVERLAPPED range = {};
+    UnlockFileEx(file.get(), 0, 1, 0, &range);
+    m_handle = noHandle;
+}
+
+#else
+
+namespace {
+
+// Owns a file descriptor; also what a failed call gives.
+class Descriptor
+{
+public:
+    explicit Descriptor(int number) : m_number(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { close(); }
+    bool isOpen() const { return m_number >= 0; }
+    int get() const { return m_number; }
+    bool close() { return !isOpen() || ::close(std::exchange(m_number, -1)) == 0; }
+
+private:
+    int m_number;
+};
+
+template <typename Call>
+auto untilNotInterrupted(Call call)
+{
+    auto result = call();
+    while (result == -1 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+int openPath(const std::wstring& path, int flags, mode_t mode = 0)
+{
+    const std::filesystem::path systemPath = toSystemPath(path);
+    return untilNotInterrupted([&] { return ::open(systemPath.c_str(), flags | O_CLOEXEC, mode); });
+}
+
+bool writeAll(int file, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = untilNotInterrupted([&] { return ::write(file, bytes.data(), bytes.size()); });
+        if (written < 0)
+            return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+bool flush(int file)
+{
+    return untilNotInterrupted([&] { return ::fsync(file); }) == 0;
+}
+
+std::string homeOfAccount()
+{
+    char buffer[16384];
+    passwd entry = {};
+    passwd* found = nullptr;
+    if (::getpwuid_r(::geteuid(), &entry, buffer, sizeof buffer, &found) != 0 || found == nullptr || found->pw_dir == nullptr)
+        return {};
+    return found->pw_dir;
+}
+
+std::string environment(const char* name)
+{
+    const char* value = ::secure_getenv(name);
+    return value == nullptr ? std::string() : std::string(value);
+}
+
+std::string home()
+{
+    const std::string fromEnvironment = environment("HOME");
+    std::string found = fromEnvironment.empty() ? homeOfAccount() : fromEnvironment;
+    if (!found.empty() && found.front() == '/')
+        return found;
+    // An account without a home, as services have it: a place that no other account shares.
+    return "/tmp/orlo-" + std::to_string(::geteuid());
+}
+
+// A relative path in these variables is to be ignored, by their own definition.
+std::wstring baseFolder(const char* variable, const char* belowHome)
+{
+    std::string folder = environment(variable);
+    if (folder.empty() || folder.front() != '/')
+        folder = home() + '/' + belowHome;
+    while (folder.size() > 1 && folder.back() == '/')
+        folder.pop_back();
+    return toWstring(folder);
+}
+
+} // namespace
+
+bool setHiddenAttribute(const std::wstring& path)
+{
+    std::error_code error;
+    return std::filesystem::exists(toSystemPath(path), error);
+}
+
+unsigned long currentProcessId()
+{
+    return static_cast<unsigned long>(::getpid());
+}
+
+std::filesystem::path toSystemPath(const std::wstring& text)
+{
+    return std::filesystem::path(UnicodeToUtf8(text));
+}
+std::wstring fromSystemPath(const std::filesystem::path& path)
+{
+    return Utf8ToUnicode(path.native());
+}
+
+std::wstring userDataFolder()
+{
+    return baseFolder("XDG_DATA_HOME", ".local/share");
+}
+std::wstring userCacheFolder()
+{
+    return baseFolder("XDG_CACHE_HOME", ".cache");
+}
+std::wstring userStateFolder()
+{
+    return baseFolder("XDG_STATE_HOME", ".local/state");
+}
+
+bool flushFile(const std::wstring& path)
+{
+    const Descriptor file(openPath(path, O_RDONLY));
+    return file.isOpen() && flush(file.get());
+}
+
+bool flushFolder(const std::wstring& path)
+{
+    const Descriptor folder(openPath(path, O_RDONLY | O_DIRECTORY));
+    return folder.isOpen() && (flush(folder.get()) || errno == EINVAL);
+}
+
+bool renameOver(const std::wstring& from, const std::wstring& to)
+{
+    std::error_code error;
+    std::filesystem::rename(toSystemPath(from), toSystemPath(to), error);
+    return !error;
+}
+
+bool writeNewFile(const std::wstring& path, std::string_view bytes, bool isPrivate)
+{
+    Descriptor file(openPath(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, isPrivate ? 0600 : 0666));
+    if (!file.isOpen())
+        return false;
+    const bool isWritten = writeAll(file.get(), bytes) && flush(file.get());
+    if (file.close() && isWritten)
+        return true;
+    std::error_code error;
+    std::filesystem::remove(toSystemPath(path), error);
+    return false;
+}
+
+bool FileLock::open(const std::wstring& path)
+{
+    m_handle = openPath(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    return isHeld();
+}
+
+bool FileLock::tryLock()
+{
+    return untilNotInterrupted([&] { return ::flock(static_cast<int>(m_handle), LOCK_EX | LOCK_NB); }) == 0;
+}
+
+void FileLock::release()
+{
+    if (isHeld())
+        ::close(static_cast<int>(m_handle));
+    m_handle = noHandle;
+}
+
+#endif
+
+FileLock::~FileLock()
+{
+    release();
+}
+
+bool FileLock::acquire(const std::wstring& path, unsigned milliseconds)
+{
+    release();
+    if (!open(path))
+        return false;
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    while (!tryLock()) {
+        if (Clock::now() >= end) {
+            release();
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+}
+
+} // namespace orlo::utils

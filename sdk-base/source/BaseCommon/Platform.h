@@ -1,0 +1,60 @@
+#pragma once
+
+#include <BaseCommon/Export.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+// Everything that the library asks of the operating system itself. Nothing here throws.
+namespace orlo::utils {
+
+/// Gives a file or folder the hidden attribute. On Linux names with a dot at the head are hidden and there is nothing to set: true if
+/// the path is there.
+ORLO_BASE_API bool setHiddenAttribute(const std::wstring& path);
+
+ORLO_BASE_API unsigned long currentProcessId();
+
+/// The path in the form that the system takes at any length.
+ORLO_BASE_API std::filesystem::path toSystemPath(const std::wstring& text);
+ORLO_BASE_API std::wstring fromSystemPath(const std::filesystem::path& path);
+
+/// The user's own places, without a separator at the end; all absolute.
+ORLO_BASE_API std::wstring userDataFolder();
+ORLO_BASE_API std::wstring userCacheFolder();
+ORLO_BASE_API std::wstring userStateFolder();
+
+/// Waits until the file's bytes, or the entries of a folder, are on disk. A system that can't flush folders says true.
+ORLO_BASE_API bool flushFile(const std::wstring& path);
+ORLO_BASE_API bool flushFolder(const std::wstring& path);
+
+/// Gives the file another name on the same file system, in one step, in place of a file that may stand there.
+ORLO_BASE_API bool renameOver(const std::wstring& from, const std::wstring& to);
+
+/// Makes a file that isn't there yet, fills it and flushes it; removed again on failure. A private file is its owner's alone (0600).
+ORLO_BASE_API bool writeNewFile(const std::wstring& path, std::string_view bytes, bool isPrivate);
+
+/// A lock between processes, and between threads, on a file that is made for it and stays. The system drops it when the process ends.
+class ORLO_BASE_API FileLock
+{
+public:
+    FileLock() = default;
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+    ~FileLock();
+
+    /// Takes the lock, waiting up to that many milliseconds for another holder to give it back; gives back what this one held before.
+    /// Returns: false if it stays taken, and at once if the file can't be opened.
+    bool acquire(const std::wstring& path, unsigned milliseconds);
+    void release();
+    bool isHeld() const { return m_handle != noHandle; }
+
+private:
+    bool open(const std::wstring& path);
+    bool tryLock();
+
+    static constexpr long long noHandle = -1;
+    long long m_handle = noHandle;
+};
+
+} // namespace orlo::utils

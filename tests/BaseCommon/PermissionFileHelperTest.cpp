@@ -1,0 +1,262 @@
+#include "support/TempFolder.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/PermissionFileHelper.h>
+#include <BaseCommon/Platform.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <functional>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace orlo::utils;
+using orlo::test::readFile;
+using orlo::test::writeFile;
+using testing::ElementsAre;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class PermissionFile : public testing::Test
+{
+protected:
+    PermissionFile() : m_root(m_local) {}
+
+    fs::path tokenFolder() const { return m_local.path("AppData/Veltrin/PermissionToken"); }
+    fs::path tokenFile() const { return tokenFolder() / "DatasetTokens.json"; }
+
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> names;
+        for (const fs::directory_entry& entry : fs::directory_iterator(tokenFolder()))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    void putTokenFile(const std::string& content) const
+    {
+        fs::create_directories(tokenFolder());
+        writeFile(tokenFile(), content);
+    }
+
+    orlo::test::TempFolder m_local;
+    orlo::test::LocalRoot m_root;
+    PermissionFileHelper& m_helper = *PermissionFileHelper::GetInstance();
+};
+
+pid_t inChild(const std::function<bool()>& work)
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(work() ? 0 : 1);
+    return child;
+}
+
+bool endedWell(pid_t child)
+{
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string longToken(int number)
+{
+    return "token-" + std::to_string(number) + "-" + std::string(20000, 't');
+}
+
+int numberOf(const std::string& token)
+{
+    return token.compare(0, 6, "token-") == 0 ? std::atoi(token.c_str() + 6) : -1;
+}
+
+} // namespace
+
+TEST_F(PermissionFile, KeepsOneTokenForEachPairOfUserAndDataset)
+{
+    EXPECT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    EXPECT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-2", "b"));
+    EXPECT_TRUE(m_helper.WriteTokenToFile("user-2", "ds-1", "c"));
+    EXPECT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "d"));
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "d");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-2"), "b");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-2", "ds-1"), "c");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-2", "ds-2"), "");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("ds-1", "user-1"), "");
+}
+
+TEST_F(PermissionFile, KeepsIdsAndTokensByteForByte)
+{
+    const std::string token = "要\"\\\n\xF0\x9F\x94\x91 {\"a\":1}";
+    EXPECT_TRUE(m_helper.WriteTokenToFile("用户", "", token));
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("用户", ""), token);
+}
+
+TEST_F(PermissionFile, RefusesAnEmptyTokenAndWhatIsNoUtf8)
+{
+    EXPECT_FALSE(m_helper.WriteTokenToFile("user-1", "ds-1", ""));
+    EXPECT_FALSE(m_helper.WriteTokenToFile("user-1", "ds-1", "\xFF"));
+    EXPECT_FALSE(m_helper.WriteTokenToFile("user\xFF", "ds-1", "a"));
+    EXPECT_FALSE(m_helper.WriteTokenToFile("user-1", "ds\xFF", "a"));
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+}
+
+TEST_F(PermissionFile, ReleaseForgetsThePairOnly)
+{
+    ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-2", "b"));
+    EXPECT_TRUE(m_helper.ReleasePermission("user-1", "ds-1"));
+    EXPECT_FALSE(m_helper.ReleasePermission("user-1", "ds-1"));
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-2"), "b");
+}
+
+TEST_F(PermissionFile, LooksForTheFileWithoutMakingItsFolder)
+{
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+    EXPECT_FALSE(m_helper.ReleasePermission("user-1", "ds-1"));
+    EXPECT_FALSE(fs::exists(tokenFolder()));
+    EXPECT_EQ(makePath(PermissionFileHelper::TokenFolder()), tokenFolder());
+    EXPECT_FALSE(fs::exists(tokenFolder()));
+}
+
+TEST_F(PermissionFile, IsReadableByItsOwnerAlone)
+{
+    ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    EXPECT_THAT(names(), ElementsAre("DatasetTokens.json", "DatasetTokens.lock"));
+    EXPECT_EQ(fs::status(tokenFile()).permissions(), fs::perms(0600));
+}
+
+TEST_F(PermissionFile, HasAFormatThatLaterVersionsCanRead)
+{
+    ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    EXPECT_EQ(readFile(tokenFile()), R"({"version":1,"tokens":[{"user":"user-1","dataset":"ds-1","token":"a"}]})");
+    putTokenFile(R"({"tokens":[{"token":"b","user":"user-2","dataset":"ds-2","since":5}],"version":1,"more":{}})");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-2", "ds-2"), "b");
+}
+
+TEST_F(PermissionFile, ABrokenFileIsSetAsideAndANewOneBegun)
+{
+    for (const std::string& broken :
+         {std::string(), std::string("{\"version\":1,\"tok"), std::string("[]"), std::string("null"), std::string("\0\0\0", 3),
+          std::string("\xFF\xFE"), std::string(R"({"version":2,"tokens":[]})"), std::string(R"({"version":"1","tokens":[]})"),
+          std::string(R"({"version":1,"tokens":{}})"), std::string(1000000, '[')}) {
+        putTokenFile(broken);
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+        EXPECT_FALSE(fs::exists(tokenFile()));
+        EXPECT_TRUE(readFile(tokenFolder() / "DatasetTokens.broken") == broken);
+        EXPECT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "a");
+    }
+}
+
+TEST_F(PermissionFile, ABrokenFileDoesNotHinderAWrite)
+{
+    putTokenFile("garbage");
+    EXPECT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "a");
+    EXPECT_EQ(readFile(tokenFolder() / "DatasetTokens.broken"), "garbage");
+}
+
+TEST_F(PermissionFile, ABrokenEntryDoesNotCostTheOthers)
+{
+    putTokenFile(
+        R"({"version":1,"tokens":[{"user":"user-1"},7,null,{"user":1,"dataset":"ds-1","token":"x"},{"user":"user-1","dataset":"ds-1","token":"a"}]})");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "a");
+}
+
+TEST_F(PermissionFile, ATokenThatCannotBeWrittenIsToldSo)
+{
+    fs::create_directories(tokenFile());
+    EXPECT_FALSE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+    EXPECT_FALSE(m_helper.ReleasePermission("user-1", "ds-1"));
+}
+
+TEST_F(PermissionFile, WithoutItsLockTheFileIsReadAndNotChanged)
+{
+    ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    fs::remove(tokenFolder() / "DatasetTokens.lock");
+    fs::create_directory(tokenFolder() / "DatasetTokens.lock"); // can't be opened as a file
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "a");
+    EXPECT_FALSE(m_helper.WriteTokenToFile("user-1", "ds-1", "b"));
+    EXPECT_FALSE(m_helper.ReleasePermission("user-1", "ds-1"));
+    putTokenFile("garbage");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+    EXPECT_EQ(readFile(tokenFile()), "garbage");
+}
+
+TEST_F(PermissionFile, ThreadsMayWriteAtOnce)
+{
+    std::vector<std::thread> threads;
+    for (int user = 0; user < 4; ++user) {
+        threads.emplace_back([this, user] {
+            for (int dataset = 0; dataset < 10; ++dataset)
+                EXPECT_TRUE(m_helper.WriteTokenToFile(std::to_string(user), std::to_string(dataset), "t"));
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (int user = 0; user < 4; ++user) {
+        for (int dataset = 0; dataset < 10; ++dataset)
+            EXPECT_EQ(m_helper.GetDatasetTokenFromFile(std::to_string(user), std::to_string(dataset)), "t");
+    }
+}
+
+TEST_F(PermissionFile, TwoProcessesMayWriteAtOnce)
+{
+    constexpr int datasets = 40;
+    const auto writeAll = [this](const std::string& user) {
+        bool isGood = true;
+        for (int i = 0; i < datasets; ++i)
+            isGood = m_helper.WriteTokenToFile(user, std::to_string(i), user + std::to_string(i)) && isGood;
+        return isGood;
+    };
+    const pid_t first = inChild([&] { return writeAll("a"); });
+    const pid_t second = inChild([&] { return writeAll("b"); });
+    EXPECT_TRUE(endedWell(first));
+    EXPECT_TRUE(endedWell(second));
+    for (int i = 0; i < datasets; ++i) {
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("a", std::to_string(i)), "a" + std::to_string(i));
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("b", std::to_string(i)), "b" + std::to_string(i));
+    }
+}
+
+TEST_F(PermissionFile, AKillAtAnyInstantLosesNothingThatWasWritten)
+{
+    ASSERT_TRUE(m_helper.WriteTokenToFile("other", "ds-1", "kept"));
+    int last = 0;
+    for (int round = 0; round < 30; ++round) {
+        int written[2];
+        ASSERT_EQ(::pipe(written), 0);
+        const pid_t child = inChild([&] {
+            for (int number = last + 1;; ++number) {
+                if (!m_helper.WriteTokenToFile("user-1", "ds-1", longToken(number)) ||
+                    ::write(written[1], &number, sizeof number) != sizeof number)
+                    return false;
+            }
+        });
+        int told = 0;
+        for (int seen = 0; seen <= round % 4; ++seen)
+            ASSERT_EQ(::read(written[0], &told, sizeof told), static_cast<ssize_t>(sizeof told));
+        // Lets the child come a different way into its next write each time.
+        for (volatile int spin = 0; spin < round * 20000; spin = spin + 1) {
+        }
+        ASSERT_EQ(::kill(child, SIGKILL), 0);
+        ASSERT_FALSE(endedWell(child));
+        ::close(written[0]);
+        ::close(written[1]);
+
+        const std::string token = m_helper.GetDatasetTokenFromFile("user-1", "ds-1");
+        last = numberOf(token);
+        EXPECT_GE(last, told);
+        EXPECT_TRUE(token == longToken(last));
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("other", "ds-1"), "kept");
+    }
+    EXPECT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "after"));
+    EXPECT_THAT(names(), ElementsAre("DatasetTokens.json", "DatasetTokens.lock"));
+}

@@ -1,0 +1,110 @@
+#include "support/TempFolder.h"
+
+#include <BaseCommon/Platform.h>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace orlo::utils;
+
+namespace {
+
+class Platform : public testing::Test
+{
+protected:
+    std::wstring lockPath() const { return m_folder.wide("锁.lock"); }
+
+    orlo::test::TempFolder m_folder;
+};
+
+} // namespace
+
+TEST_F(Platform, ALockHasOneHolder)
+{
+    FileLock first;
+    FileLock second;
+    EXPECT_TRUE(first.acquire(lockPath(), 0));
+    EXPECT_TRUE(first.isHeld());
+    EXPECT_FALSE(second.acquire(lockPath(), 20));
+    EXPECT_FALSE(second.isHeld());
+    first.release();
+    EXPECT_FALSE(first.isHeld());
+    EXPECT_TRUE(second.acquire(lockPath(), 0));
+}
+
+TEST_F(Platform, ALockIsGivenBackAtTheEndOfItsHolder)
+{
+    {
+        FileLock first;
+        ASSERT_TRUE(first.acquire(lockPath(), 0));
+    }
+    FileLock second;
+    EXPECT_TRUE(second.acquire(lockPath(), 0));
+}
+
+TEST_F(Platform, ALockMayBeTakenAgainByItsHolder)
+{
+    FileLock lock;
+    EXPECT_TRUE(lock.acquire(lockPath(), 0));
+    EXPECT_TRUE(lock.acquire(lockPath(), 0));
+}
+
+TEST_F(Platform, ALockOfAKilledProcessIsFree)
+{
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        FileLock lock;
+        if (!lock.acquire(lockPath(), 0) || ::write(ready[1], "r", 1) != 1)
+            ::_exit(1);
+        for (;;)
+            ::pause();
+    }
+    char mark = 0;
+    ASSERT_EQ(::read(ready[0], &mark, 1), 1);
+    FileLock lock;
+    EXPECT_FALSE(lock.acquire(lockPath(), 0));
+    ::kill(child, SIGKILL);
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    EXPECT_TRUE(lock.acquire(lockPath(), 0));
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
+TEST_F(Platform, ALockInAFolderThatIsNotThereIsRefused)
+{
+    FileLock lock;
+    EXPECT_FALSE(lock.acquire(m_folder.wide("none/lock"), 60000));
+    EXPECT_FALSE(lock.isHeld());
+}
+
+TEST_F(Platform, ANewFileNeverReplacesOne)
+{
+    EXPECT_TRUE(writeNewFile(m_folder.wide("file"), "first", false));
+    EXPECT_FALSE(writeNewFile(m_folder.wide("file"), "second", false));
+    EXPECT_EQ(orlo::test::readFile(m_folder.path("file")), "first");
+}
+
+TEST_F(Platform, FlushingTellsWhatIsNotThere)
+{
+    orlo::test::writeFile(m_folder.path("file"), "x");
+    EXPECT_TRUE(flushFile(m_folder.wide("file")));
+    EXPECT_FALSE(flushFile(m_folder.wide("none")));
+    EXPECT_TRUE(flushFolder(m_folder.wide()));
+    EXPECT_FALSE(flushFolder(m_folder.wide("none")));
+}
+
+TEST_F(Platform, HidingTellsWhatIsNotThere)
+{
+    EXPECT_TRUE(setHiddenAttribute(m_folder.wide()));
+    EXPECT_FALSE(setHiddenAttribute(m_folder.wide("none")));
+}
+
+TEST_F(Platform, TheProcessIdIsTheSystems)
+{
+    EXPECT_EQ(currentProcessId(), static_cast<unsigned long>(::getpid()));
+}
