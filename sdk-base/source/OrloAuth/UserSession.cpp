@@ -1,0 +1,69 @@
+#include <OrloAuth/UserSession.h>
+#include <OrloLogging/SecretGuard.h>
+
+#include <mutex>
+#include <utility>
+
+namespace orlo {
+
+namespace {
+
+struct State
+{
+    std::mutex mutex;
+    std::shared_ptr<UserSession> session;
+};
+
+// Never destroyed: transfers may still ask while the process ends.
+State& state()
+{
+    static State* const instance = new State;
+    return *instance;
+}
+
+void replaceSession(std::shared_ptr<UserSession> session)
+{
+    const std::lock_guard<std::mutex> lock(state().mutex);
+    state().session.swap(session);
+}
+
+} // namespace
+
+UserSession::UserSession(UserIdentity identity) : m_identity(std::move(identity))
+{}
+
+UserSession::~UserSession() = default;
+
+void UserSession::SignIn(const UserIdentity& identity)
+{
+    SecretGuard::protect(identity.accessToken);
+    replaceSession(std::make_shared<UserSession>(identity));
+}
+
+void UserSession::SignOut()
+{
+    replaceSession(nullptr);
+}
+
+std::shared_ptr<UserSession> UserSession::GetInstance()
+{
+    const std::lock_guard<std::mutex> lock(state().mutex);
+    return state().session;
+}
+
+std::wstring UserSession::GetId() const
+{
+    return m_identity.userId;
+}
+
+std::wstring UserSession::getAccountId() const
+{
+    return m_identity.accountId;
+}
+
+std::wstring UserSession::getAccessToken() const
+{
+    return m_identity.accessToken;
+}
+
+} // namespace orlo

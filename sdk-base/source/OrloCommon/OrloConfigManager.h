@@ -1,0 +1,50 @@
+#pragma once
+
+#include <OrloCommon/Export.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace orlo {
+
+/// What the host tells the libraries about the platform before the first call.
+struct OrloConfig
+{
+    std::map<std::wstring, std::wstring> serviceUrls; ///< base address by service key
+    int httpTimeoutSeconds = 30;
+    std::wstring appVersion;
+    std::wstring defaultRemoteFolder;
+    std::wstring caFile; ///< certificates to trust instead of the system's; empty: the system's
+    std::wstring proxy;  ///< empty: none
+};
+
+/// The configuration of the process. It may be replaced at any time; every reader then sees the old one whole or the new one whole.
+class ORLO_COMMON_API OrloConfigManager
+{
+public:
+    OrloConfigManager(const OrloConfigManager&) = delete;
+    OrloConfigManager& operator=(const OrloConfigManager&) = delete;
+
+    /// Never null; valid until the process is gone.   Threads: any, for all operations.
+    static OrloConfigManager* Get() noexcept;
+
+    /// Replaces the whole configuration.
+    static void Configure(const OrloConfig& config);
+
+    virtual ~OrloConfigManager();
+
+    /// Returns: the base address of a service; empty for an unknown key.
+    virtual std::wstring GetServiceUrl(const std::wstring& key) const;
+
+    /// Seconds; 30 where the host configured 0 or less.
+    virtual int httpTimeout() const;
+
+    /// The configuration as it stands now. Never null.
+    std::shared_ptr<const OrloConfig> snapshot() const;
+
+private:
+    OrloConfigManager();
+};
+
+} // namespace orlo

@@ -1,0 +1,8 @@
+#include <OrloJobManager/IJobEntity.h>
+
+namespace orlo {
+
+IJobEntity::IJobEntity() = default;
+IJobEntity::~IJobEntity() = default;
+
+} // namespace orlo

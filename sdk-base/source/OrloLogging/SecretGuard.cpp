@@ -1,0 +1,46 @@
+#include <OrloLogging/SecretGuard.h>
+
+#include <algorithm>
+#include <mutex>
+
+namespace orlo {
+
+namespace {
+
+constexpr std::size_t shortest = 4;
+constexpr std::size_t remembered = 16;
+
+struct State
+{
+    std::mutex mutex;
+    std::vector<std::wstring> secrets; // the latest first
+};
+
+// Never destroyed: lines are written until the process is gone.
+State& state()
+{
+    static State* const instance = new State;
+    return *instance;
+}
+
+} // namespace
+
+void SecretGuard::protect(const std::wstring& secret)
+{
+    if (secret.size() < shortest)
+        return;
+    const std::lock_guard<std::mutex> lock(state().mutex);
+    auto& secrets = state().secrets;
+    secrets.erase(std::remove(secrets.begin(), secrets.end(), secret), secrets.end());
+    secrets.insert(secrets.begin(), secret);
+    if (secrets.size() > remembered)
+        secrets.pop_back();
+}
+
+std::vector<std::wstring> SecretGuard::secrets()
+{
+    const std::lock_guard<std::mutex> lock(state().mutex);
+    return state().secrets;
+}
+
+} // namespace orlo
