@@ -1,0 +1,101 @@
+#include "support/VirtualSlot.h"
+
+#include <BaseCommon/Callbacks.h>
+#include <BaseCommon/ErrorCode.h>
+#include <BaseCommon/IOrloBridge.h>
+
+#include <gtest/gtest.h>
+
+namespace orlo::test {
+namespace {
+
+TEST(Bridge, isNullUntilTheProjectLibraryIsLoaded)
+{
+    EXPECT_EQ(IOrloBridge::m_pBridge, nullptr);
+}
+
+TEST(Bridge, keepsTheOrderOfItsOperations)
+{
+    // Row n stands in slot n + 1, behind the two entries of the destructor.
+    EXPECT_EQ(virtualSlot(&IOrloBridge::UpsertDatasetMeta), 2u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetDatasetMeta), 3u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfig), 4u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfigAllVersions), 5u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridConfig), 6u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridAllVersions), 7u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetProjectIdByModelingId), 8u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::CreateVersionByNumber), 9u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::MarkPublish), 10u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::TriggerSightlineTranslateWorkerByUploadJob), 11u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetFamilyFileUrl), 12u);
+}
+
+TEST(Bridge, numbersTheMetaKeysFromZero)
+{
+    EXPECT_EQ(static_cast<int>(DatasetMetaKey::SpaceConfigVersion), 0);
+    EXPECT_EQ(static_cast<int>(DatasetMetaKey::AxisGridVersions), 1);
+    EXPECT_EQ(static_cast<int>(DatasetMetaKey::BuildingItemVersions), 2);
+    EXPECT_EQ(static_cast<int>(DatasetMetaKey::BuildingItemElevationSetVersions), 3);
+    EXPECT_EQ(static_cast<int>(DatasetMetaKey::BuildingItemAxisGridVersions), 4);
+    EXPECT_EQ(static_cast<int>(DatasetMetaKey::BuildingItemCoordinateVersions), 5);
+}
+
+class Handler : public IOrloFileCallback
+{
+public:
+    explicit Handler(bool& gone) : m_gone(gone) {}
+    ~Handler() override { m_gone = true; }
+
+    void on_complete(int, const std::wstring& body, const std::string&, std::shared_ptr<OrloCallbackContext>, ErrorCode&) override
+    {
+        lastBody = body;
+    }
+    void on_complete(int, const std::wstring&, const std::vector<unsigned char>& data, const std::string&,
+                     std::shared_ptr<OrloCallbackContext>, ErrorCode&) override
+    {
+        lastData = data;
+    }
+
+    std::wstring lastBody;
+    std::vector<unsigned char> lastData;
+
+private:
+    bool& m_gone;
+};
+
+TEST(Callbacks, bothFormsOfAFileCallbackAreReachable)
+{
+    bool gone = false;
+    Handler handler(gone);
+    ErrorCode error;
+    IOrloFileCallback& callback = handler;
+    callback.on_complete(200, L"text", "PutFile", nullptr, error);
+    callback.on_complete(200, L"", std::vector<unsigned char>{1, 2}, "GetFile", nullptr, error);
+    EXPECT_EQ(handler.lastBody, L"text");
+    EXPECT_EQ(handler.lastData, (std::vector<unsigned char>{1, 2}));
+}
+
+TEST(Callbacks, aContextKeepsItsHandlerAndStartsWithoutAFurtherStep)
+{
+    bool gone = false;
+    {
+        OrloCallbackContext context(std::make_shared<Handler>(gone));
+        EXPECT_FALSE(context.propagate);
+        EXPECT_FALSE(gone);
+        context.propagate = true;
+        EXPECT_TRUE(context.propagate);
+    }
+    EXPECT_TRUE(gone);
+}
+
+TEST(Callbacks, keepTheOrderOfTheirOperations)
+{
+    using Plain = void (IOrloCallback::*)(int, const std::wstring&, const std::string&, std::shared_ptr<OrloCallbackContext>, ErrorCode&);
+    using WithData = void (IOrloFileCallback::*)(int, const std::wstring&, const std::vector<unsigned char>&, const std::string&,
+                                                 std::shared_ptr<OrloCallbackContext>, ErrorCode&);
+    EXPECT_EQ(virtualSlot(static_cast<Plain>(&IOrloCallback::on_complete)), 2u);
+    EXPECT_EQ(virtualSlot(static_cast<WithData>(&IOrloFileCallback::on_complete)), 3u);
+}
+
+} // namespace
+} // namespace orlo::test

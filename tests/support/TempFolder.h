@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace orlo::test {
+
+/// A new, empty folder below the system's temporary place; gone with everything in it at the end.
+class TempFolder
+{
+public:
+    TempFolder();
+    ~TempFolder();
+
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::filesystem::path& path() const { return m_path; }
+    std::filesystem::path path(const std::string& utf8Name) const;
+    std::wstring wide() const;
+    std::wstring wide(const std::string& utf8Name) const;
+
+private:
+    std::filesystem::path m_path;
+};
+
+/// Lets the local folders of the libraries lie below a folder of the test's; back to the usual places at the end.
+class LocalRoot
+{
+public:
+    explicit LocalRoot(const TempFolder& folder);
+    ~LocalRoot();
+
+    LocalRoot(const LocalRoot&) = delete;
+    LocalRoot& operator=(const LocalRoot&) = delete;
+};
+
+std::string readFile(const std::filesystem::path& file);
+void writeFile(const std::filesystem::path& file, const std::string& content);
+
+} // namespace orlo::test
