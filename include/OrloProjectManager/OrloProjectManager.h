@@ -29,3 +29,6 @@
 #include <OrloProjectManager/Resources/IProjectFont.h>
 #include <OrloProjectManager/Teams/CollaborationTeamInfo.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>
+#include <OrloProjectManager/Transfer/HttpClient.h>
+#include <OrloProjectManager/Transfer/IFileManager.h>
+#include <OrloProjectManager/Transfer/PromiseData.h>

@@ -25,6 +25,7 @@
 #include <pwd.h>
 #include <stdlib.h> // secure_getenv
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -110,6 +111,13 @@ bool setHiddenAttribute(const std::wstring& path)
 unsigned long currentProcessId()
 {
     return GetCurrentProcessId();
+}
+
+std::size_t memoryLimit()
+{
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    return GlobalMemoryStatusEx(&status) ? static_cast<std::size_t>(status.ullTotalPhys) : std::size_t{1} << 30;
 }
 
 std::filesystem::path toSystemPath(const std::wstring& text)
@@ -298,6 +306,14 @@ bool setHiddenAttribute(const std::wstring& path)
 unsigned long currentProcessId()
 {
     return static_cast<unsigned long>(::getpid());
+}
+
+std::size_t memoryLimit()
+{
+    const auto machine = static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    rlimit limit{};
+    const bool limited = ::getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    return limited ? std::min(machine, static_cast<std::size_t>(limit.rlim_cur)) : machine;
 }
 
 std::filesystem::path toSystemPath(const std::wstring& text)

@@ -2,6 +2,7 @@
 
 #include <BaseCommon/Export.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -14,6 +15,9 @@ namespace orlo::utils {
 ORLO_BASE_API bool setHiddenAttribute(const std::wstring& path);
 
 ORLO_BASE_API unsigned long currentProcessId();
+
+/// How much memory this process can ever have, in bytes: that of the machine, or less where the process is limited.
+ORLO_BASE_API std::size_t memoryLimit();
 
 /// The path in the form that the system takes at any length.
 ORLO_BASE_API std::filesystem::path toSystemPath(const std::wstring& text);

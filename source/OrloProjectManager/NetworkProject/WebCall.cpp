@@ -36,16 +36,16 @@ JsonBody& JsonBody::add(const wchar_t* key, web::json::value value)
     return *this;
 }
 
-WebAnswer::WebAnswer(web::http::http_response response, std::wstring name, std::optional<std::wstring> failureWords)
-    : m_response(std::move(response)), m_name(std::move(name)), m_failureWords(std::move(failureWords))
+WebAnswer::WebAnswer(web::http::http_response response, std::wstring name, FailureWords failureWords, std::wstring message)
+    : m_response(std::move(response)), m_name(std::move(name)), m_failureWords(std::move(failureWords)), m_message(std::move(message))
 {}
 
 bool WebAnswer::ok() const
 {
-    if (m_response.status_code() == web::http::status_codes::OK)
+    if (status() == web::http::status_codes::OK)
         return true;
-    if (m_failureWords)
-        log::error(*m_failureWords + std::to_wstring(m_response.status_code()));
+    if (m_failureWords.words)
+        log::error(*m_failureWords.words + std::to_wstring(status()) + (m_failureWords.withMessage ? L" message: " + m_message : L""));
     return false;
 }
 
@@ -103,7 +103,7 @@ WebCall::WebCall(std::wstring name, const wchar_t* serviceKey, web::http::method
       m_serviceKey(serviceKey),
       m_method(std::move(method)),
       m_path(std::move(path)),
-      m_failureWords(m_name + L" - code:")
+      m_failureWords{m_name + L" - code:", false}
 {}
 
 WebCall& WebCall::place(const std::wstring& placeholder, const std::wstring& value)
@@ -154,14 +154,26 @@ WebCall& WebCall::withFreshTimeout()
 
 WebCall& WebCall::failureWords(std::wstring words)
 {
-    m_failureWords = std::move(words);
+    m_failureWords.words = std::move(words);
     return *this;
 }
 
 WebCall& WebCall::failsSilently()
 {
-    m_failureWords.reset();
+    m_failureWords.words.reset();
     return *this;
+}
+
+WebCall& WebCall::failsWithMessage()
+{
+    m_failureWords.withMessage = true;
+    return *this;
+}
+
+WebCall& WebCall::plainText(std::wstring text)
+{
+    m_isPlainText = true;
+    return body(std::move(text));
 }
 
 web::uri WebCall::target() const
@@ -172,18 +184,35 @@ web::uri WebCall::target() const
     return builder.to_uri();
 }
 
-WebAnswer WebCall::send(ErrorCode& error) const
+Exchange WebCall::prepare() const
 {
     const std::wstring base = OrloConfigManager::Get()->GetServiceUrl(m_serviceKey);
     if (base.empty())
         throw std::invalid_argument("no address is configured for the service \"" + utils::toString(m_serviceKey) + "\"");
     web::http::client::http_client_config config;
     if (m_timeoutSeconds)
-        config.set_timeout(std::chrono::microseconds(std::int64_t{*m_timeoutSeconds} * 1000000));
-    const auto client = OrloWebService::CreateClient(base, config);
+        config.set_timeout(secondsAsTimeout(*m_timeoutSeconds));
     const auto request =
         m_text ? OrloWebService::CreateRequest(m_method, target(), *m_text) : OrloWebService::CreateRequest(m_method, target(), m_json);
-    return WebAnswer(OrloWebService::ExecuteRequest(*client, request, error), m_name, m_failureWords);
+    if (m_isPlainText)
+        request->headers().set_content_type(utils::toNative(std::string("text/plain; charset=utf-8")));
+    return {OrloWebService::CreateClient(base, config), request};
+}
+
+WebAnswer WebCall::answer(const web::http::http_response& response, const ErrorCode& error) const
+{
+    return WebAnswer(response, m_name, m_failureWords, error.GetErrorMessage());
+}
+
+WebAnswer WebCall::send(ErrorCode& error) const
+{
+    const Exchange made = prepare();
+    return answer(OrloWebService::ExecuteRequest(*made.client, made.request, error), error);
+}
+
+std::chrono::microseconds secondsAsTimeout(int seconds)
+{
+    return std::chrono::microseconds(std::int64_t{seconds} * 1000000);
 }
 
 int timeoutOfFirstUse()

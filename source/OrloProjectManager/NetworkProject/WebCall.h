@@ -4,9 +4,11 @@
 
 #include <BaseCommon/ErrorCode.h>
 
-#include <cpprest/http_msg.h>
+#include <cpprest/http_client.h>
 #include <cpprest/json.h>
 
+#include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -47,13 +49,29 @@ private:
     std::vector<std::pair<utility::string_t, web::json::value>> m_members;
 };
 
+/// A client and a request, made for each other and for one use.
+struct Exchange
+{
+    std::shared_ptr<web::http::client::http_client> client;
+    std::shared_ptr<web::http::http_request> request;
+};
+
+/// What is logged for a status that is not 200: the words and the status, with the platform's own words behind them or not;
+/// nothing where there are no words.
+struct FailureWords
+{
+    std::optional<std::wstring> words;
+    bool withMessage = false;
+};
+
 /// The answer to a web call. An operation asks it for the form of success that is its own; what the answer then lacks has
 /// been logged under the operation's name. Reading the body throws if it is no JSON.
 class WebAnswer
 {
 public:
-    WebAnswer(web::http::http_response response, std::wstring name, std::optional<std::wstring> failureWords);
+    WebAnswer(web::http::http_response response, std::wstring name, FailureWords failureWords, std::wstring message);
 
+    int status() const { return m_response.status_code(); }
     /// Status 200. Any other status logs the failure words and the status.
     bool ok() const;
     /// Status 200 and a body with the integer "code" 10000; logs a body without it as not normal.
@@ -78,7 +96,8 @@ public:
 private:
     web::http::http_response m_response;
     std::wstring m_name;
-    std::optional<std::wstring> m_failureWords;
+    FailureWords m_failureWords;
+    std::wstring m_message; ///< the platform's words about an error status
     std::optional<web::json::value> m_body;
 };
 
@@ -110,8 +129,16 @@ public:
     /// A status that is not 200 is not logged.
     WebCall& failsSilently();
 
+    /// A body of plain text, which is not JSON to the platform.
+    WebCall& plainText(std::wstring text);
+    /// A status that is not 200 is logged with the platform's words behind it.
+    WebCall& failsWithMessage();
+
     /// Throws on a transport failure, for an address or a path that is no URI, and for a service without an address.
     WebAnswer send(ErrorCode& error) const;
+    /// The client and the request alone, for an asynchronous step.
+    Exchange prepare() const;
+    WebAnswer answer(const web::http::http_response& response, const ErrorCode& error) const;
 
 private:
     web::uri target() const;
@@ -123,11 +150,14 @@ private:
     std::vector<std::pair<utility::string_t, utility::string_t>> m_query;
     web::json::value m_json;
     std::optional<std::wstring> m_text;
+    bool m_isPlainText = false;
     std::optional<int> m_timeoutSeconds;
-    std::optional<std::wstring> m_failureWords;
+    FailureWords m_failureWords;
 };
 
 /// The time-out of the configuration in seconds. Read once for each process; a later change has no effect.
 int timeoutOfFirstUse();
+/// As cpprestsdk's configuration takes it.
+std::chrono::microseconds secondsAsTimeout(int seconds);
 
 } // namespace orlo

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <OrloProjectManager/Export.h>
+#include <OrloProjectManager/Transfer/PromiseData.h>
+
+#include <future>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orlo {
+
+class ErrorCode;
+class OrloCallbackContext;
+
+/// Transfers of files, for callers without an object. Each starts at once and returns a future that becomes ready when the
+/// transfer has ended, well or badly; it never holds an exception. Keep the ErrorCode alive until then: it is written once,
+/// just before. Every request is retried by the retry policy. Any thread may call these; nothing blocks but the future.
+namespace HttpClient {
+
+/// Takes a local file to the platform's store, whole and in one request; it is held in memory meanwhile.
+/// path: the file; it must not be empty.   fileName: empty for the file's own name.   filePath: the folder in the store;
+/// empty for the default one.   gzip: sends it compressed; the platform stores it decoded.
+/// Message: the path in the store, or a JSON object with "remoteFilePath" and what the store told: "fileId",
+/// "versionIndex", "length".
+/// Failures: 400 "invalid file path", "read file fail", "invalid file content"; a status of the platform; 5555.
+/// Requests: two.
+ORLO_PROJECT_API std::future<PromiseData> uploadFile(ErrorCode& error, const std::wstring& path, std::wstring fileName,
+                                                     std::wstring filePath, bool gzip);
+
+/// The same into a folder of the document store.
+ORLO_PROJECT_API std::future<PromiseData> uploadFileByArkiv(ErrorCode& error, const std::wstring& path, const std::wstring& targetFolderId,
+                                                            std::wstring fileName, std::wstring filePath, bool gzip);
+
+/// Brings one file to the local disk, through memory. The file appears under its name only when it is whole.
+/// remotePath: not empty.   localPath: empty for a new file in the temporary folder.
+/// Message: the local path. A remote file without content fails with status 200 and makes no file.
+/// Failures: 400 "invalid remote uri path"; a status of the platform; 5555.   Requests: two.
+ORLO_PROJECT_API std::future<PromiseData> downloadFile(const std::wstring& remotePath, const std::wstring& localPath, ErrorCode& error);
+
+/// The same for a version of a file in the document store.   Failures: as above, with "invalid fileId".
+ORLO_PROJECT_API std::future<PromiseData> DownloadFileByArkiv(const std::wstring& fileId, int version, const std::wstring& localPath,
+                                                              ErrorCode& error);
+
+/// The same for a module. requestBody: the JSON text that names the module's file; not empty.
+ORLO_PROJECT_API std::future<PromiseData> downloadModuleFile(const std::wstring& requestBody, const std::wstring& localPath,
+                                                             const std::wstring& resourceType, const std::wstring& spaceType,
+                                                             const std::wstring& spaceTypeParameter, ErrorCode& error);
+
+/// Brings files of a dataset into the local cache, at most six at a time, streamed to disk. Each file appears under its
+/// name only when it is whole.
+/// folder: below the dataset's cache folder.   seeds: names of the files; not empty.
+/// callerContext: its handler is told the end with the step key "BatchDownloadAction"; may be null.
+/// Message: "success to batch download files". After a failure files already brought stay, and those under way go on.
+/// The future never becomes ready if the platform answers with no entry at all: wait with a time-out where that matters.
+/// Requests: one, and one for each file.
+ORLO_PROJECT_API std::future<PromiseData> downloadBatchFiles(ErrorCode& error, const std::string& folder, const std::string& datasetId,
+                                                             const std::vector<std::string>& seeds,
+                                                             std::shared_ptr<OrloCallbackContext> callerContext);
+
+} // namespace HttpClient
+
+} // namespace orlo

@@ -1,0 +1,203 @@
+#include "BatchDownload.h"
+
+#include "NetworkProject/FieldReaders.h"
+#include "NetworkProject/FieldText.h"
+#include "NetworkProject/StreamWeb.h"
+#include "NetworkProject/TransferWeb.h"
+#include "TransferSteps.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+#include <OrloNetwork/GenericRetryHandler.h>
+#include <OrloProjectManager/Transfer/HttpClient.h>
+
+#include <algorithm>
+
+namespace orlo {
+
+namespace {
+
+constexpr size_t width = 6;
+
+/// Batches whose future stays pending. They are kept for good, so that no broken promise surfaces.
+void keepStalled(std::shared_ptr<DownloadBatchFilesHandler> batch)
+{
+    static std::mutex& mutex = *new std::mutex;
+    static auto& stalled = *new std::vector<std::shared_ptr<DownloadBatchFilesHandler>>;
+    const std::lock_guard lock(mutex);
+    stalled.push_back(std::move(batch));
+}
+
+std::string normalised(std::string path)
+{
+    utils::NormailizeFilePath(path);
+    return path;
+}
+
+std::vector<std::string> normalised(std::vector<std::string> paths)
+{
+    for (std::string& path : paths)
+        utils::NormailizeFilePath(path);
+    return paths;
+}
+
+} // namespace
+
+DownloadBatchFilesHandler::DownloadBatchFilesHandler(std::shared_ptr<TransferOutcome> outcome, std::string folder, std::string datasetId,
+                                                     std::shared_ptr<OrloCallbackContext> callerContext, EmptyBatch emptyBatch)
+    : m_folder(std::move(folder)),
+      m_datasetId(std::move(datasetId)),
+      m_outcome(std::move(outcome)),
+      m_callerContext(std::move(callerContext)),
+      m_emptyBatch(emptyBatch)
+{}
+
+void DownloadBatchFilesHandler::on_complete(int status, const std::wstring& body, const std::string& stepKey,
+                                            std::shared_ptr<OrloCallbackContext> context, ErrorCode& error)
+{
+    if (status == 200 && stepKey == "AcquireBatchDownloadAuthority") {
+        takeEntries(body);
+        startFirst(*context);
+    }
+    else if (status == 200 && stepKey == "GetFileByStreamMode") {
+        finishOne(*context);
+    }
+    if (context->propagate)
+        return;
+    bool succeeded = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        succeeded = status == 200 && m_authorityAcquired && m_finished == m_total && !m_badSeed;
+    }
+    finish(status, body, error, succeeded);
+}
+
+void DownloadBatchFilesHandler::takeEntries(const std::wstring& body)
+{
+    const web::json::value answer = jsonOrNull(body);
+    const web::json::value* const data = memberOf(answer, L"data");
+    if (!data || !data->is_array())
+        return;
+    for (const web::json::value& element : data->as_array())
+        m_entries.push_back({utils::Utf8ToUnicode(fieldText(element, L"datasetFilePath")),
+                             utils::Utf8ToUnicode(fieldText(element, L"datasetFilePathWithSAS"))});
+    const std::lock_guard lock(m_mutex);
+    m_authorityAcquired = true;
+    m_total = m_entries.size();
+}
+
+void DownloadBatchFilesHandler::startFirst(OrloCallbackContext& context)
+{
+    if (m_entries.empty())
+        return stall(context);
+    const size_t count = std::min(m_entries.size(), width);
+    for (size_t i = 0; i < count; ++i)
+        startNext(context);
+}
+
+void DownloadBatchFilesHandler::finishOne(OrloCallbackContext& context)
+{
+    bool isLast = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        isLast = ++m_finished == m_total;
+    }
+    if (isLast)
+        context.propagate = false;
+    else
+        startNext(context);
+}
+
+void DownloadBatchFilesHandler::startNext(OrloCallbackContext& context)
+{
+    size_t index = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        index = m_next++;
+    }
+    if (index >= m_entries.size())
+        return;
+    const Entry& entry = m_entries[index];
+    const size_t slash = entry.datasetFilePath.find(L'/');
+    if (slash == std::wstring::npos)
+        return refuseEntry(context, L"invalid seed which has no '/'");
+    const std::wstring cache = utils::getLocalFileCachePath();
+    const std::wstring root = utils::toWstring(normalised(utils::toString(FilePath::Combine(cache, utils::toWstring(m_datasetId)))));
+    const std::wstring folder = FilePath::Combine(root, utils::toWstring(m_folder));
+    const std::wstring target = FilePath::Combine(folder, entry.datasetFilePath.substr(slash + 1));
+    if (!utils::isPathInside(cache, root) || !utils::isPathInside(root, target))
+        return refuseEntry(context, L"invalid seed which leaves the cache folder");
+    stream(entry, target, context.propagate);
+}
+
+void DownloadBatchFilesHandler::refuseEntry(OrloCallbackContext& context, const wchar_t* words)
+{
+    context.propagate = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_badSeed = true;
+    }
+    log::error(words);
+}
+
+void DownloadBatchFilesHandler::stream(const Entry& entry, const std::wstring& target, bool propagate)
+{
+    const auto context = std::make_shared<ChainContext>(shared_from_this(), propagate);
+    ErrorCode& error = context->error;
+    http::launchWithRetry(context, error, [&entry, target, context, &error, pieces = OrloWebService::Pieces::large]() mutable {
+        OrloWebService::GetFileByStreamModeAsync(error, entry.datasetFilePathWithSAS, target, context,
+                                                 std::exchange(pieces, OrloWebService::Pieces::small));
+    });
+}
+
+void DownloadBatchFilesHandler::stall(OrloCallbackContext& context)
+{
+    if (m_emptyBatch == EmptyBatch::fails) {
+        const std::lock_guard lock(m_mutex);
+        m_authorityAcquired = false;
+        context.propagate = false;
+        return;
+    }
+    log::warning(L"the platform named no file for a batch download; its future stays pending");
+    keepStalled(shared_from_this());
+}
+
+void DownloadBatchFilesHandler::finish(int status, const std::wstring& body, ErrorCode& error, bool succeeded)
+{
+    if (m_callerContext && m_callerContext->handler)
+        m_callerContext->handler->on_complete(succeeded ? 200 : status, succeeded ? std::wstring() : body, "BatchDownloadAction",
+                                              m_callerContext, error);
+    if (!succeeded)
+        log::error(L"failed to batch download files");
+    m_outcome->settle(succeeded ? PromiseData(true, 200, L"success to batch download files") : PromiseData(false, status, body), error,
+                      ORLO_HERE("DownloadBatchFilesHandler::on_complete"));
+}
+
+std::future<PromiseData> downloadBatch(ErrorCode& error, const std::string& folder, const std::string& datasetId,
+                                       const std::vector<std::string>& seeds, std::shared_ptr<OrloCallbackContext> callerContext,
+                                       EmptyBatch emptyBatch)
+{
+    return startTransfer(ORLO_HERE("orlo::HttpClient::downloadBatchFiles"), error, [=](const auto& outcome) {
+        if (seeds.empty()) {
+            log::error(L"empty seed passed into worker_download_batch_files");
+            return outcome->refuse(L"no download seed");
+        }
+        const auto batch = std::make_shared<DownloadBatchFilesHandler>(outcome, normalised(folder), datasetId, callerContext, emptyBatch);
+        startChain(batch, [datasetId, asked = normalised(seeds)](ErrorCode& chainError, const auto& context) {
+            OrloWebService::AcquireBatchDownloadAuthorityAsync(chainError, datasetId, asked, context);
+        });
+    });
+}
+
+namespace HttpClient {
+
+std::future<PromiseData> downloadBatchFiles(ErrorCode& error, const std::string& folder, const std::string& datasetId,
+                                            const std::vector<std::string>& seeds, std::shared_ptr<OrloCallbackContext> callerContext)
+{
+    return downloadBatch(error, folder, datasetId, seeds, std::move(callerContext), EmptyBatch::pends);
+}
+
+} // namespace HttpClient
+
+} // namespace orlo

@@ -1,0 +1,128 @@
+#include "BatchDownload.h"
+#include "CallFrame.h"
+#include "NetworkProject/FileWeb.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+#include <OrloNetwork/NetworkCommon.h>
+#include <OrloProjectManager/Transfer/HttpClient.h>
+#include <OrloProjectManager/Transfer/IFileManager.h>
+
+namespace orlo {
+
+using http::SendNormalRequestWithRetry;
+
+namespace {
+
+class FileManager final : public IFileManager
+{};
+
+/// What the address of a dataset's file says: "<folder>/<rest>?f=<more>".
+struct DatasetUri
+{
+    std::wstring folder;
+    std::wstring relative; ///< folder and rest
+};
+
+bool parse(const std::wstring& uri, DatasetUri& parsed)
+{
+    const size_t mark = uri.find(L"?f=");
+    const size_t separator = uri.find(utils::SeparatorChar());
+    if (mark == std::wstring::npos || separator == std::wstring::npos)
+        return false;
+    parsed.relative = uri.substr(0, mark);
+    parsed.folder = uri.substr(0, separator);
+    return true;
+}
+
+std::wstring failed(const std::wstring& words)
+{
+    log::error(words);
+    return {};
+}
+
+std::wstring downloadThroughCache(const std::string& dsId, const std::wstring& uri, ErrorCode& error)
+{
+    DatasetUri parsed;
+    const std::wstring cache = FilePath::Combine(utils::getLocalFileCachePath(), utils::toWstring(dsId));
+    if (!parse(uri, parsed))
+        return failed(L"invalid uri: " + uri);
+    const std::wstring target = FilePath::Combine(cache, parsed.relative);
+    if (!utils::isPathInside(utils::getLocalFileCachePath(), cache) || !utils::isPathInside(cache, target))
+        return failed(L"invalid uri: " + uri);
+    if (utils::fileExists(target))
+        return target;
+    const std::wstring folder = FilePath::Combine(cache, parsed.folder);
+    if (!utils::hasDirectory(folder) && !utils::createDirectoryRecursively(folder))
+        return failed(L"failed to create path: " + folder);
+    const std::vector<std::string> seeds{utils::toString(parsed.relative)};
+    const PromiseData outcome = downloadBatch(error, utils::toString(parsed.folder), dsId, seeds, nullptr, EmptyBatch::fails).get();
+    return outcome.success ? target : failed(L"failed to download file from uri: " + uri);
+}
+
+} // namespace
+
+IFileManager::IFileManager() = default;
+IFileManager::~IFileManager() = default;
+
+IFileManager* IFileManager::Get()
+{
+    static FileManager manager;
+    return &manager;
+}
+
+std::wstring IFileManager::DownloadFile(const std::string& dsId, const std::wstring& uri, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::IFileManager::DownloadFile")).run(error, [&] { return downloadThroughCache(dsId, uri, error); });
+}
+
+std::future<PromiseData> IFileManager::DownloadFile(const std::wstring& remotePath, const std::wstring& localPath, ErrorCode& error)
+{
+    return HttpClient::downloadFile(remotePath, localPath, error);
+}
+
+std::future<PromiseData> IFileManager::DownloadFileByArkiv(const std::wstring& fileId, const std::wstring& localPath, ErrorCode& error)
+{
+    return DownloadFileByArkiv(fileId, 1, localPath, error);
+}
+
+std::future<PromiseData> IFileManager::DownloadFileByArkiv(const std::wstring& fileId, int version, const std::wstring& localPath,
+                                                           ErrorCode& error)
+{
+    return HttpClient::DownloadFileByArkiv(fileId, version, localPath, error);
+}
+
+std::future<PromiseData> IFileManager::UploadFile(const std::wstring& path, std::wstring fileName, std::wstring filePath, ErrorCode& error)
+{
+    return HttpClient::uploadFile(error, path, std::move(fileName), std::move(filePath), false);
+}
+
+std::future<PromiseData> IFileManager::UploadFileByArkiv(const std::wstring& path, std::wstring fileName, std::wstring filePath,
+                                                         const std::wstring& targetFolderId, ErrorCode& error)
+{
+    return HttpClient::uploadFileByArkiv(error, path, targetFolderId, std::move(fileName), std::move(filePath), false);
+}
+
+bool IFileManager::CreateFileDatasetRelationship(const std::string& datasetId, int datasetVersion, const std::string& dwgId, int dwgVersion,
+                                                 ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::IFileManager::CreateFileDatasetRelationship")).run(error, [&] {
+        return SendNormalRequestWithRetry(&OrloWebService::CreateFileDatasetRelationship, false, error, datasetId, datasetVersion, dwgId,
+                                          dwgVersion);
+    });
+}
+
+bool IFileManager::QueryFileRelatedDatasets(const std::string& dwgId, int dwgVersion, std::vector<RelatedDatasetInfo>& out,
+                                            ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::IFileManager::QueryFileRelatedDatasets")).run(error, [&] {
+        std::vector<RelatedDatasetInfo> found;
+        if (!SendNormalRequestWithRetry(&OrloWebService::QueryFileRelatedDatasets, false, error, found, dwgId, dwgVersion))
+            return false;
+        out.insert(out.end(), found.begin(), found.end());
+        return true;
+    });
+}
+
+} // namespace orlo

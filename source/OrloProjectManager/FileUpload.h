@@ -1,0 +1,36 @@
+#pragma once
+
+#include "TransferChain.h"
+
+#include <string>
+
+namespace orlo {
+
+/// Hears the two steps of an upload: the authority, which gives a signed address, and the sending of the bytes.
+class UploadFileHandler final : public IOrloCallback
+{
+public:
+    UploadFileHandler(std::shared_ptr<TransferOutcome> outcome, std::string content, bool gzip);
+
+    void on_complete(int status, const std::wstring& body, const std::string& stepKey, std::shared_ptr<OrloCallbackContext> context,
+                     ErrorCode& error) override;
+
+private:
+    void takeAuthority(const std::wstring& body);
+    void putFile(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error) const;
+
+    bool m_authorityAcquired = false;
+    bool m_putDone = false;
+    /// Held for the whole chain, so that a repeated step can send it again.
+    const std::string m_content;
+    std::string m_uploadAddress;
+    std::wstring m_remotePath;
+    std::wstring m_result;
+    const std::shared_ptr<TransferOutcome> m_outcome;
+    const bool m_gzip;
+};
+
+/// What the future carries after an upload: the path in the store, with what the store told about the file where it did.
+std::wstring uploadResult(const std::wstring& remotePath, const std::wstring& answer);
+
+} // namespace orlo

@@ -1,0 +1,75 @@
+#include "AsyncCall.h"
+
+#include <BaseCommon/Text.h>
+#include <OrloNetwork/SinkBuffer.h>
+#include <OrloNetwork/WebRequest.h>
+
+#include <stdexcept>
+
+namespace orlo {
+
+using web::http::http_response;
+
+void Step::complete(int status, const std::wstring& body) const
+{
+    if (const auto handler = context->handler)
+        handler->on_complete(status, body, key, context, *error);
+}
+
+void Step::complete(int status, const std::wstring& body, const std::vector<unsigned char>& data) const
+{
+    if (const auto handler = std::dynamic_pointer_cast<IOrloFileCallback>(context->handler))
+        handler->on_complete(status, body, data, key, context, *error);
+    else
+        complete(status, body);
+}
+
+void noteStatus(const Step& step, const http_response& response, const std::string& body)
+{
+    const int status = response.status_code();
+    if (status >= 400)
+        step.error->Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", utils::toWstring(body), status, 0));
+}
+
+void exchange(const Step& step, const std::function<Exchange()>& prepare, std::function<void(const uint8_t*, size_t)> sink,
+              std::function<void(http_response)> answered)
+{
+    const auto fail = [step](const pplx::task<void>& ended) {
+        http::HandleCasablancaException(ended, step.context, step.key, *step.error);
+    };
+    try {
+        const Exchange made = prepare();
+        made.request->set_response_stream(http::SinkBuffer::stream(std::move(sink)));
+        OrloWebService::LogRequest(*made.client, *made.request);
+        made.client->request(*made.request)
+            .then([made](http_response response) { return response.content_ready(); })
+            .then([made, step, answered = std::move(answered)](const http_response& response) {
+                OrloWebService::LogResponse(response, *made.request, *step.error);
+                answered(response);
+            })
+            .then(fail);
+    }
+    catch (...) {
+        fail(pplx::task_from_exception<void>(std::current_exception()));
+    }
+}
+
+void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered)
+{
+    const auto body = std::make_shared<std::string>();
+    const auto receive = [body](const uint8_t* bytes, size_t count) {
+        if (count > OrloWebService::largestAnswer - body->size())
+            throw std::length_error("the answer is too large");
+        body->append(reinterpret_cast<const char*>(bytes), count);
+    };
+    exchange(
+        step, [call] { return call.prepare(); }, receive,
+        [step, call, body, answered = std::move(answered)](http_response response) {
+            noteStatus(step, response, *body);
+            response.set_body(std::move(*body), "application/json");
+            WebAnswer answer = call.answer(response, *step.error);
+            answered(answer);
+        });
+}
+
+} // namespace orlo

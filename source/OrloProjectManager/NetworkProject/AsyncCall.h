@@ -1,0 +1,39 @@
+#pragma once
+
+#include "WebCall.h"
+
+#include <BaseCommon/Callbacks.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace orlo {
+
+/// A step of a chain while its request is under way. The ErrorCode is the chain's and lives as long as the context.
+struct Step
+{
+    std::string key;
+    std::shared_ptr<OrloCallbackContext> context;
+    ErrorCode* error;
+
+    /// Tells the chain's handler that the step ended. Without a handler nobody is told.
+    void complete(int status, const std::wstring& body) const;
+    void complete(int status, const std::wstring& body, const std::vector<unsigned char>& data) const;
+    /// No further step follows.
+    void stop() const { context->propagate = false; }
+};
+
+/// Sends a request whose answer's body goes to `sink`, a few bytes at a time, and calls `answered` on a task of cpprestsdk
+/// when the whole body has gone there. What `prepare` throws, what goes wrong on the way, and what `answered` throws reaches
+/// the chain's handler through HandleCasablancaException. Throws nothing itself.
+void exchange(const Step& step, const std::function<Exchange()>& prepare, std::function<void(const uint8_t*, size_t)> sink,
+              std::function<void(web::http::http_response)> answered);
+
+/// The same for a REST operation, with the answer in memory. A status of 400 or above is left in the step's ErrorCode.
+void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered);
+
+/// Leaves an error status in the step's ErrorCode; a status below 400 leaves it alone.
+void noteStatus(const Step& step, const web::http::http_response& response, const std::string& body);
+
+} // namespace orlo

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cpprest/http_compression.h>
+
+#include <memory>
+#include <string>
+
+namespace orlo {
+
+class ErrorCode;
+class OrloCallbackContext;
+
+/// The steps of the transfers that talk to a signed address: no token goes there, and of the address no part but the path is
+/// ever logged. The answer reaches the context's handler under the step's key; a status that is not 200 clears the context's
+/// propagation flag first.
+namespace OrloWebService {
+
+using Context = std::shared_ptr<OrloCallbackContext>;
+
+/// How much is read or written at a time. Large pieces are fast, but each must come through within the time-out; so the
+/// attempt that follows a failed one takes small pieces.
+enum class Pieces { large, small };
+
+/// `content` must live as long as the context. False, with the handler told, if the content can't be compressed.
+bool PutFileAsync(ErrorCode& error, const std::string& url, const std::string& content, const Context& context, bool gzip);
+/// Brings a file into memory; a compressed answer is inflated.
+void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& context, Pieces pieces = Pieces::large);
+/// Streams a file to disk, through a temporary file that is moved to the target when it is whole.
+void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context,
+                              Pieces pieces = Pieces::large);
+
+using CompressorMaker = std::unique_ptr<web::http::compression::compress_provider> (*)();
+/// For tests: what makes the gzip compressors. Null brings cpprestsdk's own back.
+void setCompressorMaker(CompressorMaker maker);
+
+} // namespace OrloWebService
+} // namespace orlo

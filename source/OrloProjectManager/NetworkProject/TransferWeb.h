@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orlo {
+
+class ErrorCode;
+class OrloCallbackContext;
+
+/// The steps of the transfers that ask the platform for a signed address. The answer reaches the context's handler under
+/// the step's key; a status that is not 200 clears the context's propagation flag first.
+namespace OrloWebService {
+
+using Context = std::shared_ptr<OrloCallbackContext>;
+
+void AcquireUploadAuthorityAsync(ErrorCode& error, const std::wstring& fileName, const std::wstring& filePath, const Context& context);
+void AcquireUploadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileName, const std::wstring& filePath,
+                                        const std::wstring& targetFolderId, const Context& context);
+void AcquireDownloadAuthorityAsync(ErrorCode& error, const std::wstring& remotePath, const Context& context);
+void AcquireDownloadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileId, int version, const Context& context);
+
+/// What a module's file is asked for with, and where the module stands.
+struct ModuleFileRequest
+{
+    std::wstring body;
+    std::wstring resourceType;
+    std::wstring spaceType;
+    std::wstring spaceTypeParameter;
+};
+void AcquireDownloadAuthorityAsyncForModuleFile(ErrorCode& error, const ModuleFileRequest& request, const Context& context);
+
+/// False, with the handler told, if there is nothing to ask for.
+bool AcquireBatchDownloadAuthorityAsync(ErrorCode& error, const std::string& datasetId, const std::vector<std::string>& seeds,
+                                        const Context& context);
+
+} // namespace OrloWebService
+} // namespace orlo

@@ -1,0 +1,75 @@
+#include "TransferChain.h"
+
+#include <BaseCommon/Text.h>
+
+#include <thread>
+#include <utility>
+
+namespace orlo {
+
+namespace {
+
+constexpr const wchar_t* endOfPromise = L"[END_SET_FALSE_TO_PROMISE]";
+
+std::future<PromiseData> failedFuture()
+{
+    std::promise<PromiseData> promise;
+    promise.set_value(PromiseData());
+    return promise.get_future();
+}
+
+void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutcome>& outcome, const CallSite& site) noexcept
+{
+    try {
+        worker(outcome);
+    }
+    catch (const std::exception& e) {
+        const std::wstring text = utils::toWstringTrimTrailingCarriageReturn(e.what());
+        log::errorAt(site, endOfPromise + text);
+        outcome->settle({false, 5555, text}, ErrorCode(error::exception, std::make_shared<HttpError>(L"HttpError", text, 5555, 0)), site);
+    }
+}
+
+} // namespace
+
+TransferOutcome::~TransferOutcome()
+{
+    if (!m_callersError)
+        return;
+    try {
+        set({false, 5555, L"the transfer ended without an outcome"}, ErrorCode());
+    }
+    catch (const std::exception&) { // no memory for the words; the promise is broken then
+    }
+}
+
+void TransferOutcome::set(const PromiseData& data, const ErrorCode& error)
+{
+    const std::lock_guard lock(m_mutex);
+    if (ErrorCode* const callers = std::exchange(m_callersError, nullptr))
+        *callers = error;
+    m_promise.set_value(data);
+}
+
+void TransferOutcome::settle(const PromiseData& data, const ErrorCode& error, const CallSite& site) noexcept
+{
+    try {
+        set(data, error);
+    }
+    catch (const std::exception& e) {
+        log::errorAt(site, endOfPromise + utils::toWstringTrimTrailingCarriageReturn(e.what()));
+    }
+}
+
+std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker)
+{
+    std::future<PromiseData> future = CallFrame(site).run(error, [&] {
+        const auto outcome = std::make_shared<TransferOutcome>(error);
+        std::future<PromiseData> started = outcome->future();
+        std::thread([worker = std::move(worker), outcome, site] { runWorker(worker, outcome, site); }).detach();
+        return started;
+    });
+    return future.valid() ? std::move(future) : failedFuture();
+}
+
+} // namespace orlo

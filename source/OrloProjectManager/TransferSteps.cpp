@@ -1,0 +1,25 @@
+#include "TransferSteps.h"
+
+#include <BaseCommon/NativeText.h>
+#include <OrloNetwork/GenericRetryHandler.h>
+
+namespace orlo {
+
+void startChain(std::shared_ptr<IOrloCallback> handler, FirstStep firstStep)
+{
+    const auto context = std::make_shared<ChainContext>(std::move(handler), true);
+    ErrorCode& error = context->error;
+    http::launchWithRetry(context, error, [firstStep = std::move(firstStep), context, &error] { firstStep(error, context); });
+}
+
+web::json::value jsonOrNull(const std::wstring& body)
+{
+    try {
+        return web::json::value::parse(utils::toNative(body));
+    }
+    catch (const web::json::json_exception&) {
+        return web::json::value::null();
+    }
+}
+
+} // namespace orlo
