@@ -1,0 +1,60 @@
+#include "PlatformFixture.h"
+
+namespace orlo::platform::test {
+namespace {
+
+constexpr const char* kSpace = "/config/scope/Project/p1/type/SpaceConfig";
+
+class ConfigRoutes : public PlatformTest
+{
+protected:
+    ConfigRoutes() { project("p1"); }
+};
+
+TEST_F(ConfigRoutes, EveryWriteAddsAVersionAndKeepsTheOlderOnes)
+{
+    EXPECT_THAT(demo().post(kSpace, R"({"schemaVersion":1, "appKey":"BIM-MODEL"})").body,
+                IsJson(R"({"id":"<id>","scopeEntityId":"p1","version":1})"));
+    EXPECT_THAT(demo().post(kSpace, R"({"说":"明"})").body, IsJson(R"({"id":"<id>","scopeEntityId":"p1","version":2})"));
+    EXPECT_THAT(demo().get(std::string(kSpace) + "/versions").body, IsJson("[1,2]"));
+    EXPECT_THAT(
+        demo().get(std::string(kSpace) + "?version=1").body,
+        IsJson(R"({"id":"<id>","scopeEntityId":"p1","version":1,"configValue":"{\"schemaVersion\":1, \"appKey\":\"BIM-MODEL\"}"})"));
+    EXPECT_THAT(demo().get(std::string(kSpace) + "?version=-1").body,
+                IsJson(R"({"id":"<id>","scopeEntityId":"p1","version":2,"configValue":"{\"说\":\"明\"}"})"));
+}
+
+TEST_F(ConfigRoutes, TypesAreKeptApart)
+{
+    demo().post(kSpace, "{}");
+    EXPECT_THAT(demo().get("/config/scope/Project/p1/type/GridConfig/versions").body, IsJson("[]"));
+    EXPECT_THAT(demo().post("/config/scope/Project/p1/type/GridConfig", "{}").body,
+                IsJson(R"({"id":"<id>","scopeEntityId":"p1","version":1})"));
+}
+
+TEST_F(ConfigRoutes, WhatIsNotThereOrNotAllowedIsRefused)
+{
+    EXPECT_THAT(demo().get(std::string(kSpace) + "?version=-1").body, IsJson(refusal(404)));
+    EXPECT_EQ(demo().get(std::string(kSpace) + "?version=3").status, 404);
+    EXPECT_EQ(demo().get(std::string(kSpace) + "?version=last").status, 400);
+    EXPECT_EQ(demo().get(kSpace).status, 400);
+    EXPECT_EQ(demo().post(kSpace, "[]").status, 400);
+    EXPECT_EQ(demo().post(kSpace, "{\"a\":").status, 400);
+    EXPECT_EQ(demo().post("/config/scope/Project/none/type/SpaceConfig", "{}").status, 404);
+    EXPECT_EQ(demo().post("/config/scope/Project/p1/type/Unknown", "{}").status, 400);
+    EXPECT_EQ(demo().get("/config/scope/Team/p1/type/SpaceConfig?version=1").status, 404);
+    EXPECT_THAT(demo().get(std::string(kSpace) + "/versions").body, IsJson("[]"));
+}
+
+TEST_F(ConfigRoutes, WritingNeedsARightToWrite)
+{
+    const Caller second = other();
+    EXPECT_EQ(second.post(kSpace, "{}").status, 403);
+    platform.grantPermission("p1", "second-account", "SpaceConfig", {"Read"});
+    EXPECT_EQ(second.post(kSpace, "{}").status, 403);
+    platform.grantPermission("p1", "second-account", "SpaceConfig", {"Read", "Write"});
+    EXPECT_EQ(second.post(kSpace, "{}").status, 200);
+}
+
+} // namespace
+} // namespace orlo::platform::test

@@ -1,0 +1,43 @@
+#include "support/TempFolder.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gtest/gtest.h>
+
+#include <LocalPlatform/LocalPlatform.h>
+
+namespace orlo::platform::test {
+namespace {
+
+using orlo::test::TempFolder;
+
+int schemaVersion(const std::string& file)
+{
+    const SQLite::Database database(file);
+    SQLite::Statement query(database, "PRAGMA user_version");
+    query.executeStep();
+    return query.getColumn(0).getInt();
+}
+
+TEST(Schema, ItsVersionStandsInTheFile)
+{
+    const TempFolder folder;
+    const std::string data = folder.path("平台").u8string();
+    {
+        const LocalPlatform platform(Options{data, 0, false});
+    }
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 1);
+}
+
+TEST(Schema, DataOfANewerProgramIsLeftAlone)
+{
+    const TempFolder folder;
+    const std::string data = folder.path("平台").u8string();
+    const std::string file = data + "/platform.db";
+    std::filesystem::create_directories(folder.path("平台"));
+    SQLite::Database(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec("PRAGMA user_version = 999");
+    EXPECT_THROW(LocalPlatform(Options{data, 0, false}), std::runtime_error);
+    EXPECT_EQ(schemaVersion(file), 999);
+}
+
+} // namespace
+} // namespace orlo::platform::test

@@ -1,0 +1,93 @@
+#include "PlatformFixture.h"
+
+namespace orlo::platform::test {
+namespace {
+
+class VersionRoutes : public PlatformTest
+{
+protected:
+    VersionRoutes()
+    {
+        project("p1");
+        platform.addDataset({"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
+    }
+
+    static std::string record(int number, const std::string& source, const std::string& status, const std::string& more = {})
+    {
+        const std::string digits = std::to_string(number);
+        return R"({"id":"<number>","version":)" + digits + R"(,"dataSetId":"d1","dataSetSourceFile":")" + source +
+               R"(","displayVersion":"V)" + digits + R"(","creationTime":"<time>","status":")" + status + R"(","verifyStatus":"Success",)" +
+               (more.empty() ? R"("description":"","metaInfo":"","size":0)" : more) + "}";
+    }
+    static std::string enveloped(const std::string& data) { return R"({"code":10000,"message":"OK","data":)" + data + "}"; }
+};
+
+TEST_F(VersionRoutes, VersionsAreNumberedFromOne)
+{
+    EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=remote%2F%E5%A1%94.bin", "{}").body,
+                IsJson(enveloped(record(1, "remote/塔.bin", "WIP"))));
+    EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=b", "").body, IsJson(enveloped(record(2, "b", "WIP"))));
+    EXPECT_EQ(demo().put("/dataset/d1/version?sourceFile=", "{}").status, 400);
+    EXPECT_EQ(demo().put("/dataset/none/version?sourceFile=b", "{}").status, 404);
+}
+
+TEST_F(VersionRoutes, ADocumentsVersionKnowsItsLength)
+{
+    EXPECT_THAT(demo().put("/dataset/d1/doc/version?sourceFile=file-7", R"({"length":4096,"version":3})").body,
+                IsJson(enveloped(record(1, "file-7", "WIP", R"("description":"","metaInfo":"","size":4096)"))));
+    EXPECT_EQ(jsonDifference(demo().get("/projects?scenario=OWNER").body,
+                             R"([{"creationTime":"<time>","description":"","id":"p1","name":"Tower","owner":"demo-account",
+                                 "status":"Ongoing","size":4096}])"),
+              "");
+    EXPECT_EQ(demo().put("/dataset/d1/doc/version?sourceFile=f", R"({"length":"4096","version":3})").status, 400);
+    EXPECT_EQ(demo().put("/dataset/d1/doc/version?sourceFile=f", R"({"length":-1,"version":3})").status, 400);
+    EXPECT_EQ(demo().put("/dataset/d1/doc/version?sourceFile=f", R"({"length":1})").status, 400);
+}
+
+TEST_F(VersionRoutes, AVersionIsCreatedUnderAGivenNumber)
+{
+    const std::string body = R"({"metaInfo":"{\"a\":1}","status":"Published","description":"first"})";
+    const std::string expected = enveloped(record(7, "", "Published", R"("description":"first","metaInfo":"{\"a\":1}","size":0)"));
+    EXPECT_THAT(demo().post("/datasets/d1/versions/7/create", body).body, IsJson(expected));
+    EXPECT_EQ(demo().post("/datasets/d1/versions/7/create", body).status, 409);
+    EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=b", "{}").body, IsJson(enveloped(record(8, "b", "WIP"))));
+    EXPECT_EQ(demo().post("/datasets/d1/versions/-1/create", body).status, 400);
+    EXPECT_EQ(demo().post("/datasets/d1/versions/seven/create", body).status, 400);
+    EXPECT_EQ(demo().post("/datasets/d1/versions/9/create", R"({"metaInfo":"","status":"Done","description":""})").status, 400);
+    EXPECT_EQ(demo().post("/datasets/none/versions/9/create", body).status, 404);
+}
+
+TEST_F(VersionRoutes, TheLatestOrANumberedVersionIsRead)
+{
+    demo().put("/dataset/d1/version?sourceFile=a", "{}");
+    demo().put("/dataset/d1/version?sourceFile=b", "{}");
+    EXPECT_THAT(demo().get("/v2/datasets/d1/version/latest?onlySuccess=true&mvd=base").body, IsJson(enveloped(record(2, "b", "WIP"))));
+    EXPECT_THAT(demo().get("/v2/datasets/d1/version/1?onlySuccess=false&mvd=base").body, IsJson(enveloped(record(1, "a", "WIP"))));
+    EXPECT_THAT(demo().get("/v2/datasets/d1/version/0?onlySuccess=false&mvd=base").body, IsJson(refusal(404)));
+    EXPECT_EQ(demo().get("/v2/datasets/d1/version/newest").status, 400);
+    EXPECT_EQ(demo().get("/v2/datasets/none/version/latest").status, 404);
+}
+
+TEST_F(VersionRoutes, VersionsAreReadByTheirIds)
+{
+    demo().put("/dataset/d1/version?sourceFile=a", "{}");
+    demo().put("/dataset/d1/version?sourceFile=b", "{}");
+    EXPECT_THAT(demo().post("/v2/versions/byids?mvd=base", "[2,1,99]").body,
+                IsJson(enveloped("[" + record(1, "a", "WIP") + "," + record(2, "b", "WIP") + "]")));
+    EXPECT_THAT(demo().post("/v2/versions/byids?mvd=base", "[]").body, IsJson(enveloped("[]")));
+    EXPECT_EQ(demo().post("/v2/versions/byids", "[1]").status, 400);
+    EXPECT_EQ(demo().post("/v2/versions/byids?mvd=base", R"(["1"])").status, 400);
+}
+
+TEST_F(VersionRoutes, AVersionIsMarkedAsPublished)
+{
+    demo().put("/dataset/d1/version?sourceFile=a", "{}");
+    EXPECT_THAT(demo().post("/datasets/d1/1/markPublish", R"({"description":"发布"})").body, IsJson(enveloped("true")));
+    EXPECT_THAT(demo().get("/v2/datasets/d1/version/1").body,
+                IsJson(enveloped(record(1, "a", "Published", R"("description":"发布","metaInfo":"","size":0)"))));
+    EXPECT_EQ(demo().post("/datasets/d1/2/markPublish", R"({"description":""})").status, 404);
+    EXPECT_EQ(demo().post("/datasets/none/1/markPublish", R"({"description":""})").status, 404);
+}
+
+} // namespace
+} // namespace orlo::platform::test

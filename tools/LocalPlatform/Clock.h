@@ -1,0 +1,24 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+namespace orlo::platform {
+
+/// The machine's clock plus an offset, so that expiry can be tried without waiting.
+class Clock
+{
+public:
+    void move(std::int64_t seconds) { m_offsetSeconds += seconds; }
+    std::int64_t seconds() const;
+    /// "2024-05-01T08:30:00.000Z"
+    std::string text() const;
+
+private:
+    std::int64_t milliseconds() const;
+
+    std::atomic<std::int64_t> m_offsetSeconds{0};
+};
+
+} // namespace orlo::platform

@@ -1,0 +1,195 @@
+#include "Connection.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <linux/sockios.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <thread>
+
+namespace orlo::platform {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kPatience = 30s;   // for a client that stalls in the middle of a request or an answer
+constexpr auto kFarewell = 500ms; // for a client to close its end
+const std::string kHeadEnd = "\r\n\r\n";
+
+} // namespace
+
+Connection::Connection(int socket) : m_socket(socket)
+{}
+
+Connection::~Connection()
+{
+    ::close(m_socket);
+}
+
+Connection*& Connection::current()
+{
+    thread_local Connection* connection = nullptr;
+    return connection;
+}
+
+void Connection::resetAfter(std::size_t answerBytes)
+{
+    m_answerBytesLeft = answerBytes;
+}
+
+void Connection::cutBodyAfter(std::size_t bodyBytes)
+{
+    m_bodyBytesLeft = bodyBytes;
+    m_headDone = false;
+    m_headTail.clear();
+}
+
+void Connection::endAnswer()
+{
+    if (m_broken || (!m_answerBytesLeft && !m_bodyBytesLeft))
+        return;
+    m_broken = true;
+    breakOff();
+}
+
+void Connection::finish()
+{
+    ::shutdown(m_socket, SHUT_WR);
+    const auto end = std::chrono::steady_clock::now() + kFarewell;
+    std::array<char, 4096> rest{};
+    while (std::chrono::steady_clock::now() < end && waitFor(POLLIN, kFarewell)) {
+        if (::recv(m_socket, rest.data(), rest.size(), 0) <= 0)
+            return;
+    }
+}
+
+bool Connection::waitFor(short events, std::chrono::milliseconds timeout) const
+{
+    pollfd entry{m_socket, events, 0};
+    int ready = 0;
+    do
+        ready = ::poll(&entry, 1, static_cast<int>(timeout.count()));
+    while (ready < 0 && errno == EINTR);
+    return ready > 0;
+}
+
+bool Connection::is_readable() const
+{
+    return hasInput() || waitFor(POLLIN, kPatience);
+}
+
+bool Connection::is_writable() const
+{
+    return !m_broken && waitFor(POLLOUT, kPatience);
+}
+
+ssize_t Connection::receive(char* data, std::size_t size)
+{
+    if (!waitFor(POLLIN, kPatience))
+        return -1;
+    ssize_t count = 0;
+    do
+        count = ::recv(m_socket, data, size, 0);
+    while (count < 0 && errno == EINTR);
+    return count;
+}
+
+ssize_t Connection::read(char* data, std::size_t size)
+{
+    if (!hasInput() && size >= m_buffer.size())
+        return receive(data, size);
+    if (!hasInput()) {
+        const ssize_t count = receive(m_buffer.data(), m_buffer.size());
+        if (count <= 0)
+            return count;
+        m_from = 0;
+        m_to = static_cast<std::size_t>(count);
+    }
+    const std::size_t count = std::min(size, m_to - m_from);
+    std::memcpy(data, m_buffer.data() + m_from, count);
+    m_from += count;
+    return static_cast<ssize_t>(count);
+}
+
+std::size_t Connection::allowance(const char* data, std::size_t size)
+{
+    if (m_answerBytesLeft) {
+        const std::size_t allowed = std::min(size, *m_answerBytesLeft);
+        *m_answerBytesLeft -= allowed;
+        return allowed;
+    }
+    if (!m_bodyBytesLeft)
+        return size;
+    std::size_t headBytes = 0;
+    for (; !m_headDone && headBytes < size; ++headBytes) {
+        m_headTail += data[headBytes];
+        m_headTail.erase(0, m_headTail.size() > kHeadEnd.size() ? 1 : 0);
+        m_headDone = m_headTail == kHeadEnd;
+    }
+    const std::size_t bodyBytes = std::min(size - headBytes, *m_bodyBytesLeft);
+    *m_bodyBytesLeft -= bodyBytes;
+    return headBytes + bodyBytes;
+}
+
+ssize_t Connection::write(const char* data, std::size_t size)
+{
+    if (m_broken)
+        return -1;
+    const std::size_t allowed = allowance(data, size);
+    const bool sent = sendAll(data, allowed);
+    if (sent && allowed == size)
+        return static_cast<ssize_t>(size);
+    m_broken = true;
+    if (sent)
+        breakOff();
+    return -1;
+}
+
+bool Connection::sendAll(const char* data, std::size_t size)
+{
+    while (size > 0) {
+        if (!waitFor(POLLOUT, kPatience))
+            return false;
+        const ssize_t count = ::send(m_socket, data, size, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (count < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK))
+            continue;
+        if (count <= 0)
+            return false;
+        data += count;
+        size -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+void Connection::waitUntilSent() const
+{
+    const auto end = std::chrono::steady_clock::now() + 2s;
+    int unsent = 0;
+    while (::ioctl(m_socket, SIOCOUTQ, &unsent) == 0 && unsent > 0 && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(1ms);
+}
+
+void Connection::breakOff()
+{
+    if (!m_answerBytesLeft)
+        return;      // a cut body ends with an orderly close
+    waitUntilSent(); // a reset throws away what the client's side hasn't taken yet
+    const linger abortive{1, 0};
+    ::setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &abortive, sizeof abortive);
+}
+
+void Connection::get_remote_ip_and_port(std::string& ip, int& port) const
+{
+    ip = "127.0.0.1";
+    port = 0;
+}
+
+void Connection::get_local_ip_and_port(std::string& ip, int& port) const
+{
+    ip = "127.0.0.1";
+    port = 0;
+}
+
+} // namespace orlo::platform

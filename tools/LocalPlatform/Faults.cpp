@@ -1,0 +1,83 @@
+#include "Faults.h"
+
+#include "Json.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace orlo::platform {
+
+namespace {
+
+void validate(const Fault& fault)
+{
+    if (fault.kind == FaultKind::Status && (fault.status < 200 || fault.status > 599))
+        throw std::invalid_argument("a fault's status must lie between 200 and 599");
+    if (fault.delayMilliseconds < 0)
+        throw std::invalid_argument("a fault's delay must not be negative");
+    if (fault.path.empty() || fault.path.front() != '/')
+        throw std::invalid_argument("a fault's path must begin with a slash");
+}
+
+} // namespace
+
+int FaultBook::add(const Fault& fault)
+{
+    validate(fault);
+    const std::lock_guard lock(m_mutex);
+    m_entries[++m_lastId] = Entry{fault, fault.calls, 0};
+    return m_lastId;
+}
+
+bool FaultBook::matches(const Entry& entry, const std::string& method, const std::string& path)
+{
+    const Fault& fault = entry.fault;
+    if (entry.left == 0 || (!fault.method.empty() && fault.method != method))
+        return false;
+    return fault.prefix ? path.compare(0, fault.path.size(), fault.path) == 0 : path == fault.path;
+}
+
+Strike FaultBook::strike(const std::string& method, const std::string& path)
+{
+    const std::lock_guard lock(m_mutex);
+    Strike result;
+    for (auto& [id, entry] : m_entries) {
+        if (!matches(entry, method, path))
+            continue;
+        entry.left -= entry.left > 0 ? 1 : 0;
+        ++entry.struck;
+        if (entry.fault.kind != FaultKind::Delay) {
+            result.fault = entry.fault;
+            break;
+        }
+        result.delay += std::chrono::milliseconds(entry.fault.delayMilliseconds);
+    }
+    return result;
+}
+
+int FaultBook::count(int id) const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_entries.find(id);
+    return found == m_entries.end() ? 0 : found->second.struck;
+}
+
+std::string FaultBook::list() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::string all;
+    for (const auto& [id, entry] : m_entries) {
+        json::Object object;
+        object.number("id", id).text("path", entry.fault.path).number("left", entry.left).number("struck", entry.struck);
+        all += (all.empty() ? "" : ",") + object.str();
+    }
+    return "[" + all + "]";
+}
+
+void FaultBook::clear()
+{
+    const std::lock_guard lock(m_mutex);
+    m_entries.clear();
+}
+
+} // namespace orlo::platform
