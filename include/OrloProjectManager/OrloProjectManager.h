@@ -26,9 +26,13 @@
 #include <OrloProjectManager/Projects/ProjectRecords.h>
 #include <OrloProjectManager/Projects/Specialty.h>
 #include <OrloProjectManager/Projects/StandardProperty.h>
+#include <OrloProjectManager/Resources/IModuleManager.h>
 #include <OrloProjectManager/Resources/IProjectFont.h>
+#include <OrloProjectManager/Resources/ITemplateManager.h>
 #include <OrloProjectManager/Teams/CollaborationTeamInfo.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
+#include <OrloProjectManager/Transfer/ICollaborationFile.h>
+#include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 #include <OrloProjectManager/Transfer/PromiseData.h>

@@ -1,0 +1,62 @@
+#include "JobCopy.h"
+
+#include "../Log.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+#include <BaseCommon/Uuid.h>
+
+#include <vector>
+
+namespace orlo {
+
+namespace {
+
+const CallSite here = ORLO_HERE("orlo::CopyFileToTempPath");
+
+bool failed(const wchar_t* words)
+{
+    log::errorAt(here, words);
+    return false;
+}
+
+bool makeFolder(const std::wstring& path)
+{
+    return utils::hasDirectory(path) || utils::createDirectory(path);
+}
+
+} // namespace
+
+bool CopyFileToTempPath(const std::wstring& path, const std::string& projectId, const std::wstring& fileName, std::wstring& copy)
+{
+    constexpr const wchar_t* noFolder = L"创建文件路径失败";
+    const std::wstring copies = utils::getLocalDbCachePath();
+    const std::wstring root = FilePath::Combine(copies, utils::toWstring(projectId));
+    if (!utils::isPathInside(copies, root) || !makeFolder(root))
+        return failed(noFolder);
+    const std::wstring folder = FilePath::Combine(root, utils::toWstring(uuid::newUUIDV4()));
+    if (!utils::createDirectory(folder))
+        return failed(noFolder);
+    const std::wstring target = FilePath::Combine(folder, fileName.empty() ? utils::getFileName(path) : fileName);
+    // A name that points out of its folder would let one job's copy fall on another's.
+    if (FilePath(target).GetDirectoryName() != folder || !utils::isPathInside(folder, target) || !utils::copyFile(path, target)) {
+        utils::removeEmptyDirectory(folder);
+        return false;
+    }
+    copy = target;
+    return true;
+}
+
+void deleteJobCopy(const std::wstring& copy)
+{
+    if (!utils::isPathInside(utils::getLocalDbCachePath(), copy))
+        return;
+    const std::wstring folder = FilePath(copy).GetDirectoryName();
+    utils::removeFile(copy);
+    std::vector<std::wstring> left;
+    if (utils::getSubFiles(folder, left) && left.empty())
+        utils::removeEmptyDirectory(folder);
+}
+
+} // namespace orlo

@@ -1,0 +1,22 @@
+#include "JobOutcome.h"
+
+namespace orlo {
+
+void JobOutcome::set(bool success, int status, const std::wstring& message)
+{
+    std::call_once(m_once, [&] { m_promise.set_value(PromiseData(success, status, message)); });
+}
+
+bool JobOutcome::fail(const ErrorCode& error)
+{
+    set(false, 10011, L"上传文件失败：" + error.GetErrorMessage());
+    return false;
+}
+
+ErrorCode JobOutcome::asErrorCode() const
+{
+    const PromiseData outcome = m_future.get();
+    return {error::exception, std::make_shared<HttpError>(L"httpError", outcome.message, outcome.status, 0)};
+}
+
+} // namespace orlo

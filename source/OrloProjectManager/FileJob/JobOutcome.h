@@ -1,0 +1,30 @@
+#pragma once
+
+#include "../Log.h"
+
+#include <BaseCommon/ErrorCode.h>
+#include <OrloProjectManager/Transfer/PromiseData.h>
+
+#include <future>
+#include <mutex>
+
+namespace orlo {
+
+/// How a job ended, for those who ask while the job object lives. The first outcome stands.
+class JobOutcome
+{
+public:
+    void set(bool success, int status, const std::wstring& message);
+    /// Ends the job as failed: "上传文件失败：" and what the ErrorCode says. Gives false.
+    bool fail(const ErrorCode& error);
+    /// Waits for the outcome.
+    ErrorCode asErrorCode() const;
+    std::shared_future<PromiseData> future() const { return m_future; }
+
+private:
+    std::promise<PromiseData> m_promise;
+    std::shared_future<PromiseData> m_future = m_promise.get_future().share();
+    std::once_flag m_once;
+};
+
+} // namespace orlo

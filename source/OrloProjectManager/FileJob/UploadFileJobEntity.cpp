@@ -1,0 +1,194 @@
+#include "UploadFileJobEntity.h"
+
+#include "../CollaborationFileManager.h"
+#include "JobCopy.h"
+#include "JobFields.h"
+
+#include <OrloProjectManager/Transfer/IFileManager.h>
+
+namespace orlo {
+
+const char* const UploadFileJobEntity::jobTypeKey = "E6FDB37F - 39D1 - 4BDD - A8E6 - 59E881C78190";
+
+namespace {
+
+const JobEntityRegistration registration(UploadFileJobEntity::jobTypeKey, [] { return std::make_shared<UploadFileJobEntity>(); });
+
+} // namespace
+
+UploadFileJobEntity::UploadFileJobEntity()
+{
+    SetType(JobType::UploadFile);
+}
+
+UploadFileJobEntity::UploadFileJobEntity(std::string projectId, std::wstring folderId, std::wstring localFilePath, std::wstring fileName,
+                                         std::string fileId, std::string dsId, int dsVersion)
+    : m_projectId(std::move(projectId)),
+      m_folderId(std::move(folderId)),
+      m_localFilePath(std::move(localFilePath)),
+      m_fileName(std::move(fileName)),
+      m_fileId(std::move(fileId)),
+      m_dsId(std::move(dsId)),
+      m_dsVersion(dsVersion)
+{
+    SetType(JobType::UploadFile);
+}
+
+UploadFileJobEntity::UploadFileJobEntity(const UploadFileJobEntity* other) : UploadFileJobEntity()
+{
+    if (!other) {
+        log::errorAt(ORLO_HERE("orlo::UploadFileJobEntity::UploadFileJobEntity"), L"input entity is null.");
+        return;
+    }
+    m_jobId = other->JobId();
+    m_jobCreateTime = other->GetCreateTime();
+    m_projectId = other->m_projectId;
+    m_folderId = other->m_folderId;
+    m_localFilePath = other->m_localFilePath;
+    m_fileName = other->m_fileName;
+    m_fileId = other->m_fileId;
+    m_dsId = other->m_dsId;
+    m_templateText = other->m_templateText;
+    m_dsVersion = other->m_dsVersion;
+    m_isFile = other->m_isFile;
+}
+
+UploadFileJobEntity::~UploadFileJobEntity() = default;
+
+void UploadFileJobEntity::setTemplate(std::wstring templateText)
+{
+    m_isFile = false;
+    m_templateText = std::move(templateText);
+}
+
+ErrorCode UploadFileJobEntity::ErrorInfo() const
+{
+    switch (GetStatus()) {
+    case JobState::Succeeded:
+        return {};
+    case JobState::Failed:
+        return m_outcome.asErrorCode();
+    default:
+        return JobEntity::ErrorInfo();
+    }
+}
+
+bool UploadFileJobEntity::Run()
+{
+    const bool succeeded = resumeExcution();
+    remove();
+    deleteJobCopy(m_localFilePath);
+    return succeeded;
+}
+
+std::string UploadFileJobEntity::GetJobTypeKey() const
+{
+    return jobTypeKey;
+}
+
+bool UploadFileJobEntity::LoadFromJson(const std::string& text)
+{
+    JobFieldReader reader(ORLO_HERE("orlo::UploadFileJobEntity::fromJsonForCloudify"));
+    return reader.open(text, m_jobId) && fromJsonForCloudify(reader);
+}
+
+bool UploadFileJobEntity::fromJsonForCloudify(JobFieldReader& reader)
+{
+    return reader.fields()
+        .read("createTime", m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.")
+        .read("projectId", m_projectId, L"parse cloudify m_projectId failed.")
+        .read("fileName", m_fileName, L"parse cloudify m_fileName failed.")
+        .read("fileId", m_fileId, L"parse cloudify m_fileId failed.")
+        .read("folderId", m_folderId, L"parse cloudify m_folderId failed.")
+        .read("localFilePath", m_localFilePath, L"parse cloudify m_localFilePath failed.")
+        .read("dsId", m_dsId, L"parse cloudify m_localFilePath failed.") // with the word of the key before, on purpose
+        .read("dsVersion", m_dsVersion, L"parse cloudify m_dsVersion failed.")
+        .good();
+}
+
+std::string UploadFileJobEntity::ToJson() const
+{
+    return JobFields()
+        .add("createTime", static_cast<long long>(GetCreateTime()))
+        .add("projectId", m_projectId)
+        .add("fileName", m_fileName)
+        .add("fileId", m_fileId)
+        .add("folderId", m_folderId)
+        .add("localFilePath", m_localFilePath)
+        .add("dsId", m_dsId)
+        .add("dsVersion", m_dsVersion)
+        .toJson(JobId());
+}
+
+bool UploadFileJobEntity::operator<(const IJobEntity& other) const
+{
+    if (dynamic_cast<const UploadFileJobEntity*>(&other))
+        return GetCreateTime() < other.GetCreateTime();
+    log::errorAt(ORLO_HERE("orlo::UploadFileJobEntity::operator <"), L"it is not a UploadFileJobEntity object.");
+    return false;
+}
+
+CollaborationFileManager* UploadFileJobEntity::fileManager() const
+{
+    return dynamic_cast<CollaborationFileManager*>(ICollaborationFileManager::Get());
+}
+
+ITemplateUploads* UploadFileJobEntity::templateManager() const
+{
+    return dynamic_cast<ITemplateUploads*>(ITemplateManager::Get());
+}
+
+bool UploadFileJobEntity::resumeExcution()
+{
+    ErrorCode error;
+    try {
+        if (!fileManager())
+            return missing(L"ICollaborationFileManager is null");
+        return m_isFile ? uploadFile(error) : uploadTemplate(error);
+    }
+    catch (...) { // the reason, as far as there is one, stands in the ErrorCode
+        return m_outcome.fail(error);
+    }
+}
+
+bool UploadFileJobEntity::uploadFile(ErrorCode& error)
+{
+    const std::shared_ptr<ICollaborationFile> file = m_fileId.empty()
+                                                         ? fileManager()->UploadFileByArkiv(m_folderId, m_localFilePath, error)
+                                                         : fileManager()->UpdateFileByArkiv(m_fileId, m_folderId, m_localFilePath, error);
+    if (!file || (!m_dsId.empty() && !bindToDataset(*file, error)))
+        return m_outcome.fail(error);
+    return succeed(L"upload file success");
+}
+
+bool UploadFileJobEntity::bindToDataset(const ICollaborationFile& file, ErrorCode& error)
+{
+    return IFileManager::CreateFileDatasetRelationship(m_dsId, m_dsVersion, file.GetId(), file.GetVersion(), error);
+}
+
+bool UploadFileJobEntity::uploadTemplate(ErrorCode& error)
+{
+    ITemplateUploads* const templates = templateManager();
+    if (!templates)
+        return missing(L"pTemplateManager is nullptr");
+    const auto file = templates->UploadTemplateByArkiv(m_localFilePath, m_folderId, error);
+    if (!file || !templates->AddTemplateToProject(utils::toWstring(m_projectId), utils::toWstring(file->GetId()), m_fileName,
+                                                  m_templateText, file->GetVersion(), error))
+        return m_outcome.fail(error);
+    return succeed(L"Upload template success");
+}
+
+bool UploadFileJobEntity::missing(const std::wstring& manager)
+{
+    log::error(L"[UploadFileJobEntity::resumeExcution] " + manager);
+    m_outcome.set(false, 10010, manager);
+    return false;
+}
+
+bool UploadFileJobEntity::succeed(const std::wstring& words)
+{
+    m_outcome.set(true, 200, words);
+    return true;
+}
+
+} // namespace orlo

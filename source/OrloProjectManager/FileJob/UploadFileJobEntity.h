@@ -1,0 +1,82 @@
+#pragma once
+
+#include "IUploadFileJobEntity.h"
+#include "JobOutcome.h"
+
+#include <OrloJobManager/LocalDbJobEntity.h>
+#include <OrloProjectManager/Resources/ITemplateManager.h>
+
+namespace orlo {
+
+class CollaborationFileManager;
+class ICollaborationFile;
+
+/// What a template job needs of the template manager beyond its interface.
+class ITemplateUploads
+{
+public:
+    virtual ~ITemplateUploads() = default;
+    virtual std::shared_ptr<ICollaborationFile> UploadTemplateByArkiv(const std::wstring& path, const std::wstring& folderId,
+                                                                      ErrorCode& error) = 0;
+    virtual bool AddTemplateToProject(const std::wstring& projectId, const std::wstring& uri, const std::wstring& name,
+                                      const std::wstring& specialty, long long size, ErrorCode& error) = 0;
+};
+
+/// The upload of a file into a project folder, or of a template, as a job.
+class UploadFileJobEntity : public LocalDbJobEntity, public IUploadFileJobEntity
+{
+public:
+    static const char* const jobTypeKey;
+
+    UploadFileJobEntity();
+    UploadFileJobEntity(std::string projectId, std::wstring folderId, std::wstring localFilePath, std::wstring fileName, std::string fileId,
+                        std::string dsId, int dsVersion);
+    /// A job of the same id and with the same fields, and an outcome of its own.
+    explicit UploadFileJobEntity(const UploadFileJobEntity* other);
+    ~UploadFileJobEntity() override;
+
+    ErrorCode ErrorInfo() const override;
+    bool Run() override;
+    std::string GetJobTypeKey() const override;
+    bool LoadFromJson(const std::string& text) override;
+    std::string ToJson() const override;
+    bool operator<(const IJobEntity& other) const override;
+
+    const std::string& GetProjectId() const override { return m_projectId; }
+    const std::wstring& GetFolderId() const override { return m_folderId; }
+    const std::wstring& GetLocalFilePath() const override { return m_localFilePath; }
+
+    /// Turns the job into that of a template. Intended: neither this nor the text is saved, so that a template job which is
+    /// rebuilt after a restart takes the way of a file.
+    void setTemplate(std::wstring templateText);
+    bool isFile() const { return m_isFile; }
+
+    std::shared_future<PromiseData> future() const { return m_outcome.future(); }
+
+protected:
+    // Where the managers come from; tests put others here.
+    virtual CollaborationFileManager* fileManager() const;
+    virtual ITemplateUploads* templateManager() const;
+
+private:
+    bool fromJsonForCloudify(class JobFieldReader& reader);
+    bool resumeExcution();
+    bool uploadFile(ErrorCode& error);
+    bool bindToDataset(const ICollaborationFile& file, ErrorCode& error);
+    bool uploadTemplate(ErrorCode& error);
+    bool missing(const std::wstring& manager);
+    bool succeed(const std::wstring& words);
+
+    JobOutcome m_outcome;
+    std::string m_projectId;
+    std::wstring m_folderId;
+    std::wstring m_localFilePath;
+    std::wstring m_fileName;
+    std::string m_fileId;
+    std::string m_dsId;
+    std::wstring m_templateText;
+    int m_dsVersion = -1;
+    bool m_isFile = true;
+};
+
+} // namespace orlo

@@ -1,0 +1,171 @@
+#include "UploadModuleJobEntity.h"
+
+#include "JobCopy.h"
+#include "JobFields.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/IOrloEventManager.h>
+
+namespace orlo {
+
+const char* const UploadModuleJobEntity::jobTypeKey = "0F9C4B72 - B885 - BCD8 - 7F1F - 7BE3E9D17403";
+
+namespace {
+
+const JobEntityRegistration registration(UploadModuleJobEntity::jobTypeKey, [] { return std::make_shared<UploadModuleJobEntity>(); });
+
+constexpr int moduleUploaded = 4;
+
+} // namespace
+
+UploadModuleJobEntity::UploadModuleJobEntity()
+{
+    SetType(JobType::UploadModule);
+}
+
+UploadModuleJobEntity::UploadModuleJobEntity(std::wstring moduleId, std::wstring folderId, std::wstring spaceType,
+                                             std::string spaceTypeParameter, std::wstring resourceType, std::wstring categoryId,
+                                             std::wstring specialty, std::wstring localFilePath, std::wstring fileName)
+    : m_moduleId(std::move(moduleId)),
+      m_folderId(std::move(folderId)),
+      m_spaceType(std::move(spaceType)),
+      m_spaceTypeParameter(std::move(spaceTypeParameter)),
+      m_resourceType(std::move(resourceType)),
+      m_categoryId(std::move(categoryId)),
+      m_specialty(std::move(specialty)),
+      m_localFilePath(std::move(localFilePath)),
+      m_fileName(std::move(fileName))
+{
+    SetType(JobType::UploadModule);
+}
+
+UploadModuleJobEntity::~UploadModuleJobEntity() = default;
+
+ErrorCode UploadModuleJobEntity::ErrorInfo() const
+{
+    switch (GetStatus()) {
+    case JobState::Succeeded:
+        return {};
+    case JobState::Failed:
+        return m_outcome.asErrorCode();
+    default:
+        return JobEntity::ErrorInfo();
+    }
+}
+
+bool UploadModuleJobEntity::Run()
+{
+    const bool succeeded = resumeExcution();
+    if (succeeded)
+        announce();
+    remove();
+    deleteJobCopy(m_localFilePath);
+    return succeeded;
+}
+
+bool UploadModuleJobEntity::IsCanRun(const List& running, const List& waiting)
+{
+    for (const auto& job : running) {
+        const auto module = std::dynamic_pointer_cast<UploadModuleJobEntity>(job);
+        if (module && module->m_moduleId == m_moduleId)
+            return false;
+    }
+    std::shared_ptr<UploadModuleJobEntity> newest;
+    for (const auto& job : waiting) {
+        const auto module = std::dynamic_pointer_cast<UploadModuleJobEntity>(job);
+        if (module && (!newest || newest->GetCreateTime() < module->GetCreateTime()))
+            newest = module;
+    }
+    if (newest)
+        m_priorityJob = newest;
+    return true;
+}
+
+std::string UploadModuleJobEntity::GetJobTypeKey() const
+{
+    return jobTypeKey;
+}
+
+bool UploadModuleJobEntity::LoadFromJson(const std::string& text)
+{
+    JobFieldReader reader(ORLO_HERE("orlo::UploadModuleJobEntity::fromJsonForCloudify"));
+    if (!reader.open(text, m_jobId))
+        return false;
+    return reader.fields()
+        .read("createTime", m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.")
+        .read("moduleId", m_moduleId, L"parse cloudify m_moduleId failed.")
+        .read("spaceType", m_spaceType, L"parse cloudify m_spaceType failed.")
+        .read("spaceTypeParameter", m_spaceTypeParameter, L"parse cloudify m_spaceTypeParameter failed.")
+        .read("resourceType", m_resourceType, L"parse cloudify m_resourceType failed.")
+        .read("categoryId", m_categoryId, L"parse cloudify m_categoryId failed.")
+        .read("fileName", m_fileName, L"parse cloudify m_fileName failed.")
+        .read("folderId", m_folderId, L"parse cloudify m_folderId failed.")
+        .read("localFilePath", m_localFilePath, L"parse cloudify m_localFilePath failed.")
+        .read("specialty", m_specialty, L"parse cloudify m_specialty failed.")
+        .good();
+}
+
+std::string UploadModuleJobEntity::ToJson() const
+{
+    return JobFields()
+        .add("createTime", static_cast<long long>(GetCreateTime()))
+        .add("moduleId", m_moduleId)
+        .add("spaceType", m_spaceType)
+        .add("spaceTypeParameter", m_spaceTypeParameter)
+        .add("resourceType", m_resourceType)
+        .add("categoryId", m_categoryId)
+        .add("fileName", m_fileName)
+        .add("folderId", m_folderId)
+        .add("localFilePath", m_localFilePath)
+        .add("specialty", m_specialty)
+        .toJson(JobId());
+}
+
+bool UploadModuleJobEntity::operator<(const IJobEntity& other) const
+{
+    if (dynamic_cast<const UploadModuleJobEntity*>(&other))
+        return GetCreateTime() < other.GetCreateTime();
+    // The words name the other class, as they always have.
+    log::errorAt(ORLO_HERE("orlo::UploadModuleJobEntity::operator <"), L"it is not a UploadFileJobEntity object.");
+    return false;
+}
+
+IModuleUploads* UploadModuleJobEntity::moduleManager() const
+{
+    return dynamic_cast<IModuleUploads*>(IModuleManager::Get());
+}
+
+bool UploadModuleJobEntity::resumeExcution()
+{
+    ErrorCode error;
+    try {
+        if (IModuleUploads* const modules = moduleManager())
+            return uploadModule(*modules, error);
+        log::error(L"[UploadModuleJobEntity::resumeExcution] IModuleManager is null");
+        m_outcome.set(false, 10010, L"IModuleManager is null");
+        return false;
+    }
+    catch (...) { // the reason, as far as there is one, stands in the ErrorCode
+        return m_outcome.fail(error);
+    }
+}
+
+bool UploadModuleJobEntity::uploadModule(IModuleUploads& modules, ErrorCode& error)
+{
+    const std::wstring md5 = utils::toWstring(utils::md5(m_localFilePath));
+    const ModulePlace place{m_spaceType, utils::toWstring(m_spaceTypeParameter), m_resourceType, m_categoryId, m_specialty};
+    const std::wstring name = m_fileName.empty() ? FilePath(m_localFilePath).GetFileNameWithoutExtension() : m_fileName;
+    const auto module = modules.UploadModule(place, m_localFilePath, name, md5, false, error);
+    if (!module || !modules.AddModuleToProject(place, *module, name, md5, m_resource, error))
+        return m_outcome.fail(error);
+    m_outcome.set(true, 200, L"Upload Module success");
+    return true;
+}
+
+void UploadModuleJobEntity::announce() const
+{
+    if (IOrloEventManager* const events = IOrloEventManager::Get())
+        events->PostEvent(moduleUploaded, L"module_" + m_moduleId + L"_" + m_resource);
+}
+
+} // namespace orlo

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "IUploadFileJobEntity.h"
+#include "JobOutcome.h"
+
+#include <OrloJobManager/LocalDbJobEntity.h>
+#include <OrloProjectManager/Resources/IModuleManager.h>
+
+namespace orlo {
+
+/// Where a module stands in the resource service.
+struct ModulePlace
+{
+    std::wstring spaceType;
+    std::wstring spaceTypeParameter;
+    std::wstring resourceType;
+    std::wstring categoryId;
+    std::wstring specialty;
+};
+
+/// What a module job needs of the module manager beyond its interface.
+class IModuleUploads
+{
+public:
+    virtual ~IModuleUploads() = default;
+    virtual std::shared_ptr<ICollaborationModule> UploadModule(const ModulePlace& place, const std::wstring& localPath,
+                                                               const std::wstring& fileName, const std::wstring& md5, bool gzip,
+                                                               ErrorCode& error) = 0;
+    /// Publishes an uploaded module. resource: "<id>&<version>", as the service answers.
+    virtual bool AddModuleToProject(const ModulePlace& place, const ICollaborationModule& module, const std::wstring& name,
+                                    const std::wstring& md5, std::wstring& resource, ErrorCode& error) = 0;
+};
+
+/// The upload of a module as a job.
+class UploadModuleJobEntity : public LocalDbJobEntity, public IUploadFileJobEntity
+{
+public:
+    static const char* const jobTypeKey;
+
+    UploadModuleJobEntity();
+    UploadModuleJobEntity(std::wstring moduleId, std::wstring folderId, std::wstring spaceType, std::string spaceTypeParameter,
+                          std::wstring resourceType, std::wstring categoryId, std::wstring specialty, std::wstring localFilePath,
+                          std::wstring fileName);
+    ~UploadModuleJobEntity() override;
+
+    ErrorCode ErrorInfo() const override;
+    bool Run() override;
+    /// Two jobs of one module never run together. The newest waiting module job is remembered as the one to run first.
+    bool IsCanRun(const List& running, const List& waiting) override;
+    std::string GetJobTypeKey() const override;
+    bool LoadFromJson(const std::string& text) override;
+    std::string ToJson() const override;
+    bool operator<(const IJobEntity& other) const override;
+
+    const std::string& GetProjectId() const override { return m_spaceTypeParameter; }
+    const std::wstring& GetFolderId() const override { return m_folderId; }
+    const std::wstring& GetLocalFilePath() const override { return m_localFilePath; }
+
+    std::shared_future<PromiseData> future() const { return m_outcome.future(); }
+
+protected:
+    // Where the manager comes from; tests put another here.
+    virtual IModuleUploads* moduleManager() const;
+
+private:
+    bool resumeExcution();
+    bool uploadModule(IModuleUploads& modules, ErrorCode& error);
+    void announce() const;
+
+    JobOutcome m_outcome;
+    std::wstring m_moduleId;
+    std::wstring m_folderId;
+    std::wstring m_spaceType;
+    std::string m_spaceTypeParameter;
+    std::wstring m_resourceType;
+    std::wstring m_categoryId;
+    std::wstring m_specialty;
+    std::wstring m_localFilePath;
+    std::wstring m_fileName;
+    /// What the service made of the upload.
+    std::wstring m_resource;
+};
+
+} // namespace orlo
