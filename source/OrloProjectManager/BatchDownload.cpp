@@ -165,13 +165,23 @@ void DownloadBatchFilesHandler::stall(OrloCallbackContext& context)
 
 void DownloadBatchFilesHandler::finish(int status, const std::wstring& body, ErrorCode& error, bool succeeded)
 {
-    if (m_callerContext && m_callerContext->handler)
-        m_callerContext->handler->on_complete(succeeded ? 200 : status, succeeded ? std::wstring() : body, "BatchDownloadAction",
-                                              m_callerContext, error);
+    const CallSite here = ORLO_HERE("DownloadBatchFilesHandler::on_complete");
+    try {
+        tellCaller(succeeded ? 200 : status, succeeded ? std::wstring() : body, error);
+    }
+    catch (...) {
+        return m_outcome->failAsCaught(here);
+    }
     if (!succeeded)
         log::error(L"failed to batch download files");
     m_outcome->settle(succeeded ? PromiseData(true, 200, L"success to batch download files") : PromiseData(false, status, body), error,
-                      ORLO_HERE("DownloadBatchFilesHandler::on_complete"));
+                      here);
+}
+
+void DownloadBatchFilesHandler::tellCaller(int status, const std::wstring& body, ErrorCode& error) const
+{
+    if (m_callerContext && m_callerContext->handler)
+        m_callerContext->handler->on_complete(status, body, "BatchDownloadAction", m_callerContext, error);
 }
 
 std::future<PromiseData> downloadBatch(ErrorCode& error, const std::string& folder, const std::string& datasetId,

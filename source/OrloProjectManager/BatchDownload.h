@@ -40,6 +40,7 @@ private:
     void stream(const Entry& entry, const std::wstring& target, bool propagate);
     void stall(OrloCallbackContext& context);
     void finish(int status, const std::wstring& body, ErrorCode& error, bool succeeded);
+    void tellCaller(int status, const std::wstring& body, ErrorCode& error) const;
 
     std::mutex m_mutex; ///< guards the three counts and the flags
     size_t m_total = 0;

@@ -49,7 +49,9 @@ std::wstring downloadThroughCache(const std::string& dsId, const std::wstring& u
     if (!parse(uri, parsed))
         return failed(L"invalid uri: " + uri);
     const std::wstring target = FilePath::Combine(cache, parsed.relative);
-    if (!utils::isPathInside(utils::getLocalFileCachePath(), cache) || !utils::isPathInside(cache, target))
+    // Without a dataset it is the batch that refuses, in its own words.
+    const bool isCacheOfDataset = dsId.empty() || utils::isPathInside(utils::getLocalFileCachePath(), cache);
+    if (!isCacheOfDataset || !utils::isPathInside(cache, target))
         return failed(L"invalid uri: " + uri);
     if (utils::fileExists(target))
         return target;

@@ -48,13 +48,16 @@ bool Project::GetProjectFonts(std::vector<std::shared_ptr<IProjectFont>>& out, E
 bool Project::GetProjectStandardProperties(StandardProperties& out, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetProjectStandardProperties")).run(error, [&] {
-        if (!m_standardProperties) {
+        // Two first calls at once both read, and the later store wins.
+        auto properties = std::atomic_load(&m_standardProperties);
+        if (!properties) {
             http::ORLOHTTPPayloadProject record;
             if (!SendNormalRequestWithRetry(&OrloWebService::GetProject, false, error, record, m_id))
                 return false;
-            m_standardProperties = std::make_shared<const StandardProperties>(toStandardProperties(record.standardProperties));
+            properties = std::make_shared<const StandardProperties>(toStandardProperties(record.standardProperties));
+            std::atomic_store(&m_standardProperties, properties);
         }
-        out = *m_standardProperties;
+        out = *properties;
         return true;
     });
 }

@@ -39,7 +39,18 @@ SpaceConfig::SpaceConfig(int version, std::wstring scopeEntityId, Items items)
 
 namespace {
 
-const value& required(const value& object, const wchar_t* key)
+// The keys as the JSON library has them, since a tree of many nodes asks for each many times.
+const utility::string_t idKey = _XPLATSTR("id");
+const utility::string_t nameKey = _XPLATSTR("spaceName");
+const utility::string_t typeKey = _XPLATSTR("spaceType");
+const utility::string_t descriptionKey = _XPLATSTR("spaceDescription");
+const utility::string_t subSpacesKey = _XPLATSTR("subSpaces");
+const utility::string_t levelsKey = _XPLATSTR("attachValues");
+const utility::string_t architectureLevelKey = _XPLATSTR("ArchitectureLevel");
+const utility::string_t structureLevelKey = _XPLATSTR("StructureLevel");
+
+template <class Key>
+const value& required(const value& object, const Key& key)
 {
     const value* const member = memberOf(object, key);
     if (!member)
@@ -47,8 +58,8 @@ const value& required(const value& object, const wchar_t* key)
     return *member;
 }
 
-template <class Field>
-Field requiredField(const value& object, const wchar_t* key)
+template <class Field, class Key>
+Field requiredField(const value& object, const Key& key)
 {
     Field field{};
     if (!readField(required(object, key), field))
@@ -61,20 +72,19 @@ Items readItems(const value& array);
 std::shared_ptr<ISpaceConfigItem> readItem(const value& node)
 {
     std::wstring name;
-    readField(required(node, L"spaceName"), name);
+    readField(required(node, nameKey), name);
     std::wstring description;
-    readMember(node, L"spaceDescription", description);
+    readMember(node, descriptionKey, description);
     std::wstring architectureLevel;
     std::wstring structureLevel;
-    if (const value* const levels = memberOf(node, L"attachValues")) {
-        readMember(*levels, L"ArchitectureLevel", architectureLevel);
-        readMember(*levels, L"StructureLevel", structureLevel);
+    if (const value* const levels = memberOf(node, levelsKey)) {
+        readMember(*levels, architectureLevelKey, architectureLevel);
+        readMember(*levels, structureLevelKey, structureLevel);
     }
-    const value* const subSpaces = memberOf(node, L"subSpaces");
-    return std::make_shared<SpaceConfigItem>(requiredField<std::wstring>(node, L"id"),
-                                             spaceTypeTexts().valueOf(requiredField<std::wstring>(node, L"spaceType")), std::move(name),
-                                             std::move(architectureLevel), std::move(structureLevel), std::move(description),
-                                             subSpaces ? readItems(*subSpaces) : Items());
+    const value* const subSpaces = memberOf(node, subSpacesKey);
+    return std::make_shared<SpaceConfigItem>(
+        requiredField<std::wstring>(node, idKey), spaceTypeTexts().valueOf(requiredField<std::wstring>(node, typeKey)), std::move(name),
+        std::move(architectureLevel), std::move(structureLevel), std::move(description), subSpaces ? readItems(*subSpaces) : Items());
 }
 
 /// The recursion is as deep as cpprestsdk reads JSON, which is 128 levels.

@@ -1,6 +1,7 @@
 #include "TransferChain.h"
 
 #include <BaseCommon/Text.h>
+#include <OrloNetwork/WorkPermit.h>
 
 #include <thread>
 #include <utility>
@@ -20,13 +21,14 @@ std::future<PromiseData> failedFuture()
 
 void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutcome>& outcome, const CallSite& site) noexcept
 {
+    const http::WorkPermit permit;
+    if (!permit)
+        return;
     try {
         worker(outcome);
     }
-    catch (const std::exception& e) {
-        const std::wstring text = utils::toWstringTrimTrailingCarriageReturn(e.what());
-        log::errorAt(site, endOfPromise + text);
-        outcome->settle({false, 5555, text}, ErrorCode(error::exception, std::make_shared<HttpError>(L"HttpError", text, 5555, 0)), site);
+    catch (...) {
+        outcome->failAsCaught(site);
     }
 }
 
@@ -34,7 +36,9 @@ void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutco
 
 TransferOutcome::~TransferOutcome()
 {
-    if (!m_callersError)
+    // What is dropped at the end of the process has no caller left.
+    const http::WorkPermit permit;
+    if (!m_callersError || !permit)
         return;
     try {
         set({false, 5555, L"the transfer ended without an outcome"}, ErrorCode());
@@ -51,6 +55,13 @@ void TransferOutcome::set(const PromiseData& data, const ErrorCode& error)
     m_promise.set_value(data);
 }
 
+void TransferOutcome::refuse(const std::wstring& message)
+{
+    const std::lock_guard lock(m_mutex);
+    m_callersError = nullptr;
+    m_promise.set_value({false, 400, message});
+}
+
 void TransferOutcome::settle(const PromiseData& data, const ErrorCode& error, const CallSite& site) noexcept
 {
     try {
@@ -61,8 +72,27 @@ void TransferOutcome::settle(const PromiseData& data, const ErrorCode& error, co
     }
 }
 
+void TransferOutcome::failAsCaught(const CallSite& site)
+{
+    const auto fail = [&](const std::wstring& text, int code) {
+        log::errorAt(site, endOfPromise + text);
+        settle({false, 5555, text}, ErrorCode(error::exception, std::make_shared<HttpError>(L"HttpError", text, code, 0)), site);
+    };
+    try {
+        throw;
+    }
+    catch (const std::exception& e) {
+        fail(utils::toWstringTrimTrailingCarriageReturn(e.what()), 5555);
+    }
+    catch (...) {
+        fail(L"unknown exception", 5556);
+    }
+}
+
 std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker)
 {
+    // From here on the end of the process knows of transfers.
+    const http::WorkPermit permit;
     std::future<PromiseData> future = CallFrame(site).run(error, [&] {
         const auto outcome = std::make_shared<TransferOutcome>(error);
         std::future<PromiseData> started = outcome->future();

@@ -44,8 +44,10 @@ public:
     void set(const PromiseData& data, const ErrorCode& error);
     /// The same for the end of a chain: an exception is logged under the handler's name instead.
     void settle(const PromiseData& data, const ErrorCode& error, const CallSite& site) noexcept;
-    /// For an input that is refused before any request.
-    void refuse(const std::wstring& message) { set({false, 400, message}, ErrorCode()); }
+    /// For the exception that is being handled: logged, and a local failure.
+    void failAsCaught(const CallSite& site);
+    /// For an input that is refused before any request. The caller's ErrorCode is left as it is.
+    void refuse(const std::wstring& message);
 
 private:
     std::mutex m_mutex;

@@ -48,6 +48,14 @@ TEST_F(DatasetRoutes, ADatasetWithAnIdAndAFolderKeepsBoth)
     EXPECT_EQ(demo().post("/v2/dataSets", R"({"id":"d1","name":"a","folderId":"f1"})").status, 409);
 }
 
+TEST_F(DatasetRoutes, ADatasetHasTheTypeOfItsFileWhateverThatIs)
+{
+    for (const std::string type : {"c", "图纸", ""}) {
+        const Reply reply = demo().post("/v2/dataSets", R"({"name":"a.b.c","folderId":"f1","type":")" + type + R"("})");
+        EXPECT_EQ(jsonText(demo().get("/v2/dataSets/" + jsonText(reply.body, "data.id")).body, "data.type"), type);
+    }
+}
+
 TEST_F(DatasetRoutes, WrongDatasetsAreRefused)
 {
     project("p2");
@@ -88,6 +96,7 @@ TEST_F(DatasetRoutes, APublishedVersionMakesADatasetCommitted)
     };
     EXPECT_THAT(demo().get("/projects/p1/dataSets/byStatus?status=draft").body, IsJson(listed("0")));
     EXPECT_THAT(demo().get("/projects/p1/dataSets/byStatus?status=committed").body, IsJson("[]"));
+    platform.addFile("a", "bytes");
     demo().put("/dataset/d1/version?sourceFile=a", "{}");
     demo().post("/datasets/d1/1/markPublish", R"({"description":"x"})");
     EXPECT_THAT(demo().get("/projects/p1/dataSets/byStatus?status=draft").body, IsJson("[]"));

@@ -118,7 +118,7 @@ TEST_F(Faults, AResetBehindALongAnswerLosesNothingBeforeIt)
     late.prefix = true;
     late.bytes = 5 * 1024 * 1024;
     platform.addFault(late);
-    const RawReply reply = rawGet(target);
+    const RawReply reply = exchange(platform.url(), "GET " + target + " HTTP/1.1\r\nHost: a\r\n\r\n");
     EXPECT_TRUE(reply.reset);
     EXPECT_EQ(reply.bytes.size(), 5u * 1024 * 1024);
 }
@@ -178,6 +178,17 @@ TEST_F(Faults, ADelayLetsTheNextFaultStrikeTheSameCall)
     EXPECT_EQ(platform.faultCount(status), 1);
 }
 
+TEST_F(Faults, AStallHoldsTheBodyBackForAWhile)
+{
+    Fault stall = fault(FaultKind::Stall, "/projects");
+    stall.bytes = 1;
+    stall.delayMilliseconds = 30;
+    const int id = platform.addFault(stall);
+    EXPECT_EQ(demo().get("/projects").body, "[]");
+    EXPECT_EQ(platform.faultCount(id), 1);
+    EXPECT_EQ(demo().get("/projects").body, "[]");
+}
+
 TEST_F(Faults, ADelayedCallHoldsUpNeitherTheOthersNorTheStop)
 {
     Fault slow = fault(FaultKind::Delay, "/projects");
@@ -199,6 +210,16 @@ TEST_F(Faults, FaultsThatCannotBeCarriedOutAreRefused)
     Fault negative = fault(FaultKind::Delay, "/projects");
     negative.delayMilliseconds = -1;
     EXPECT_THROW(platform.addFault(negative), std::invalid_argument);
+    Fault ofRequest = fault(FaultKind::Stall, "/blobs/");
+    ofRequest.ofRequest = true;
+    EXPECT_THROW(platform.addFault(ofRequest), std::invalid_argument);
+    ofRequest.method = "PUT";
+    EXPECT_GT(platform.addFault(ofRequest), 0);
+    ofRequest.kind = FaultKind::Status;
+    EXPECT_THROW(platform.addFault(ofRequest), std::invalid_argument);
+    ofRequest.kind = FaultKind::CutBody;
+    ofRequest.path = "/file/new";
+    EXPECT_THROW(platform.addFault(ofRequest), std::invalid_argument);
 }
 
 } // namespace

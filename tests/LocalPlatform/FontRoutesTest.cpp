@@ -64,7 +64,6 @@ TEST_F(FontRoutes, AnAlteredAddressIsRefused)
     std::string unsignedTarget = target();
     unsignedTarget.resize(unsignedTarget.find('?'));
     EXPECT_EQ(nobody().get(unsignedTarget).status, 403);
-    EXPECT_EQ(demo().get(unsignedTarget).status, 403);
 }
 
 TEST_F(FontRoutes, AnAddressNeedsAFontOfTheProject)

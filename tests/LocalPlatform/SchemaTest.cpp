@@ -1,9 +1,12 @@
+#include "PlatformFixture.h"
 #include "support/TempFolder.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
 
 #include <LocalPlatform/LocalPlatform.h>
+#include <fstream>
+#include <sstream>
 
 namespace orlo::platform::test {
 namespace {
@@ -25,7 +28,26 @@ TEST(Schema, ItsVersionStandsInTheFile)
     {
         const LocalPlatform platform(Options{data, 0, false});
     }
-    EXPECT_EQ(schemaVersion(data + "/platform.db"), 1);
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 2);
+}
+
+TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
+{
+    const TempFolder folder;
+    const std::string data = folder.path("平台").u8string();
+    std::filesystem::create_directories(folder.path("平台"));
+    std::stringstream schema;
+    schema << std::ifstream(ORLO_FIRST_SCHEMA).rdbuf();
+    SQLite::Database(data + "/platform.db", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec(schema.str());
+    {
+        LocalPlatform platform(Options{data, 0, false});
+        platform.start();
+        const Caller demo(platform.url(), "demo-token");
+        EXPECT_EQ(jsonText(demo.get("/v2/datasets/d1/version/1").body, "data.dataSetSourceFile"), "old.zok");
+        platform.addFile("new.zok", "bytes");
+        EXPECT_EQ(demo.put("/dataset/d1/version?sourceFile=new.zok", "{}").status, 200);
+    }
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 2);
 }
 
 TEST(Schema, DataOfANewerProgramIsLeftAlone)

@@ -10,6 +10,8 @@ protected:
     {
         project("p1");
         platform.addDataset({"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
+        platform.addFile("a", "");
+        platform.addFile("b", "");
     }
 
     static std::string record(int number, const std::string& source, const std::string& status, const std::string& more = {})
@@ -24,24 +26,18 @@ protected:
 
 TEST_F(VersionRoutes, VersionsAreNumberedFromOne)
 {
+    platform.addFile("remote/塔.bin", "1234567");
     EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=remote%2F%E5%A1%94.bin", "{}").body,
-                IsJson(enveloped(record(1, "remote/塔.bin", "WIP"))));
+                IsJson(enveloped(record(1, "remote/塔.bin", "WIP", R"("description":"","metaInfo":"","size":7)"))));
     EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=b", "").body, IsJson(enveloped(record(2, "b", "WIP"))));
     EXPECT_EQ(demo().put("/dataset/d1/version?sourceFile=", "{}").status, 400);
     EXPECT_EQ(demo().put("/dataset/none/version?sourceFile=b", "{}").status, 404);
 }
 
-TEST_F(VersionRoutes, ADocumentsVersionKnowsItsLength)
+TEST_F(VersionRoutes, AFileThatIsNotInTheStoreMakesNoVersion)
 {
-    EXPECT_THAT(demo().put("/dataset/d1/doc/version?sourceFile=file-7", R"({"length":4096,"version":3})").body,
-                IsJson(enveloped(record(1, "file-7", "WIP", R"("description":"","metaInfo":"","size":4096)"))));
-    EXPECT_EQ(jsonDifference(demo().get("/projects?scenario=OWNER").body,
-                             R"([{"creationTime":"<time>","description":"","id":"p1","name":"Tower","owner":"demo-account",
-                                 "status":"Ongoing","size":4096}])"),
-              "");
-    EXPECT_EQ(demo().put("/dataset/d1/doc/version?sourceFile=f", R"({"length":"4096","version":3})").status, 400);
-    EXPECT_EQ(demo().put("/dataset/d1/doc/version?sourceFile=f", R"({"length":-1,"version":3})").status, 400);
-    EXPECT_EQ(demo().put("/dataset/d1/doc/version?sourceFile=f", R"({"length":1})").status, 400);
+    EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=read%20file%20fail", "{}").body, IsJson(refusal(400)));
+    EXPECT_EQ(demo().get("/v2/datasets/d1/version/latest").status, 404);
 }
 
 TEST_F(VersionRoutes, AVersionIsCreatedUnderAGivenNumber)

@@ -1,4 +1,3 @@
-#include "support/LogCapture.h"
 #include "support/VirtualSlot.h"
 
 #include <BaseCommon/Uuid.h>
@@ -8,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -106,26 +106,22 @@ TEST(JobEntity, twoJobsThatNameEachOtherAsFirstDoNotKeepEachOtherAlive)
     EXPECT_EQ(one->GetPriorityJob(), nullptr);
 }
 
-TEST(JobDatabase, isNotAvailableAndSaysSo)
-{
-    const LogCapture log;
-    Job job;
-    EXPECT_FALSE(job.save());
-    EXPECT_FALSE(job.remove());
-    EXPECT_FALSE(IJobManager::Start({}));
-    EXPECT_EQ(IJobManager::Get(), nullptr);
-    IJobManager::Stop();
-    EXPECT_EQ(log.lines(), (std::vector<std::wstring>{L"E@orlo::LocalDbJobEntity::save the job database is not available in this version",
-                                                      L"E@orlo::LocalDbJobEntity::remove the job database is not available in this version",
-                                                      L"E@orlo::IJobManager::Start the job database is not available in this version"}));
-}
-
 TEST(JobManager, addsAJobWithItsFourthOperation)
 {
     EXPECT_EQ(virtualSlot(&IJobManager::GetJobs), 2u);
     EXPECT_EQ(virtualSlot(&IJobManager::GetJob), 3u);
     EXPECT_EQ(virtualSlot(&IJobManager::AddJob), 4u);
-    EXPECT_EQ(JobManagerOptions{}.workers, 2u);
+    EXPECT_EQ(virtualSlot(&IJobManager::WaitForIdle), 5u);
+    EXPECT_EQ(virtualSlot(&IJobManager::WaitForJob), 6u);
+    EXPECT_EQ(virtualSlot(&IJobManager::RunsJobs), 7u);
+}
+
+TEST(JobManager, runsTwoJobsAtOnceAndStopsWithinTenSecondsUnlessToldOtherwise)
+{
+    const JobManagerOptions options;
+    EXPECT_EQ(options.workers, 2u);
+    EXPECT_EQ(options.stopWithin, std::chrono::seconds(10));
+    EXPECT_FALSE(options.onEvent);
 }
 
 TEST(GeneralInstanceCreator, takesInstancesFromStaticInitialisers)

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 namespace orlo::platform {
+
+class FileBody;
 
 /// What a route answers: a status and a body. JSON unless `contentType` says otherwise.
 struct Answer
@@ -11,6 +14,8 @@ struct Answer
     int status = 200;
     std::string body;
     std::string contentType = "application/json";
+    std::shared_ptr<FileBody> file{}; ///< Sent instead of `body`.
+    std::string contentEncoding{};    ///< Of the file; empty: as it is.
 };
 
 /// A call that is refused: thrown by routes and seeding calls, answered as an envelope without data.

@@ -1,14 +1,18 @@
 #include "BlobStore.h"
 
 #include "Answer.h"
+#include "Ids.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
 
 namespace orlo::platform {
 
 namespace {
+
+constexpr const char* kStaged = ".new";
 
 bool isPlainId(const std::string& id)
 {
@@ -16,24 +20,36 @@ bool isPlainId(const std::string& id)
            std::all_of(id.begin(), id.end(), [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || c == '-'; });
 }
 
-void writeFile(const std::filesystem::path& file, const std::string& bytes)
+std::filesystem::path temporaryFolder()
 {
-    const std::filesystem::path fresh = file.string() + ".new";
-    {
-        std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        if (!out.flush())
-            throw std::runtime_error("can't write " + fresh.string());
+    std::string name = (std::filesystem::temp_directory_path() / "orlo-local-platform-XXXXXX").string();
+    if (!::mkdtemp(name.data()))
+        throw std::system_error(errno, std::generic_category(), "can't make a temporary folder");
+    return name;
+}
+
+/// What a killed platform was writing.
+void removeStaged(const std::filesystem::path& folder)
+{
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == kStaged)
+            std::filesystem::remove(entry.path());
     }
-    std::filesystem::rename(fresh, file);
 }
 
 } // namespace
 
-BlobStore::BlobStore(std::filesystem::path folder) : m_folder(std::move(folder))
+BlobStore::BlobStore(const std::filesystem::path& folder) : m_temporary(folder.empty()), m_folder(m_temporary ? temporaryFolder() : folder)
 {
-    if (!m_folder.empty())
-        std::filesystem::create_directories(m_folder);
+    std::filesystem::create_directories(m_folder);
+    removeStaged(m_folder);
+}
+
+BlobStore::~BlobStore()
+{
+    std::error_code ignored;
+    if (m_temporary)
+        std::filesystem::remove_all(m_folder, ignored);
 }
 
 std::filesystem::path BlobStore::fileOf(const std::string& id) const
@@ -43,37 +59,41 @@ std::filesystem::path BlobStore::fileOf(const std::string& id) const
     return m_folder / id;
 }
 
-void BlobStore::put(const std::string& id, const std::string& bytes)
+std::unique_ptr<StagedBlob> BlobStore::stage() const
 {
-    const std::lock_guard lock(m_mutex);
-    if (m_folder.empty())
-        m_memory[id] = bytes;
-    else
-        writeFile(fileOf(id), bytes);
+    return std::make_unique<StagedBlob>(m_folder / (newId() + kStaged));
+}
+
+void BlobStore::keep(StagedBlob& staged, const std::string& id) const
+{
+    staged.moveTo(fileOf(id));
+}
+
+void BlobStore::put(const std::string& id, const std::string& bytes) const
+{
+    const auto staged = stage();
+    staged->append(bytes);
+    keep(*staged, id);
+}
+
+OpenFile BlobStore::open(const std::string& id) const
+{
+    return OpenFile(fileOf(id));
 }
 
 std::string BlobStore::get(const std::string& id) const
 {
-    const std::lock_guard lock(m_mutex);
-    if (m_folder.empty()) {
-        const auto found = m_memory.find(id);
-        if (found == m_memory.end())
-            throw Refusal(404, "no such file");
-        return found->second;
-    }
-    std::ifstream in(fileOf(id), std::ios::binary);
-    if (!in)
-        throw Refusal(404, "no such file");
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const OpenFile file = open(id);
+    std::string bytes;
+    bytes.reserve(static_cast<std::size_t>(file.size()));
+    file.read([&](std::string_view piece) { bytes.append(piece); });
+    return bytes;
 }
 
-void BlobStore::remove(const std::string& id)
+void BlobStore::remove(const std::string& id) const
 {
-    const std::lock_guard lock(m_mutex);
-    m_memory.erase(id);
     std::error_code ignored;
-    if (!m_folder.empty())
-        std::filesystem::remove(fileOf(id), ignored);
+    std::filesystem::remove(fileOf(id), ignored);
 }
 
 } // namespace orlo::platform

@@ -6,7 +6,9 @@
 #include <linux/sockios.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/sendfile.h>
 #include <thread>
+#include <utility>
 
 namespace orlo::platform {
 
@@ -21,7 +23,12 @@ const std::string kHeadEnd = "\r\n\r\n";
 } // namespace
 
 Connection::Connection(int socket) : m_socket(socket)
-{}
+{
+    const int on = 1;
+    ::setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    const timeval patience{std::chrono::seconds(kPatience).count(), 0}; // bounds sendfile, which has no poll of its own
+    ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+}
 
 Connection::~Connection()
 {
@@ -34,24 +41,42 @@ Connection*& Connection::current()
     return connection;
 }
 
-void Connection::resetAfter(std::size_t answerBytes)
+void Connection::setTrap(const Trap& trap)
 {
-    m_answerBytesLeft = answerBytes;
-}
-
-void Connection::cutBodyAfter(std::size_t bodyBytes)
-{
-    m_bodyBytesLeft = bodyBytes;
+    m_trap = trap;
     m_headDone = false;
     m_headTail.clear();
 }
 
+void Connection::carryOut(const Trap& trap)
+{
+    if (trap.deed == Deed::Stall) {
+        m_broken = waitFor(POLLRDHUP, trap.pause); // the client has gone, or the server stops
+        return;
+    }
+    m_broken = true;
+    if (trap.deed == Deed::Close) {
+        finish();
+        return;
+    }
+    waitUntilSent(); // a reset throws away what the client's side hasn't taken yet
+    const linger abortive{1, 0};
+    ::setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &abortive, sizeof abortive);
+}
+
+void Connection::sendBody()
+{
+    const auto body = std::exchange(m_body, nullptr);
+    if (body && !m_broken)
+        body(*this);
+}
+
 void Connection::endAnswer()
 {
-    if (m_broken || (!m_answerBytesLeft && !m_bodyBytesLeft))
-        return;
-    m_broken = true;
-    breakOff();
+    m_body = nullptr;
+    const auto trap = std::exchange(m_trap, std::nullopt);
+    if (trap && !m_broken && trap->deed != Deed::Stall)
+        carryOut(*trap);
 }
 
 void Connection::finish()
@@ -113,38 +138,66 @@ ssize_t Connection::read(char* data, std::size_t size)
     return static_cast<ssize_t>(count);
 }
 
-std::size_t Connection::allowance(const char* data, std::size_t size)
+std::size_t Connection::headPart(const char* data, std::size_t size)
 {
-    if (m_answerBytesLeft) {
-        const std::size_t allowed = std::min(size, *m_answerBytesLeft);
-        *m_answerBytesLeft -= allowed;
-        return allowed;
-    }
-    if (!m_bodyBytesLeft)
-        return size;
     std::size_t headBytes = 0;
     for (; !m_headDone && headBytes < size; ++headBytes) {
         m_headTail += data[headBytes];
         m_headTail.erase(0, m_headTail.size() > kHeadEnd.size() ? 1 : 0);
         m_headDone = m_headTail == kHeadEnd;
     }
-    const std::size_t bodyBytes = std::min(size - headBytes, *m_bodyBytesLeft);
-    *m_bodyBytesLeft -= bodyBytes;
-    return headBytes + bodyBytes;
+    return headBytes;
+}
+
+std::size_t Connection::allowance(const char* data, std::size_t size)
+{
+    if (!m_trap)
+        return size;
+    const std::size_t exempt = m_trap->bodyOnly && data ? headPart(data, size) : 0;
+    const std::size_t counted = std::min(size - exempt, m_trap->bytes);
+    m_trap->bytes -= counted;
+    return exempt + counted;
+}
+
+template <typename Send>
+bool Connection::pushOut(const char* data, std::size_t size, const Send& send)
+{
+    std::size_t sent = 0;
+    while (!m_broken && sent < size) {
+        const std::size_t allowed = allowance(data ? data + sent : nullptr, size - sent);
+        m_broken = !send(sent, allowed);
+        sent += allowed;
+        if (!m_broken && sent < size)
+            carryOut(*std::exchange(m_trap, std::nullopt));
+    }
+    return !m_broken;
 }
 
 ssize_t Connection::write(const char* data, std::size_t size)
 {
-    if (m_broken)
-        return -1;
-    const std::size_t allowed = allowance(data, size);
-    const bool sent = sendAll(data, allowed);
-    if (sent && allowed == size)
-        return static_cast<ssize_t>(size);
-    m_broken = true;
-    if (sent)
-        breakOff();
-    return -1;
+    const bool sent = pushOut(data, size, [&](std::size_t from, std::size_t count) { return sendAll(data + from, count); });
+    return sent ? static_cast<ssize_t>(size) : -1;
+}
+
+bool Connection::sendFile(int file, std::int64_t offset, std::size_t size)
+{
+    return pushOut(nullptr, size, [&](std::size_t from, std::size_t count) {
+        return sendFilePart(file, offset + static_cast<std::int64_t>(from), count);
+    });
+}
+
+bool Connection::sendFilePart(int file, std::int64_t offset, std::size_t size)
+{
+    off_t at = offset;
+    while (size > 0) {
+        const ssize_t count = ::sendfile(m_socket, file, &at, size);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        size -= static_cast<std::size_t>(count);
+    }
+    return true;
 }
 
 bool Connection::sendAll(const char* data, std::size_t size)
@@ -169,15 +222,6 @@ void Connection::waitUntilSent() const
     int unsent = 0;
     while (::ioctl(m_socket, SIOCOUTQ, &unsent) == 0 && unsent > 0 && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(1ms);
-}
-
-void Connection::breakOff()
-{
-    if (!m_answerBytesLeft)
-        return;      // a cut body ends with an orderly close
-    waitUntilSent(); // a reset throws away what the client's side hasn't taken yet
-    const linger abortive{1, 0};
-    ::setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &abortive, sizeof abortive);
 }
 
 void Connection::get_remote_ip_and_port(std::string& ip, int& port) const

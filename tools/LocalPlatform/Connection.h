@@ -5,6 +5,8 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -19,14 +21,34 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// Reset the connection after that many bytes of the next answer.
-    void resetAfter(std::size_t answerBytes);
-    /// Close the connection after that many bytes of the next answer's body.
-    void cutBodyAfter(std::size_t bodyBytes);
+    enum class Deed {
+        Reset, ///< The other side sees a reset.
+        Close, ///< The other side sees an orderly end.
+        Stall  ///< Nothing moves for a while, then all goes on.
+    };
+    struct Trap
+    {
+        Deed deed = Deed::Reset;
+        std::size_t bytes = 0; ///< How many bytes pass before it springs.
+        bool bodyOnly = false; ///< The head doesn't count.
+        std::chrono::milliseconds pause{0};
+    };
+    /// What happens in the middle of the next answer.
+    void setTrap(const Trap& trap);
+    /// Does it here and now.
+    void carryOut(const Trap& trap);
+
+    /// What sends the body when the HTTP library has sent the head.
+    void setBody(std::function<void(Connection&)> body) { m_body = std::move(body); }
+    void sendBody();
     /// An answer that was too short to be broken breaks at its end.
     void endAnswer();
+
     /// The connection can carry no further answer.
     bool broken() const { return m_broken; }
+    /// The next answer is the last one.
+    void leave() { m_leaving = true; }
+    bool leaving() const { return m_leaving; }
 
     /// A further request has been read already.
     bool hasInput() const { return m_from < m_to; }
@@ -37,6 +59,8 @@ public:
     bool is_writable() const override;
     ssize_t read(char* data, std::size_t size) override;
     ssize_t write(const char* data, std::size_t size) override;
+    /// False if not all of it could be sent.
+    bool sendFile(int file, std::int64_t offset, std::size_t size);
     void get_remote_ip_and_port(std::string& ip, int& port) const override;
     void get_local_ip_and_port(std::string& ip, int& port) const override;
     socket_t socket() const override { return m_socket; }
@@ -47,16 +71,21 @@ public:
 private:
     ssize_t receive(char* data, std::size_t size);
     bool sendAll(const char* data, std::size_t size);
-    /// How much of the data may still go out.
+    bool sendFilePart(int file, std::int64_t offset, std::size_t size);
+    /// Sends `size` bytes with `send(from, count)`, but for the trap. `data`: the bytes, if they may hold the end of the head.
+    template <typename Send>
+    bool pushOut(const char* data, std::size_t size, const Send& send);
+    /// How much of the data may still go out before the trap springs.
     std::size_t allowance(const char* data, std::size_t size);
-    void breakOff();
+    std::size_t headPart(const char* data, std::size_t size);
     bool waitFor(short events, std::chrono::milliseconds timeout) const;
     void waitUntilSent() const;
 
     int m_socket;
     bool m_broken = false;
-    std::optional<std::size_t> m_answerBytesLeft;
-    std::optional<std::size_t> m_bodyBytesLeft;
+    bool m_leaving = false;
+    std::optional<Trap> m_trap;
+    std::function<void(Connection&)> m_body;
     std::string m_headTail; ///< The last bytes of the answer's head, to find its end across writes.
     bool m_headDone = false;
     std::array<char, 8192> m_buffer{};

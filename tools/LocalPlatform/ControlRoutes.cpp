@@ -6,6 +6,7 @@
 #include "RequestLog.h"
 #include "Routes.h"
 #include "Store.h"
+#include "Transfers.h"
 #include "Users.h"
 
 #include <algorithm>
@@ -135,6 +136,7 @@ FaultKind readKind(const std::string& text)
         {"resetBeforeAnswer", FaultKind::ResetBeforeAnswer},
         {"resetAfterBytes", FaultKind::ResetAfterBytes},
         {"cutBody", FaultKind::CutBody},
+        {"stall", FaultKind::Stall},
         {"garbage", FaultKind::Garbage},
     };
     const auto found = kinds.find(text);
@@ -161,6 +163,7 @@ Fault readFault(const Body& body)
     fault.bytes = static_cast<std::size_t>(std::max(0, smallNumber(body, "bytes", 0)));
     fault.delayMilliseconds = smallNumber(body, "delayMilliseconds", 0);
     fault.carryOut = body.flagOr("carryOut", false);
+    fault.ofRequest = body.flagOr("ofRequest", false);
     return fault;
 }
 
@@ -210,6 +213,7 @@ Answer countRequests(const Call& call, World& world)
 Answer clearRequests(const Call&, World& world)
 {
     world.requests.clear();
+    world.transfers.clearPeak();
     return done();
 }
 

@@ -64,6 +64,13 @@ void requireDataset(World& world, const std::string& datasetId)
         throw Refusal(404, "no such dataset: " + datasetId);
 }
 
+void requireVersion(World& world, const std::string& datasetId, int number)
+{
+    requireDataset(world, datasetId);
+    if (!world.tables.integer("SELECT id FROM version WHERE dataSetId = ? AND version = ?", datasetId, number))
+        throw Refusal(404, "the dataset has no version " + std::to_string(number));
+}
+
 std::string createFont(World& world, const FontSeed& font)
 {
     if (font.name.empty())

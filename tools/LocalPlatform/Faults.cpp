@@ -19,11 +19,27 @@ void validate(const Fault& fault)
         throw std::invalid_argument("a fault's path must begin with a slash");
 }
 
+bool countsBytes(const Fault& fault)
+{
+    return fault.kind == FaultKind::ResetAfterBytes || fault.kind == FaultKind::CutBody || fault.kind == FaultKind::Stall;
+}
+
+/// Other bodies are read before anything can strike.
+void validateOfRequest(const Fault& fault)
+{
+    if (!countsBytes(fault))
+        throw std::invalid_argument("only a fault that counts bytes can be one of the request");
+    if (fault.method != "PUT" || fault.path.compare(0, 7, "/blobs/") != 0)
+        throw std::invalid_argument("a fault of the request needs the method PUT and a path below /blobs/");
+}
+
 } // namespace
 
 int FaultBook::add(const Fault& fault)
 {
     validate(fault);
+    if (fault.ofRequest)
+        validateOfRequest(fault);
     const std::lock_guard lock(m_mutex);
     m_entries[++m_lastId] = Entry{fault, fault.calls, 0};
     return m_lastId;

@@ -1,16 +1,12 @@
-#include "BlobStore.h"
-#include "Clock.h"
+#include "Files.h"
 #include "Json.h"
 #include "Projects.h"
 #include "Routes.h"
-#include "Signing.h"
 #include "Store.h"
 
 namespace orlo::platform {
 
 namespace {
-
-constexpr std::int64_t kAddressLifeSeconds = 900;
 
 /// The font service says "msg" where the others say "message".
 Answer fontAck(const std::string& data)
@@ -32,15 +28,7 @@ Answer fontAddress(const Call& call, World& world)
     const auto blob = world.tables.text("SELECT blobId FROM font WHERE id = ? AND projectId = ?", fontId, call.filledQuery("projectId"));
     if (!blob)
         throw Refusal(404, "no such font in the project: " + fontId);
-    const std::string path = "/blobs/" + *blob;
-    const std::string address = world.url + path + "?" + world.signer.query("GET", path, world.clock.seconds() + kAddressLifeSeconds);
-    return fontAck(json::Object().text("fileUrlWithSAS", address).str());
-}
-
-Answer blob(const Call& call, World& world)
-{
-    world.signer.check("GET", call.target.path(), call.query("expires"), call.query("signature"), world.clock.seconds());
-    return Answer{200, world.blobs.get(call.place("id")), "application/octet-stream"};
+    return fontAck(json::Object().text("fileUrlWithSAS", signedAddress(world, "GET", *blob)).str());
 }
 
 } // namespace
@@ -49,7 +37,6 @@ void addFontRoutes(Router& router)
 {
     router.add("GET", "/style-family/font/project/list/{projectId}", fontsOfProject);
     router.add("GET", "/style-family/font/project/download/uri", fontAddress);
-    router.add("GET", "/blobs/{id}", blob, Access::Signed);
 }
 
 } // namespace orlo::platform

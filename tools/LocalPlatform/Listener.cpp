@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <poll.h>
+#include <pthread.h>
 #include <stdexcept>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -56,6 +58,15 @@ int portOf(int listening)
     socklen_t size = sizeof address;
     ::getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size);
     return ntohs(address.sin_port);
+}
+
+/// sendfile knows no other way not to be signalled when a client has gone.
+void blockBrokenPipes()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
 } // namespace
@@ -156,8 +167,6 @@ void Listener::acceptOne()
         std::this_thread::sleep_for(1ms); // out of descriptors: nothing to do but wait for some to come back
         return;
     }
-    const int on = 1;
-    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     m_idle.push_back({std::make_unique<Connection>(socket), std::chrono::steady_clock::now()});
 }
 
@@ -184,6 +193,7 @@ Listener::ConnectionPtr Listener::nextReady()
 
 void Listener::work()
 {
+    blockBrokenPipes();
     while (ConnectionPtr connection = nextReady())
         serve(std::move(connection));
 }

@@ -1,154 +1,23 @@
 #include "LocalPlatform.h"
 
-#include "BlobStore.h"
-#include "Clock.h"
+#include "Core.h"
 #include "Datasets.h"
-#include "Faults.h"
-#include "Ids.h"
+#include "Files.h"
 #include "Projects.h"
-#include "RequestLog.h"
-#include "Routes.h"
-#include "Server.h"
-#include "Signing.h"
-#include "Store.h"
 #include "Users.h"
-
-#include <filesystem>
 
 namespace orlo::platform {
 
 namespace {
 
-std::filesystem::path dataFolder(const Options& options)
+std::unique_ptr<StagedBlob> staged(const World& world, const std::string& bytes)
 {
-    std::filesystem::path folder = std::filesystem::u8path(options.dataFolder);
-    if (!folder.empty())
-        std::filesystem::create_directories(folder);
-    return folder;
-}
-
-std::string databaseFile(const std::filesystem::path& folder)
-{
-    return folder.empty() ? ":memory:" : (folder / "platform.db").u8string();
-}
-
-/// Made once and kept with the data, so that a signed address survives a restart.
-std::string signingKey(Tables& tables)
-{
-    tables.run("INSERT OR IGNORE INTO setting (name, value) VALUES ('signingKey', ?)", toHex(randomBytes(32)));
-    return fromHex(*tables.text("SELECT value FROM setting WHERE name = 'signingKey'"));
-}
-
-bool isControl(const std::string& path)
-{
-    return path.compare(0, 10, "/_control/") == 0;
+    auto blob = world.blobs.stage();
+    blob->append(bytes);
+    return blob;
 }
 
 } // namespace
-
-class LocalPlatform::Core
-{
-public:
-    explicit Core(const Options& options)
-        : m_folder(dataFolder(options)),
-          m_store(databaseFile(m_folder)),
-          m_blobs(m_folder.empty() ? std::filesystem::path() : m_folder / "blobs"),
-          m_signer(m_store.transact(signingKey)),
-          m_server({[this](const Call& call) { return noteCall(call); }, [this](Call& call) { return answer(call); }}),
-          m_port(options.port)
-    {
-        addProjectRoutes(m_router);
-        addFolderRoutes(m_router);
-        addDatasetRoutes(m_router);
-        addVersionRoutes(m_router);
-        addConfigRoutes(m_router);
-        addFontRoutes(m_router);
-        addControlRoutes(m_router);
-    }
-
-    void start()
-    {
-        const std::lock_guard lock(m_lifeMutex);
-        if (m_running)
-            return;
-        const int port = m_server.start(m_port);
-        m_running = true;
-        m_port = port;
-        const std::lock_guard urlLock(m_urlMutex);
-        m_url = "http://127.0.0.1:" + std::to_string(port);
-    }
-
-    void stop()
-    {
-        const std::lock_guard lock(m_lifeMutex);
-        m_server.stop();
-        m_running = false;
-    }
-
-    std::string url() const
-    {
-        const std::lock_guard lock(m_urlMutex);
-        return m_url;
-    }
-
-    /// Runs `work(world)` as one transaction. Work without a result gives true, since a transaction always has one.
-    template <typename Work>
-    auto transact(const Work& work)
-    {
-        return m_store.transact([&](Tables& tables) {
-            World world{tables, m_blobs, m_signer, m_clock, m_faults, m_requests, url()};
-            return work(world);
-        });
-    }
-
-    template <typename Work>
-    void change(const Work& work)
-    {
-        transact([&](World& world) {
-            work(world);
-            return true;
-        });
-    }
-
-    FaultBook& faults() { return m_faults; }
-    RequestLog& requests() { return m_requests; }
-    Clock& clock() { return m_clock; }
-
-private:
-    Strike noteCall(const Call& call)
-    {
-        const std::string path = call.target.path();
-        if (isControl(path))
-            return {};
-        m_requests.note(call.method, path);
-        return m_faults.strike(call.method, path);
-    }
-
-    Answer answer(Call& call)
-    {
-        return transact([&](World& world) {
-            const Route& route = m_router.find(call);
-            if (route.access == Access::Token)
-                call.caller = userOfToken(world, call.accessToken);
-            return route.handler(call, world);
-        });
-    }
-
-    std::filesystem::path m_folder;
-    Store m_store;
-    BlobStore m_blobs;
-    Signer m_signer;
-    Clock m_clock;
-    FaultBook m_faults;
-    RequestLog m_requests;
-    Router m_router;
-    Server m_server;
-    std::mutex m_lifeMutex;
-    bool m_running = false;
-    int m_port;
-    mutable std::mutex m_urlMutex;
-    std::string m_url;
-};
 
 LocalPlatform::LocalPlatform(const Options& options) : m_core(std::make_unique<Core>(options))
 {
@@ -252,6 +121,56 @@ void LocalPlatform::setArchived(const std::string& projectId, bool archived)
     m_core->change([&](World& world) { platform::setArchived(world, projectId, archived); });
 }
 
+void LocalPlatform::addFile(const std::string& remotePath, const std::string& bytes)
+{
+    m_core->change([&](World& world) { seedFile(world, remotePath, *staged(world, bytes)); });
+}
+
+std::string LocalPlatform::addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes)
+{
+    return m_core->transact([&](World& world) { return seedDatasetFile(world, datasetId, path, *staged(world, bytes)); });
+}
+
+std::string LocalPlatform::blob(const std::string& remotePath) const
+{
+    return m_core->transact([&](World& world) { return world.blobs.get(blobOfPath(world, remotePath)); });
+}
+
+std::vector<StoredFile> LocalPlatform::blobs() const
+{
+    return m_core->transact(storedFiles);
+}
+
+std::vector<Translation> LocalPlatform::translations() const
+{
+    return m_core->transact(platform::translations);
+}
+
+void LocalPlatform::setSignedLifetime(std::int64_t seconds)
+{
+    m_core->transfers().setSignedLifetime(seconds);
+}
+
+void LocalPlatform::setGzipAnswers(bool on)
+{
+    m_core->transfers().setGzipAnswers(on);
+}
+
+void LocalPlatform::setPlainPutAnswer(const std::string& body)
+{
+    m_core->transfers().setPlainPutAnswer(body);
+}
+
+std::size_t LocalPlatform::openDownloads() const
+{
+    return m_core->transfers().openDownloads();
+}
+
+std::size_t LocalPlatform::peakDownloads() const
+{
+    return m_core->transfers().peakDownloads();
+}
+
 int LocalPlatform::addFault(const Fault& fault)
 {
     return m_core->faults().add(fault);
@@ -285,6 +204,7 @@ std::size_t LocalPlatform::requestCount(const std::string& method, const std::st
 void LocalPlatform::clearRequestCounts()
 {
     m_core->requests().clear();
+    m_core->transfers().clearPeak();
 }
 
 } // namespace orlo::platform

@@ -15,7 +15,9 @@ namespace orlo::platform {
 
 struct Options
 {
-    std::string dataFolder{}; ///< Keeps platform.db and blobs; made if missing. Empty: everything lives in memory.
+    /// Keeps platform.db and blobs; made if missing. Empty: the database lives in memory, blobs in a temporary folder, and both end with
+    /// the platform.
+    std::string dataFolder{};
     int port = 0;             ///< 0: a free port, chosen at the first `start` and kept for the next ones.
     bool seedDemo = false;    ///< Registers the user "demo" with account "demo-account" and token "demo-token".
 };
@@ -78,6 +80,7 @@ enum class FaultKind {
     ResetBeforeAnswer, ///< The connection is reset (RST) before the first byte of the answer.
     ResetAfterBytes,   ///< The connection is reset after `bytes` bytes of the answer, head included.
     CutBody,           ///< Content-Length tells the whole body, `bytes` bytes of it are sent, then the connection is closed.
+    Stall,             ///< After `bytes` bytes of the body nothing moves for `delayMilliseconds`, then the call goes on.
     Garbage            ///< Status 200, Content-Type application/json, and a `body` that is no JSON.
 };
 
@@ -90,9 +93,30 @@ struct Fault
     int calls = 1;             ///< How many calls are struck; below 0: all of them.
     int status = 503;          ///< Status
     std::string body{};        ///< Status, Garbage
-    std::size_t bytes = 0;     ///< ResetAfterBytes, CutBody
-    int delayMilliseconds = 0; ///< Delay
-    bool carryOut = false;     ///< True: the call does its work before the fault eats the answer. ResetAfterBytes and CutBody always do.
+    std::size_t bytes = 0;     ///< ResetAfterBytes, CutBody, Stall
+    int delayMilliseconds = 0; ///< Delay, Stall
+    bool carryOut = false;     ///< True: the call does its work before the fault eats the answer. Faults with `bytes` always do.
+    /// True: `bytes` counts what was read of the request's body, which is never stored when the connection ends there. For the faults with
+    /// `bytes`, the method "PUT" and paths below "/blobs/".
+    bool ofRequest = false;
+};
+
+/// A file in the store: an upload whose bytes have come, or a seeded one.
+struct StoredFile
+{
+    std::string remotePath{};
+    std::string fileName{};
+    std::string fileId{}; ///< Uploads by Arkiv only, as is `versionIndex`.
+    int versionIndex = 0;
+    std::int64_t length = 0;
+};
+
+/// What "/v1/upload" was asked for.
+struct Translation
+{
+    std::string dataSetId{};
+    int versionId = 0;
+    std::string toType{};
 };
 
 class LocalPlatform
@@ -129,6 +153,11 @@ public:
     std::string addSpecialty(const std::string& projectId, const std::string& type, const std::string& name, const std::string& id = {});
     std::string addFont(const FontSeed& seed);
 
+    /// Puts a file into the store under a remote path of the caller's choice, in place of the one that has it.
+    void addFile(const std::string& remotePath, const std::string& bytes);
+    /// The file that the seed `path` names for ".../blockFiles/readSAS". Returns the path of its signed addresses, for faults.
+    std::string addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes);
+
     /// `jsonArray`: the value of "standardProperties", sent as it is. Empty text: no key in the answer.
     void setStandardProperties(const std::string& projectId, const std::string& jsonArray);
     /// "TYPE_ONE", "TYPE_TWO"; empty text: no key in the answer.
@@ -142,6 +171,24 @@ public:
     /// How often the fault has struck; 0 for an unknown id. Counts are kept until `clearFaults`.
     int faultCount(int id) const;
     void clearFaults();
+
+    /// The bytes stored under a remote path ("fileOSSPath"); throws if there is none.
+    std::string blob(const std::string& remotePath) const;
+    /// In the order in which they were asked for. Files of datasets and fonts don't count.
+    std::vector<StoredFile> blobs() const;
+    /// In the order of their calls.
+    std::vector<Translation> translations() const;
+
+    /// Of addresses that are handed out from now on; 900 at first. 0 or less: expired as soon as made.
+    void setSignedLifetime(std::int64_t seconds);
+    /// Signed downloads are packed for clients that accept it. Off at first.
+    void setGzipAnswers(bool on);
+    /// What a signed PUT answers that isn't one by Arkiv; empty at first.
+    void setPlainPutAnswer(const std::string& body);
+
+    /// Signed GETs whose last bytes haven't been handed out yet, and how many there were at once since `clearRequestCounts`.
+    std::size_t openDownloads() const;
+    std::size_t peakDownloads() const;
 
     /// Moves the platform's clock, back with a negative number. It goes on ticking from there.
     void moveClock(std::int64_t seconds);

@@ -1,4 +1,4 @@
-#include "BlobStore.h"
+#include "Files.h"
 #include "Json.h"
 #include "Projects.h"
 #include "Routes.h"
@@ -79,8 +79,7 @@ Answer deleteProject(const Call& call, World& world)
     requireProject(world, id);
     if (!world.tables.text("SELECT id FROM project WHERE id = ? AND owner = ? AND sample = 0", id, call.caller.accountId))
         throw Refusal(403, "only its owner may delete a project");
-    for (const std::string& blob : world.tables.texts("SELECT blobId FROM font WHERE projectId = ?", id))
-        world.blobs.remove(blob);
+    removeBlobsOfProject(world, id);
     world.tables.run("DELETE FROM project WHERE id = ?", id);
     return enveloped("null");
 }

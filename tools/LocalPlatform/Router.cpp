@@ -39,6 +39,13 @@ int readNumber(const std::string& text, const std::string& name)
     return value;
 }
 
+StagedBlob& Call::uploaded() const
+{
+    if (!upload)
+        throw Refusal(400, "a file is expected as the body");
+    return *upload;
+}
+
 int Call::numberPlace(const std::string& name) const
 {
     return readNumber(place(name), name);

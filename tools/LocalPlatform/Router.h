@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,9 +15,12 @@ namespace orlo::platform {
 class BlobStore;
 class Clock;
 class FaultBook;
+class RequestBody;
 class RequestLog;
 class Signer;
+class StagedBlob;
 class Tables;
+class Transfers;
 
 /// A request, as its route sees it.
 struct Call
@@ -25,9 +29,17 @@ struct Call
     Target target;
     std::string body;
     std::string accessToken;
+    bool showsAuthorization = false; ///< There was an Authorization header, of whatever kind.
+    bool acceptsGzip = false;
+    std::string contentEncoding;
+    RequestBody* stream = nullptr;             ///< A body that is still to be read, in place of `body`.
+    std::shared_ptr<StagedBlob> upload;        ///< The streamed body, unpacked.
+    std::shared_ptr<const void> download;      ///< Counts as an open download as long as this lives.
     std::map<std::string, std::string> places; ///< The `{name}` parts of the route's path.
     User caller;                               ///< Empty on open routes.
 
+    /// The streamed body; refused with 400 if there is none.
+    StagedBlob& uploaded() const;
     const std::string& place(const std::string& name) const { return places.at(name); }
     /// A place that must be an integer; anything else is refused with 400.
     int numberPlace(const std::string& name) const;
@@ -46,6 +58,7 @@ struct World
     Clock& clock;
     FaultBook& faults;
     RequestLog& requests;
+    Transfers& transfers;
     std::string url;
 };
 
@@ -53,7 +66,7 @@ using Handler = std::function<Answer(const Call&, World&)>;
 
 enum class Access {
     Token,  ///< A registered user's access token is needed.
-    Signed, ///< The signature of the address is the right to use it.
+    Signed, ///< The signature of the address is the right to use it. An access token has no business there and is refused.
     Control ///< Open, neither counted nor struck by faults.
 };
 

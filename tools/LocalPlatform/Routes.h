@@ -10,6 +10,11 @@ void addDatasetRoutes(Router& router);
 void addVersionRoutes(Router& router);
 void addConfigRoutes(Router& router);
 void addFontRoutes(Router& router);
+void addFileRoutes(Router& router);
+void addBlobRoutes(Router& router);
+void addDrawingRoutes(Router& router);
+void addTranslationRoutes(Router& router);
 void addControlRoutes(Router& router);
+void addTransferControlRoutes(Router& router);
 
 } // namespace orlo::platform

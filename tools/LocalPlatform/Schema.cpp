@@ -130,7 +130,45 @@ CREATE TABLE font (
 CREATE INDEX fontByProject ON font (projectId);
 )sql";
 
-constexpr std::array kSteps = {kFirstSchema};
+// A stored file has a length once its bytes have come; before that it is a grant. The blob's id is its name in the blob folder.
+constexpr const char* kFiles = R"sql(
+CREATE TABLE storedFile (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    blobId TEXT NOT NULL UNIQUE,
+    remotePath TEXT NOT NULL UNIQUE,
+    fileName TEXT NOT NULL,
+    folderId TEXT REFERENCES folder (id) ON DELETE CASCADE,
+    fileId TEXT,
+    versionIndex INTEGER,
+    length INTEGER,
+    creationTime TEXT NOT NULL,
+    UNIQUE (fileId, versionIndex));
+CREATE INDEX storedFileByFolder ON storedFile (folderId);
+
+CREATE TABLE datasetFile (
+    datasetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
+    path TEXT NOT NULL,
+    blobId TEXT NOT NULL,
+    PRIMARY KEY (datasetId, path));
+
+CREATE TABLE drawingBinding (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    dwgId TEXT NOT NULL,
+    dwgVersion INTEGER NOT NULL,
+    datasetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
+    datasetVersion INTEGER NOT NULL,
+    UNIQUE (dwgId, dwgVersion, datasetId, datasetVersion));
+CREATE INDEX drawingBindingByDataset ON drawingBinding (datasetId);
+
+CREATE TABLE translation (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    dataSetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
+    versionId INTEGER NOT NULL,
+    toType TEXT NOT NULL);
+CREATE INDEX translationByDataset ON translation (dataSetId);
+)sql";
+
+constexpr std::array kSteps = {kFirstSchema, kFiles};
 
 } // namespace
 

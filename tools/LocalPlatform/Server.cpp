@@ -1,10 +1,17 @@
 #include "Server.h"
 
+#include "FileBody.h"
+#include "RequestBody.h"
+
+#include <charconv>
+#include <optional>
+
 namespace orlo::platform {
 
 namespace {
 
 constexpr const char* kEverything = "[\\s\\S]*";
+constexpr const char* kStreamedPaths = "/(blobs|_control/files|_control/datasets)[\\s\\S]*";
 constexpr const char* kGarbage = "{\"code\":10000,\"data\":[<<garbage";
 
 std::string bearerToken(const httplib::Request& request)
@@ -21,13 +28,39 @@ Call readCall(const httplib::Request& request)
     call.target = readTarget(request.target);
     call.body = request.body;
     call.accessToken = bearerToken(request);
+    call.showsAuthorization = request.has_header("Authorization");
+    call.acceptsGzip = request.get_header_value("Accept-Encoding").find("gzip") != std::string::npos;
+    call.contentEncoding = request.get_header_value("Content-Encoding");
     return call;
+}
+
+std::optional<std::uint64_t> contentLength(const httplib::Request& request)
+{
+    const std::string text = request.get_header_value("Content-Length");
+    std::uint64_t length = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
+    if (text.empty() || error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return length;
+}
+
+/// The library sends the head alone, the connection the file behind it.
+void sendFile(const Answer& answer, httplib::Response& response)
+{
+    response.set_header("Content-Type", answer.contentType);
+    response.set_header("Content-Length", std::to_string(answer.file->file().size()));
+    if (!answer.contentEncoding.empty())
+        response.set_header("Content-Encoding", answer.contentEncoding);
+    if (answer.file->file().size() > 0) // an empty one is done with when its head has been sent
+        Connection::current()->setBody([file = answer.file](Connection& connection) { file->send(connection); });
 }
 
 void send(const Answer& answer, httplib::Response& response)
 {
     response.status = answer.status;
-    if (answer.status != 204 && answer.status != 304)
+    if (answer.file)
+        sendFile(answer, response);
+    else if (!answer.body.empty() && answer.status != 204 && answer.status != 304)
         response.set_content(answer.body, answer.contentType);
 }
 
@@ -58,19 +91,36 @@ Answer guarded(const Work& work)
     }
 }
 
-bool needsAnswer(const Fault& fault)
+std::optional<Connection::Trap> trapOf(const Fault& fault)
 {
-    return fault.carryOut || fault.kind == FaultKind::ResetAfterBytes || fault.kind == FaultKind::CutBody;
+    using Deed = Connection::Deed;
+    switch (fault.kind) {
+    case FaultKind::ResetBeforeAnswer:
+        return Connection::Trap{Deed::Reset};
+    case FaultKind::ResetAfterBytes:
+        return Connection::Trap{Deed::Reset, fault.bytes};
+    case FaultKind::CutBody:
+        return Connection::Trap{Deed::Close, fault.bytes, true};
+    case FaultKind::Stall:
+        return Connection::Trap{Deed::Stall, fault.bytes, true, std::chrono::milliseconds(fault.delayMilliseconds)};
+    default:
+        return std::nullopt;
+    }
 }
 
-void arm(const Fault& fault, Connection& connection)
+bool needsAnswer(const Fault& fault)
 {
-    if (fault.kind == FaultKind::ResetBeforeAnswer)
-        connection.resetAfter(0);
-    else if (fault.kind == FaultKind::ResetAfterBytes)
-        connection.resetAfter(fault.bytes);
-    else if (fault.kind == FaultKind::CutBody)
-        connection.cutBodyAfter(fault.bytes);
+    const auto trap = trapOf(fault);
+    return fault.carryOut || (trap && fault.kind != FaultKind::ResetBeforeAnswer);
+}
+
+void arm(const Fault& fault, const Call& call)
+{
+    const auto trap = trapOf(fault);
+    if (trap && fault.ofRequest && call.stream)
+        call.stream->setTrap(*trap);
+    else if (trap)
+        Connection::current()->setTrap(*trap);
 }
 
 } // namespace
@@ -78,7 +128,10 @@ void arm(const Fault& fault, Connection& connection)
 Server::Server(Answering answering)
     : m_answering(std::move(answering)), m_listener([this](Connection& connection) { return serve(connection); })
 {
-    const Handler handler = [this](const httplib::Request& request, httplib::Response& response) { handle(request, response); };
+    Put(kStreamedPaths, [this](const httplib::Request& request, httplib::Response& response, const httplib::ContentReader&) {
+        handleUpload(request, response);
+    });
+    const Handler handler = [this](const httplib::Request& request, httplib::Response& response) { handle(request, response, nullptr); };
     Get(kEverything, handler).Post(kEverything, handler).Put(kEverything, handler);
     Patch(kEverything, handler).Delete(kEverything, handler).Options(kEverything, handler);
     set_keep_alive_max_count(1000000);
@@ -117,8 +170,10 @@ bool Server::serve(Connection& connection)
     Connection::current() = &connection;
     const bool served = process_request(connection, false, closes, [&](httplib::Request&) { understood = true; });
     Connection::current() = nullptr;
+    if (served)
+        connection.sendBody();
     connection.endAnswer();
-    return served && understood && !closes && !connection.broken();
+    return served && understood && !closes && !connection.broken() && !connection.leaving();
 }
 
 bool Server::wait(std::chrono::milliseconds delay)
@@ -132,7 +187,7 @@ Answer Server::answerStruck(Call& call, const Strike& strike)
     if (!strike.fault)
         return answer(call);
     const Fault& fault = *strike.fault;
-    arm(fault, *Connection::current());
+    arm(fault, call);
     const Answer real = needsAnswer(fault) ? answer(call) : Answer();
     if (fault.kind == FaultKind::Status)
         return statusAnswer(fault);
@@ -144,17 +199,36 @@ Answer Server::answer(Call& call) const
     return guarded([&] { return m_answering.answer(call); });
 }
 
-void Server::handle(const httplib::Request& request, httplib::Response& response)
+Answer Server::answerInTime(Call& call)
+{
+    const Strike strike = m_answering.strike(call);
+    if (wait(strike.delay))
+        return answerStruck(call, strike);
+    Connection::current()->setTrap({Connection::Deed::Reset});
+    return {};
+}
+
+void Server::handle(const httplib::Request& request, httplib::Response& response, RequestBody* stream)
 {
     const Answer answer = guarded([&] {
         Call call = readCall(request);
-        const Strike strike = m_answering.strike(call);
-        if (wait(strike.delay))
-            return answerStruck(call, strike);
-        Connection::current()->resetAfter(0);
-        return Answer();
+        call.stream = stream;
+        return answerInTime(call);
     });
     send(answer, response);
+}
+
+void Server::handleUpload(const httplib::Request& request, httplib::Response& response)
+{
+    Connection& connection = *Connection::current();
+    const std::optional<std::uint64_t> length = contentLength(request);
+    if (!length) {
+        connection.leave(); // where the body ends is not known
+        return send(refused(411, "an upload needs a Content-Length"), response);
+    }
+    RequestBody body(connection, *length);
+    handle(request, response, &body);
+    body.skipRest();
 }
 
 } // namespace orlo::platform

@@ -17,7 +17,7 @@ public:
     /// What the server needs to know of the platform.
     struct Answering
     {
-        std::function<Strike(const Call&)> strike; ///< Notes the call, and tells what befalls it.
+        std::function<Strike(Call&)> strike; ///< Notes the call, and tells what befalls it.
         std::function<Answer(Call&)> answer;
     };
 
@@ -30,9 +30,11 @@ public:
 
 private:
     bool serve(Connection& connection);
-    void handle(const httplib::Request& request, httplib::Response& response);
+    void handleUpload(const httplib::Request& request, httplib::Response& response);
+    void handle(const httplib::Request& request, httplib::Response& response, RequestBody* stream);
     Answer answerStruck(Call& call, const Strike& strike);
     Answer answer(Call& call) const;
+    Answer answerInTime(Call& call);
     /// False if the server stopped meanwhile.
     bool wait(std::chrono::milliseconds delay);
 

@@ -32,6 +32,9 @@ public:
     /// The first column of all rows.
     template <typename... Values>
     std::vector<std::string> texts(const std::string& sql, const Values&... values);
+    /// Calls `use(statement)` at each row.
+    template <typename Use, typename... Values>
+    void each(const Use& use, const std::string& sql, const Values&... values);
     /// The first column of the first row; a NULL counts as no value.
     template <typename... Values>
     std::optional<std::string> text(const std::string& sql, const Values&... values);
@@ -113,6 +116,14 @@ std::vector<std::string> Tables::texts(const std::string& sql, const Values&... 
     while (all.executeStep())
         result.push_back(all.getColumn(0).getString());
     return result;
+}
+
+template <typename Use, typename... Values>
+void Tables::each(const Use& use, const std::string& sql, const Values&... values)
+{
+    SQLite::Statement all = statement(sql, values...);
+    while (all.executeStep())
+        use(all);
 }
 
 template <typename... Values>

@@ -1,5 +1,6 @@
 #include "Clock.h"
 #include "Datasets.h"
+#include "Files.h"
 #include "Json.h"
 #include "Routes.h"
 #include "Store.h"
@@ -60,19 +61,29 @@ NewVersion nextVersion(const Call& call, World& world)
     return version;
 }
 
+/// The failure text of an upload is no file in the store, so an upload that failed ends here.
+std::int64_t sizeOfSource(const NewVersion& version, const std::optional<std::int64_t>& length)
+{
+    if (!length)
+        throw Refusal(400, "the store has no such file: " + version.sourceFile);
+    return *length;
+}
+
 Answer newVersion(const Call& call, World& world)
 {
-    return enveloped(createVersion(world, nextVersion(call, world)));
+    NewVersion version = nextVersion(call, world);
+    version.size = sizeOfSource(version, lengthOfPath(world, version.sourceFile));
+    return enveloped(createVersion(world, version));
 }
 
 Answer newDocVersion(const Call& call, World& world)
 {
     const json::Body body(call.body);
     NewVersion version = nextVersion(call, world);
-    version.size = body.integer("length");
-    body.integer("version"); // the file store's own count: checked, but versions are numbered here
-    if (version.size < 0)
-        throw Refusal(400, "\"length\" must not be negative");
+    // "version" is the file's own count; the dataset's versions are numbered here.
+    version.size = sizeOfSource(version, lengthOfFile(world, version.sourceFile, body.integer("version")));
+    if (body.integer("length") != version.size)
+        throw Refusal(400, "the file has another length than \"length\"");
     return enveloped(createVersion(world, version));
 }
 

@@ -13,7 +13,7 @@ using orlo::platform::Options;
 using orlo::platform::User;
 
 constexpr const char* kUsage = R"(usage: orlo-local-platform [--data DIR] [--port N] [--user ID:ACCOUNT:TOKEN]...
-  --data DIR   keep everything in DIR; without it, in memory only
+  --data DIR   keep everything in DIR; without it, nothing is kept
   --port N     port on 127.0.0.1; 0, which is the default, takes a free one
   --user ...   register a user; without any, "demo:demo-account:demo-token"
 )";

@@ -1,24 +1,183 @@
+#include "JobLog.h"
+#include "JobRunner.h"
+
 #include <OrloJobManager/IJobManager.h>
-#include <OrloLogging/ILogManager.h>
+
+#include <atomic>
+#include <mutex>
+#include <utility>
 
 namespace orlo {
+
+namespace {
+
+/// The object behind Get(): it stays, what runs comes and goes.
+class JobManager : public IJobManager
+{
+public:
+    bool start(const JobManagerOptions& options);
+    bool stop();
+    void abandon();
+    bool isStarted() const { return m_isStarted; }
+
+    IJobEntity::List GetJobs() const override;
+    std::shared_ptr<IJobEntity> GetJob(const std::string& jobId) const override;
+    void AddJob(std::shared_ptr<IJobEntity> job) override;
+    bool WaitForIdle(std::chrono::milliseconds atMost) override;
+    bool WaitForJob(const std::string& jobId, std::chrono::milliseconds atMost) override;
+    bool RunsJobs() const override;
+
+private:
+    std::shared_ptr<JobRunner> runner() const;
+    void setRunner(std::shared_ptr<JobRunner> runner);
+
+    /// Start and Stop, one at a time.
+    std::mutex m_lifeMutex;
+    mutable std::mutex m_runnerMutex;
+    std::shared_ptr<JobRunner> m_runner;
+    std::atomic<bool> m_isStarted{false};
+};
+
+// Never destroyed: hosts keep the pointer, and jobs may still run while the process ends.
+JobManager& manager()
+{
+    static JobManager& instance = *new JobManager;
+    return instance;
+}
+
+/// A process that ends without Stop takes the ground from under its jobs: at least no new one starts.
+struct EndOfProcess
+{
+    ~EndOfProcess() { manager().abandon(); }
+};
+
+bool JobManager::start(const JobManagerOptions& options)
+{
+    static const EndOfProcess endOfProcess;
+    const std::lock_guard<std::mutex> lock(m_lifeMutex);
+    if (m_isStarted) {
+        joblog::warning(L"the job manager runs already, with the options of its first start");
+        return true;
+    }
+    const auto starting = std::make_shared<JobRunner>(options);
+    if (!starting->open())
+        return false;
+    // Before the rows are read: whoever saves a job from here on has somebody to hand it to.
+    setRunner(starting);
+    m_isStarted = true;
+    if (starting->start())
+        return true;
+    m_isStarted = false;
+    setRunner(nullptr);
+    return false;
+}
+
+bool JobManager::stop()
+{
+    const std::lock_guard<std::mutex> lock(m_lifeMutex);
+    m_isStarted = false;
+    const std::shared_ptr<JobRunner> ending = runner();
+    const bool isEnded = !ending || ending->stop();
+    setRunner(nullptr);
+    return isEnded;
+}
+
+void JobManager::abandon()
+{
+    const std::unique_lock<std::mutex> lock(m_lifeMutex, std::try_to_lock);
+    const auto ending = runner();
+    if (lock.owns_lock() && ending)
+        ending->abandon();
+}
+
+std::shared_ptr<JobRunner> JobManager::runner() const
+{
+    const std::lock_guard<std::mutex> lock(m_runnerMutex);
+    return m_runner;
+}
+
+void JobManager::setRunner(std::shared_ptr<JobRunner> runner)
+{
+    const std::lock_guard<std::mutex> lock(m_runnerMutex);
+    m_runner.swap(runner);
+}
+
+IJobEntity::List JobManager::GetJobs() const
+{
+    const auto current = runner();
+    return current ? current->board().jobs() : IJobEntity::List();
+}
+
+std::shared_ptr<IJobEntity> JobManager::GetJob(const std::string& jobId) const
+{
+    const auto current = runner();
+    return current ? current->board().find(jobId) : nullptr;
+}
+
+void JobManager::AddJob(std::shared_ptr<IJobEntity> job)
+{
+    try {
+        const auto current = runner();
+        if (!job)
+            joblog::error(L"a job that is null can't be added");
+        else if (!current)
+            joblog::warning(L"the job manager is stopped; the row of job " + utils::toWstring(job->JobId()) + L" stays for its next start");
+        else
+            current->add(std::move(job));
+    }
+    catch (...) {
+        joblog::error(L"a job can't be added: " + joblog::currentException());
+    }
+}
+
+bool JobManager::WaitForIdle(std::chrono::milliseconds atMost)
+{
+    const auto current = runner();
+    return !current || current->board().waitForIdle(atMost);
+}
+
+bool JobManager::WaitForJob(const std::string& jobId, std::chrono::milliseconds atMost)
+{
+    const auto current = runner();
+    return !current || current->board().waitForJob(jobId, atMost);
+}
+
+bool JobManager::RunsJobs() const
+{
+    const auto current = runner();
+    return current && current->runsJobs();
+}
+
+} // namespace
 
 IJobManager::IJobManager() = default;
 IJobManager::~IJobManager() = default;
 
-bool IJobManager::Start(const JobManagerOptions&)
+bool IJobManager::Start(const JobManagerOptions& options)
 {
-    ILogManager::Get()->LogErrorAt(__FILE__, __LINE__, "orlo::IJobManager::Start", L"the job database is not available in this version",
-                                   L"[ORLOSDK]");
-    return false;
+    try {
+        return manager().start(options);
+    }
+    catch (...) {
+        joblog::error(L"the job manager can't be started: " + joblog::currentException());
+        return false;
+    }
 }
 
-void IJobManager::Stop()
-{}
+bool IJobManager::Stop()
+{
+    try {
+        return manager().stop();
+    }
+    catch (...) {
+        joblog::error(L"the job manager can't be stopped: " + joblog::currentException());
+        return false;
+    }
+}
 
 IJobManager* IJobManager::Get() noexcept
 {
-    return nullptr;
+    return manager().isStarted() ? &manager() : nullptr;
 }
 
 } // namespace orlo

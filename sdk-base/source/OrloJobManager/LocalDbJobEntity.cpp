@@ -1,39 +1,26 @@
-#include <OrloJobManager/GeneralInstanceCreator.h>
-#include <OrloJobManager/LocalDbJobEntity.h>
-#include <OrloLogging/ILogManager.h>
+#include "JobLog.h"
+#include "JobStore.h"
 
-#include <map>
-#include <mutex>
-#include <utility>
+#include <OrloJobManager/LocalDbJobEntity.h>
 
 namespace orlo {
 
 namespace {
 
-struct Registry
+JobRow rowOf(const LocalDbJobEntity& job)
 {
-    std::mutex mutex;
-    std::map<std::string, JobEntityFactory> factories;
-};
-
-// One registry for the process: it is kept where every library that has jobs finds it, and never destroyed, since
-// registrations come and go with the statics of those libraries.
-Registry& registry()
-{
-    static Registry* const instance = [] {
-        auto* const creator = GeneralInstanceCreator::Get();
-        if (void* const known = creator->getInstance(typeid(LocalDbJobEntity)))
-            return static_cast<Registry*>(known);
-        auto* const made = new Registry;
-        creator->setInstance(typeid(LocalDbJobEntity), made);
-        return made;
-    }();
-    return *instance;
+    JobRow row;
+    row.id = job.JobId();
+    row.typeKey = job.GetJobTypeKey();
+    row.json = job.ToJson();
+    row.createTime = job.GetCreateTime();
+    row.jobType = static_cast<int>(job.GetType());
+    return row;
 }
 
-bool refuse(const char* function, int line)
+bool failed(const char* function, int line)
 {
-    ILogManager::Get()->LogErrorAt(__FILE__, line, function, L"the job database is not available in this version", L"[ORLOSDK]");
+    ILogManager::Get()->LogErrorAt(__FILE__, line, function, joblog::currentException(), L"[ORLOSDK]");
     return false;
 }
 
@@ -44,39 +31,27 @@ LocalDbJobEntity::~LocalDbJobEntity() = default;
 
 bool LocalDbJobEntity::remove()
 {
-    return refuse("orlo::LocalDbJobEntity::remove", __LINE__);
+    try {
+        return (m_store ? m_store : JobStore::current())->erase(JobId());
+    }
+    catch (...) {
+        return failed("orlo::LocalDbJobEntity::remove", __LINE__);
+    }
 }
 
 bool LocalDbJobEntity::save()
 {
-    return refuse("orlo::LocalDbJobEntity::save", __LINE__);
-}
-
-JobEntityRegistration::JobEntityRegistration(std::string jobTypeKey, JobEntityFactory factory)
-    : m_jobTypeKey(std::move(jobTypeKey)), m_owner(false)
-{
-    const std::lock_guard<std::mutex> lock(registry().mutex);
-    m_owner = registry().factories.emplace(m_jobTypeKey, std::move(factory)).second;
-}
-
-JobEntityRegistration::~JobEntityRegistration()
-{
-    if (!m_owner)
-        return;
-    const std::lock_guard<std::mutex> lock(registry().mutex);
-    registry().factories.erase(m_jobTypeKey);
-}
-
-std::shared_ptr<LocalDbJobEntity> makeJobEntity(const std::string& jobTypeKey)
-{
-    JobEntityFactory factory;
-    {
-        const std::lock_guard<std::mutex> lock(registry().mutex);
-        const auto found = registry().factories.find(jobTypeKey);
-        if (found != registry().factories.end())
-            factory = found->second;
+    try {
+        const JobRow row = rowOf(*this);
+        const std::shared_ptr<JobStore> store = JobStore::current();
+        if (!store->put(row))
+            return false;
+        m_store = store;
+        return true;
     }
-    return factory ? factory() : nullptr;
+    catch (...) {
+        return failed("orlo::LocalDbJobEntity::save", __LINE__);
+    }
 }
 
 } // namespace orlo

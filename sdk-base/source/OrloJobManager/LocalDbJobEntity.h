@@ -6,16 +6,24 @@
 
 namespace orlo {
 
-/// A job with a row in the local job database. The database is not available in this version, so both operations log that
-/// and return false.
+class JobStore;
+
+/// A job with a row in the local job database: that of the job manager, or the one at the place of the moment while none runs, where the
+/// next Start finds it. A failure leaves a line in the log and what was saved before as it was.
 class ORLO_JOB_API LocalDbJobEntity : public JobEntity
 {
 public:
     LocalDbJobEntity();
     ~LocalDbJobEntity() override;
 
+    /// Returns: whether the job has no row any more.
     bool remove() override;
+    /// Writes the row, or replaces it.   Returns: whether it is on disk.
     bool save() override;
+
+private:
+    /// Where the row was written, so that it can be deleted there whatever the place of the moment is.
+    std::shared_ptr<JobStore> m_store;
 };
 
 /// Makes an empty job, which LoadFromJson fills.

@@ -17,9 +17,9 @@ namespace orlo {
 
 namespace {
 
-constexpr std::size_t fileSize = 5u * 1024 * 1024;
+constexpr std::size_t fileSize = std::size_t{5} * 1024 * 1024;
 constexpr std::size_t rotatedFiles = 2;
-constexpr std::size_t longestMessage = 16u * 1024;
+constexpr std::size_t longestMessage = std::size_t{16} * 1024;
 constexpr std::chrono::seconds pauseAfterFailure{30};
 constexpr const char* linePattern = "%Y-%m-%dT%H:%M:%S.%e%z %P/%t %l %v";
 

@@ -41,18 +41,15 @@ namespace http {
 
 namespace {
 
-/// Cuts addresses out of a failure's text: a signed one must reach no log and no caller.
-std::wstring withoutAddresses(std::wstring text)
+/// Ends a failure's text where an address begins: a signed one must reach no log and no caller, and one that is no valid
+/// URI may hold blanks, so that nobody can tell where it ends.
+std::wstring withoutAddress(const std::wstring& text)
 {
-    const std::wstring blanks = L" \t\r\n\"'";
-    for (size_t mark = text.find(L"://"); mark != std::wstring::npos; mark = text.find(L"://", mark)) {
-        const size_t before = text.find_last_of(blanks, mark);
-        const size_t begin = before == std::wstring::npos ? 0 : before + 1;
-        const size_t end = std::min(text.find_first_of(blanks, mark), text.size());
-        text.replace(begin, end - begin, L"<address>");
-        mark = begin;
-    }
-    return text;
+    const size_t mark = text.find(L"://");
+    if (mark == std::wstring::npos)
+        return text;
+    const size_t before = text.find_last_of(L" \t\r\n\"'", mark);
+    return text.substr(0, before == std::wstring::npos ? 0 : before + 1) + L"<address>";
 }
 
 struct Failure
@@ -63,12 +60,15 @@ struct Failure
 
 Failure failureOf(const std::exception_ptr& thrown)
 {
-    const auto textOf = [](const std::exception& e) { return withoutAddresses(utils::toWstringTrimTrailingCarriageReturn(e.what())); };
+    const auto textOf = [](const std::exception& e) { return withoutAddress(utils::toWstringTrimTrailingCarriageReturn(e.what())); };
     try {
         std::rethrow_exception(thrown);
     }
     catch (const web::http::http_exception& e) {
         return {textOf(e), e.error_code().value()};
+    }
+    catch (const web::uri_exception&) { // its text is the address
+        return {L"the address is not a valid URI", 5555};
     }
     catch (const std::exception& e) {
         return {textOf(e), 5555};

@@ -3,6 +3,7 @@
 #include <BaseCommon/Files.h>
 
 #include <openssl/bio.h>
+#include <openssl/err.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
@@ -27,23 +28,40 @@ Cache& cache()
     return instance;
 }
 
-size_t addCertificates(X509_STORE* store, const std::string& pem)
+/// Leaves the thread's error queue of OpenSSL as it was: what stays there would be taken for the failure of a later call.
+class OwnErrors
 {
+public:
+    OwnErrors() { ERR_set_mark(); }
+    ~OwnErrors() { ERR_pop_to_mark(); }
+    OwnErrors(const OwnErrors&) = delete;
+    OwnErrors& operator=(const OwnErrors&) = delete;
+};
+
+/// Whether there was a certificate, and every one could be read.
+bool addCertificates(X509_STORE* store, const std::string& pem)
+{
+    const OwnErrors errors;
     const std::unique_ptr<BIO, decltype(&BIO_free)> bio(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), &BIO_free);
-    size_t added = 0;
+    bool added = false;
     while (const auto certificate =
                std::unique_ptr<X509, decltype(&X509_free)>(PEM_read_bio_X509(bio.get(), nullptr, nullptr, nullptr), &X509_free)) {
-        added += X509_STORE_add_cert(store, certificate.get()) == 1 ? 1U : 0U;
+        if (X509_STORE_add_cert(store, certificate.get()) != 1)
+            return false;
+        added = true;
     }
-    return added;
+    // The reader ends a sound file by finding no further certificate.
+    return added && ERR_GET_REASON(ERR_peek_last_error()) == PEM_R_NO_START_LINE;
 }
 
 std::shared_ptr<X509_STORE> load(const std::wstring& caFile)
 {
     std::string pem;
     std::shared_ptr<X509_STORE> store(X509_STORE_new(), &X509_STORE_free);
-    if (!store || !utils::readWholeFile(caFile, pem) || addCertificates(store.get(), pem) == 0)
-        throw std::runtime_error("the configured certificate file holds no certificate that can be read");
+    if (!store || !utils::readWholeFile(caFile, pem))
+        throw std::runtime_error("the configured certificate file can't be read");
+    if (!addCertificates(store.get(), pem))
+        throw std::runtime_error("the configured certificate file holds no certificate, or a broken one");
     return store;
 }
 

@@ -1,5 +1,7 @@
 #include "DelayedTasks.h"
 
+#include "WorkPermit.h"
+
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -11,6 +13,17 @@ namespace orlo::http {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+void runOne(std::function<void()> task)
+{
+    try {
+        // A request that starts while the statics go would meet cpprestsdk's pool half destroyed.
+        if (const WorkPermit permit; permit)
+            task();
+    }
+    catch (...) { // the thread serves other tasks, and an exception out of it would end the process
+    }
+}
 
 class DelayedTasks
 {
@@ -45,10 +58,10 @@ private:
                 m_changed.wait_until(lock, when);
                 continue;
             }
-            const auto task = std::move(next->second);
+            auto task = std::move(next->second);
             m_tasks.erase(next);
             lock.unlock();
-            task();
+            runOne(std::move(task)); // what the task held goes before the lock is taken again: its end may add a task
             lock.lock();
         }
         m_threadRuns = false;

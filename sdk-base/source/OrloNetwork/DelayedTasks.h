@@ -6,7 +6,8 @@
 namespace orlo::http {
 
 /// Runs a task after a pause, without holding a thread of cpprestsdk's pool meanwhile. All pauses share one thread, which
-/// ends as soon as none is left. Tasks must be short. A task that is still waiting when the process exits is dropped.
+/// ends as soon as none is left. Tasks must be short; what they throw is dropped. A task that is still waiting when the
+/// process exits never runs. Throws std::system_error if the thread can't be made; the task is dropped then.
 void runAfter(std::chrono::seconds pause, std::function<void()> task);
 
 } // namespace orlo::http

@@ -19,7 +19,8 @@ namespace OrloPayloadProcessor {
 
 bool ParseORLOHTTPGenericResponse(const web::json::value& value, http::ORLOHTTPGenericResponse& response)
 {
-    if (!value.has_integer_field(key("code")))
+    // Only what fits: cut to 32 bits, another number could read as the mark of success.
+    if (!value.has_integer_field(key("code")) || !value.at(key("code")).as_number().is_int32())
         return false;
     response.code = value.at(key("code")).as_integer();
     if (value.has_field(key("data")))

@@ -4,6 +4,7 @@
 #include "NetworkCommon.h"
 #include "WebRequest.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloLogging/ILogManager.h>
 
 #include <utility>
@@ -38,8 +39,8 @@ void GenericRetryHandler::execute(const std::shared_ptr<OrloCallbackContext>& co
 void GenericRetryHandler::on_complete(int status, const std::wstring& body, const std::string& stepKey,
                                       std::shared_ptr<OrloCallbackContext> context, ErrorCode& error)
 {
-    if (deservesAnotherAttempt(status, error))
-        return repeat(context, error);
+    if (!m_awaitsAnswer.exchange(false) || repeats(status, context, error))
+        return;
     if (const auto handler = finish(context))
         handler->on_complete(status, body, stepKey, context, error);
 }
@@ -47,8 +48,8 @@ void GenericRetryHandler::on_complete(int status, const std::wstring& body, cons
 void GenericRetryHandler::on_complete(int status, const std::wstring& body, const std::vector<unsigned char>& data,
                                       const std::string& stepKey, std::shared_ptr<OrloCallbackContext> context, ErrorCode& error)
 {
-    if (deservesAnotherAttempt(status, error))
-        return repeat(context, error);
+    if (!m_awaitsAnswer.exchange(false) || repeats(status, context, error))
+        return;
     const auto handler = finish(context);
     if (const auto fileHandler = std::dynamic_pointer_cast<IOrloFileCallback>(handler))
         fileHandler->on_complete(status, body, data, stepKey, context, error);
@@ -64,12 +65,26 @@ bool GenericRetryHandler::deservesAnotherAttempt(int status, ErrorCode& error) c
     return failure && CalculateIsNeedRetryRequest(failure.get(), error);
 }
 
-void GenericRetryHandler::repeat(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
+bool GenericRetryHandler::repeats(int status, const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
+{
+    if (!deservesAnotherAttempt(status, error))
+        return false;
+    try {
+        repeatLater(context, error);
+        return true;
+    }
+    catch (const std::exception& e) { // no thread to wait on: the answer at hand is the last one then
+        ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::GenericRetryHandler - no retry: " + utils::toWstring(e.what()));
+        return false;
+    }
+}
+
+void GenericRetryHandler::repeatLater(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
 {
     ++m_repeated;
     ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::GenericRetryHandler - retry attempts[" + std::to_wstring(m_repeated) +
                                    L"]");
-    runAfter(std::chrono::seconds(m_pauseSeconds), [self = shared_from_this(), context, &error, request = m_request] {
+    runAfter(std::chrono::seconds(m_pauseSeconds), [self = shared_from_this(), context, &error] {
         context->propagate = self->m_originalPropagation;
         error.Clear();
         self->run(context, error);
@@ -81,12 +96,17 @@ void GenericRetryHandler::run(const std::shared_ptr<OrloCallbackContext>& contex
     // Both copies stay until the request returns, though its answer may come first and let go of them.
     const auto self = shared_from_this();
     const auto request = m_request;
+    m_awaitsAnswer = true;
     try {
         if (request)
             (*request)();
     }
     catch (...) {
-        HandleCasablancaException(pplx::task_from_exception<void>(std::current_exception()), context, "", error);
+        if (m_awaitsAnswer)
+            HandleCasablancaException(pplx::task_from_exception<void>(std::current_exception()), context, "", error);
+        else // the handler itself threw, through the request: it has had its answer
+            ILogManager::Get()->LogErrorAt(__FILE__, __LINE__, "orlo::http::GenericRetryHandler",
+                                           L"a request threw an exception after its answer", L"[ORLOSDK]");
     }
 }
 

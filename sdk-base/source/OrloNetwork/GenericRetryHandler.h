@@ -4,6 +4,7 @@
 #include <BaseCommon/ErrorCode.h>
 #include <OrloNetwork/Export.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -11,7 +12,7 @@ namespace orlo::http {
 
 /// Stands between an asynchronous request and the handler of its chain, and repeats the request by the same rule and
 /// limits as SendNormalRequestWithRetry. Between two attempts it holds no thread. When it is done, it puts the chain's own
-/// handler back into the context and passes the last answer on, exactly once.
+/// handler back into the context and passes the last answer on, exactly once. A second answer to the same attempt is dropped.
 ///
 /// Launch order: make it in a shared_ptr; setOriginalHandler and setOriginalPropogation from the context; put it into the
 /// context; setFunc; execute.
@@ -37,7 +38,9 @@ public:
 
 private:
     bool deservesAnotherAttempt(int status, ErrorCode& error) const;
-    void repeat(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error);
+    /// Plans another attempt if there is to be one.
+    bool repeats(int status, const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error);
+    void repeatLater(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error);
     void run(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error);
     std::shared_ptr<IOrloCallback> finish(const std::shared_ptr<OrloCallbackContext>& context);
 
@@ -47,6 +50,7 @@ private:
     unsigned m_limit;
     unsigned m_pauseSeconds;
     unsigned m_repeated = 0;
+    std::atomic<bool> m_awaitsAnswer{false};
 };
 
 /// The launch order in one call: runs `request` under a new retry handler.

@@ -16,7 +16,8 @@ namespace orlo::http {
 
 namespace {
 
-const std::wstring tag = L"[ORLOSDK]";
+// No std::wstring: a call on another thread may still log while the statics of the process go.
+constexpr const wchar_t* tag = L"[ORLOSDK]";
 
 std::atomic<unsigned> retryLimit{RetryPolicy{}.limit};
 std::atomic<unsigned> retryInterval{RetryPolicy{}.intervalSeconds};
@@ -53,7 +54,7 @@ void attemptOnce(ErrorCode& errorCode, const std::function<void()>& attempt)
 
 void reportExhausted()
 {
-    ILogManager::Get()->LogError(tag + L"OrloNetworkRetry::SendNormalRequestWithRetry - max retry attempts exceeded");
+    ILogManager::Get()->LogError(L"[ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - max retry attempts exceeded");
     OrloErrorInfoManager::getInstance().SetLastError(L"Connection is not available with response code: 500", ErrorType::connection);
 }
 
@@ -120,8 +121,8 @@ void attemptWithRetry(ErrorCode& errorCode, const std::function<void()>& attempt
         if (!failure || repeated == limit || !CalculateIsNeedRetryRequest(failure.get(), errorCode))
             break;
         ++repeated;
-        ILogManager::Get()->LogWarning(tag + L"OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[" + std::to_wstring(repeated) +
-                                       L"]");
+        ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[" +
+                                       std::to_wstring(repeated) + L"]");
         std::this_thread::sleep_for(pause);
     }
     // Intended: a call that succeeds with its very last attempt is reported as exhausted all the same.

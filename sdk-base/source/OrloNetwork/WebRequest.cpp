@@ -23,9 +23,6 @@ using web::http::http_response;
 using web::http::client::http_client;
 using web::http::client::http_client_config;
 
-/// No answer of the REST services comes near this; beyond it an answer is taken for an attack on the memory.
-constexpr size_t largestAnswer = size_t{512} << 20;
-
 void applyHostConfiguration(http_client_config& config)
 {
     config.set_max_redirects(0);
@@ -75,7 +72,8 @@ bool isJsonType(const utility::string_t& contentType)
     while (!type.empty() && type.back() == ' ')
         type.pop_back();
     std::transform(type.begin(), type.end(), type.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return std::any_of(std::begin(known), std::end(known), [&](const char* name) { return type == name; });
+    // A header without a value names no type either.
+    return type.empty() || std::any_of(std::begin(known), std::end(known), [&](const char* name) { return type == name; });
 }
 
 } // namespace
@@ -107,11 +105,11 @@ std::shared_ptr<http_request> CreateRequest(const web::http::method& method, con
     return request;
 }
 
-http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode)
+http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode, size_t limit)
 {
     const auto body = std::make_shared<std::string>();
-    request->set_response_stream(http::SinkBuffer::stream([body](const uint8_t* bytes, size_t count) {
-        if (count > largestAnswer - body->size())
+    request->set_response_stream(http::SinkBuffer::stream([body, limit](const uint8_t* bytes, size_t count) {
+        if (count > limit - body->size())
             throw std::length_error("the answer is too large");
         body->append(reinterpret_cast<const char*>(bytes), count);
     }));

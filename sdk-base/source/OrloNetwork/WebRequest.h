@@ -42,10 +42,15 @@ ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const we
 ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery,
                                                                         const std::wstring& body);
 
+/// No answer of the REST services comes near this; beyond it an answer is taken for an attack on the memory.
+constexpr size_t largestAnswer = size_t{512} << 20;
+
 /// Sends the request and waits for the whole answer, body included. A status of 400 or above leaves an HttpError with
-/// the answer's body as its message in `errorCode`; other statuses leave `errorCode` alone. Throws on a transport failure.
+/// the answer's body as its message in `errorCode`; other statuses leave `errorCode` alone. Throws on a transport failure,
+/// and std::length_error for a body of more than `limit` bytes, of which no more than those are read into memory.
 ORLO_NETWORK_API web::http::http_response ExecuteRequest(web::http::client::http_client& client,
-                                                         const std::shared_ptr<web::http::http_request>& request, ErrorCode& errorCode);
+                                                         const std::shared_ptr<web::http::http_request>& request, ErrorCode& errorCode,
+                                                         size_t limit = largestAnswer);
 
 /// The bytes of an answer that ExecuteRequest returned.
 ORLO_NETWORK_API std::string ReadBody(const web::http::http_response& response);

@@ -3,6 +3,7 @@
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/SinkBuffer.h>
 #include <OrloNetwork/WebRequest.h>
+#include <OrloNetwork/WorkPermit.h>
 
 #include <stdexcept>
 
@@ -31,12 +32,25 @@ void noteStatus(const Step& step, const http_response& response, const std::stri
         step.error->Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", utils::toWstring(body), status, 0));
 }
 
+namespace {
+
+void reportFailure(const pplx::task<void>& ended, const Step& step)
+{
+    if (const http::WorkPermit permit; permit)
+        return http::HandleCasablancaException(ended, step.context, step.key, *step.error);
+    try {
+        ended.get();
+    }
+    catch (...) { // looked at, which is all that a failure wants now
+    }
+}
+
+} // namespace
+
 void exchange(const Step& step, const std::function<Exchange()>& prepare, std::function<void(const uint8_t*, size_t)> sink,
               std::function<void(http_response)> answered)
 {
-    const auto fail = [step](const pplx::task<void>& ended) {
-        http::HandleCasablancaException(ended, step.context, step.key, *step.error);
-    };
+    const auto fail = [step](const pplx::task<void>& ended) { reportFailure(ended, step); };
     try {
         const Exchange made = prepare();
         made.request->set_response_stream(http::SinkBuffer::stream(std::move(sink)));
@@ -44,6 +58,9 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, std::f
         made.client->request(*made.request)
             .then([made](http_response response) { return response.content_ready(); })
             .then([made, step, answered = std::move(answered)](const http_response& response) {
+                const http::WorkPermit permit;
+                if (!permit)
+                    return;
                 OrloWebService::LogResponse(response, *made.request, *step.error);
                 answered(response);
             })

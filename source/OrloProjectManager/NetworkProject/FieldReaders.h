@@ -33,9 +33,9 @@ bool readField(const web::json::value& value, std::vector<int>& field);
 const web::json::value* memberOf(const web::json::value& value, const utility::string_t& key);
 const web::json::value* memberOf(const web::json::value& value, const wchar_t* key);
 
-/// Reads one member; false where it is missing or has another type.
-template <class Field>
-bool readMember(const web::json::value& value, const wchar_t* key, Field& field)
+/// Reads one member; false where it is missing or has another type. The key is one that memberOf takes.
+template <class Key, class Field>
+bool readMember(const web::json::value& value, const Key& key, Field& field)
 {
     const web::json::value* const member = memberOf(value, key);
     return member && readField(*member, field);

@@ -66,7 +66,7 @@ bool GetAuthorizationOfUserInProject(ErrorCode& error, web::json::value& out, co
     WebAnswer answer = call.place(L"{projectId}", projectId).place(L"{userId}", userId).send(error);
     if (!answer.ok())
         return false;
-    if (answer.marked())
+    if (answer.marked() && answer.findData())
         out = answer.data();
     return true;
 }

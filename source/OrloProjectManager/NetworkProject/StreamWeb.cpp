@@ -132,12 +132,26 @@ std::wstring widened(const std::vector<unsigned char>& bytes)
     return {bytes.begin(), bytes.end()};
 }
 
+/// The bytes of an answer, inflated where it says that it is compressed. The words of an error that can't be inflated stay as
+/// they came: its status counts for more.
+std::vector<unsigned char> contentOf(const http_response& response, std::vector<unsigned char>&& received)
+{
+    if (!saysCompressed(response) || received.empty())
+        return std::move(received);
+    try {
+        return http::inflateAll(received, utils::memoryLimit() / 8);
+    }
+    catch (const std::exception&) {
+        if (response.status_code() == web::http::status_codes::OK)
+            throw;
+        return std::move(received);
+    }
+}
+
 void fileArrived(const Step& step, const http_response& response, std::vector<unsigned char>&& received)
 {
-    int status = response.status_code();
-    std::vector<unsigned char> bytes = std::move(received);
-    if (saysCompressed(response) && !bytes.empty() && status == web::http::status_codes::OK)
-        bytes = http::inflateAll(bytes, utils::memoryLimit() / 8);
+    const int status = response.status_code();
+    const std::vector<unsigned char> bytes = contentOf(response, std::move(received));
     noteStatus(step, response, status < 400 ? std::string() : textOf(bytes));
     if (!isOk(step, response, L"OrloWebService::GetFileAsync - code:")) {
         step.complete(status, step.error->GetErrorMessage(), {});

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cpprest/http_compression.h>
+#include <cpprest/http_msg.h>
 
 #include <memory>
 #include <string>

@@ -78,7 +78,7 @@ const web::json::value& WebAnswer::body()
 
 const web::json::value& WebAnswer::data()
 {
-    static const web::json::value none;
+    static const web::json::value& none = *new web::json::value; // answers come in until the process is gone
     const web::json::value* const found = findData();
     return found ? *found : none;
 }

@@ -1,0 +1,66 @@
+// Runs each comparison many times, its two sides mixed at random so that a busy machine disturbs both alike, and prints
+// the ratio of their medians. Takes the usual options of google-benchmark.
+
+#include <benchmark/benchmark.h>
+#include <iomanip>
+#include <iostream>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Median
+{
+    double real = 0;
+    double cpu = 0;
+};
+
+/// Prints as the console reporter does and keeps the medians.
+class MedianKeeper : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& run : runs) {
+            if (run.aggregate_name == "median")
+                m_medians[run.run_name.function_name] = {run.GetAdjustedRealTime(), run.GetAdjustedCPUTime()};
+        }
+    }
+
+    void printRatio(const std::string& name, double aim) const
+    {
+        const auto library = m_medians.find(name + "/library");
+        const auto byHand = m_medians.find(name + "/cpprestsdk");
+        if (library == m_medians.end() || byHand == m_medians.end())
+            return;
+        std::cout << std::left << std::setw(16) << name << std::fixed << std::setprecision(3) << " library / cpprestsdk:  elapsed "
+                  << library->second.real / byHand->second.real << "  processor " << library->second.cpu / byHand->second.cpu << "  (aim "
+                  << aim << ")\n";
+    }
+
+private:
+    std::map<std::string, Median> m_medians;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::string repetitions = "--benchmark_repetitions=21";
+    std::string interleaved = "--benchmark_enable_random_interleaving=true";
+    std::string aggregates = "--benchmark_report_aggregates_only=true";
+    std::vector<char*> arguments{argv[0], repetitions.data(), interleaved.data(), aggregates.data()};
+    arguments.insert(arguments.end(), argv + 1, argv + argc);
+    int count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
+        return 1;
+    MedianKeeper reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    reporter.printRatio("GetDatasetInfo", 1.05);
+    reporter.printRatio("GetAllProjects", 1.25);
+    reporter.printRatio("GetSpaceConfig", 1.5);
+    return 0;
+}

@@ -1,0 +1,85 @@
+#include "Chapters.h"
+
+#include <OrloProjectManager/OrloProjectManager.h>
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/JsonWrapper.h>
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+
+namespace session {
+
+using namespace orlo;
+
+namespace {
+
+/// A drawing of some size, as bytes that no two files share.
+std::string drawing(size_t size, unsigned seed)
+{
+    std::string bytes(size, '\0');
+    for (char& byte : bytes) {
+        seed = seed * 1664525U + 1013904223U;
+        byte = static_cast<char>(seed >> 24);
+    }
+    return bytes;
+}
+
+std::wstring makeFile(Story& story, const std::wstring& folder, const std::wstring& name, const std::string& bytes)
+{
+    const std::wstring path = FilePath::Combine(folder, name);
+    story.expect(utils::createDirectoryRecursively(folder) && utils::writeFileAtomically(path, bytes), L"the file could not be made");
+    return path;
+}
+
+std::wstring remotePathOf(const std::wstring& message)
+{
+    JsonWrapper told;
+    std::string path;
+    return told.Parse(utils::toString(message)) && told.Get("remoteFilePath", path) ? utils::toWstring(path) : message;
+}
+
+bool isSame(const std::wstring& path, const std::string& bytes)
+{
+    std::string found;
+    return utils::readWholeFile(path, found) && found == bytes;
+}
+
+void upAndDown(Story& story, const std::wstring& folder)
+{
+    ErrorCode error;
+    const std::string bytes = drawing(3 << 20, 1);
+    const PromiseData up = IFileManager::UploadFile(makeFile(story, folder, L"总平面图.dwg", bytes), L"", L"", error).get();
+    story.expect(up.success, L"the upload failed: " + up.message, error);
+    story.say(L"Uploaded 3 MiB to " + remotePathOf(up.message));
+
+    const std::wstring copy = FilePath::Combine(folder, L"总平面图 (copy).dwg");
+    const PromiseData down = IFileManager::DownloadFile(remotePathOf(up.message), copy, error).get();
+    story.expect(down.success && isSame(down.message, bytes), L"the file did not come back: " + down.message, error);
+    story.say(L"Downloaded it again; the bytes are the same.");
+}
+
+} // namespace
+
+void files(Story& story, ICollaborationProject& project, const std::wstring& localFolder)
+{
+    story.chapter(L"Files");
+    upAndDown(story, localFolder);
+    publishFile(story, project, makeFile(story, localFolder, L"一层平面图.dwg", drawing(1 << 20, 2)));
+}
+
+void publishFile(Story& story, ICollaborationProject& project, const std::wstring& path)
+{
+    ErrorCode error;
+    const ICollaborationProject::Folders roots = project.GetFolders(error);
+    story.expect(!roots.empty() && !roots.front()->GetSubFolders().empty(), L"the project has no folder", error);
+    const ICollaborationFolder& folder = *roots.front()->GetSubFolders().front();
+    const auto file = ICollaborationFileManager::Get()->UploadFile(folder.GetId(), path, error);
+    story.expect(file != nullptr, L"the file could not become a dataset", error);
+    story.say(L"A file became a dataset in the folder " + folder.GetName() + L", version " + std::to_wstring(file->GetVersion()) + L", " +
+              std::to_wstring(file->GetLength()) + L" bytes");
+    story.expect(IWorkUnit::MarkPublish(file->GetId(), file->GetVersion(), L"第一版", error), L"the version could not be published", error);
+    story.say(L"Published that version.");
+    showFolders(story, project);
+}
+
+} // namespace session

@@ -1,0 +1,69 @@
+#include "Chapters.h"
+#include "Drawing.h"
+
+#include <OrloProjectManager/OrloProjectManager.h>
+
+namespace session {
+
+using namespace orlo;
+
+namespace {
+
+constexpr int folderOfTeam = 5;
+
+Drawing drawn(const ICollaborationFolder& folder)
+{
+    Drawing drawing{folder.GetName(), {}};
+    for (const auto& dataset : folder.GetDatasets())
+        drawing.below.push_back({L"[" + dataset->name + L"]", {}});
+    for (const ICollaborationFolder* child : folder.GetSubFolders())
+        drawing.below.push_back(drawn(*child));
+    return drawing;
+}
+
+CollaborationTeamInfo firstTeam(Story& story, ICollaborationProject& project)
+{
+    ErrorCode error;
+    std::vector<CollaborationTeamInfo> teams;
+    story.expect(project.GetTeams(teams, error) && !teams.empty(), L"the project has no team", error);
+    story.say(L"The project's team: " + teams.front().name);
+    return teams.front();
+}
+
+void createDataset(Story& story, ICollaborationProject& project, const std::wstring& teamId)
+{
+    ErrorCode error;
+    const DatasetInfo dataset = project.CreateDataset(L"结构模型", teamId, L"", L"demo", error);
+    story.expect(!dataset.id.empty(), L"the dataset could not be created", error);
+    story.say(L"Created the dataset " + dataset.name);
+
+    std::vector<DatasetInfo> drafts;
+    story.expect(project.GetDatasetBySatatus(DatasetStatus::Draft, drafts, error), L"the drafts could not be listed", error);
+    story.say(L"Datasets in draft: " + std::to_wstring(drafts.size()));
+}
+
+} // namespace
+
+void showFolders(Story& story, ICollaborationProject& project)
+{
+    ErrorCode error;
+    ICollaborationProject::Folders roots;
+    story.expect(project.GetProjectFolders(roots, error), L"the folders could not be read", error);
+    for (const auto& root : roots) {
+        for (const std::wstring& line : linesOf(drawn(*root)))
+            story.say(line);
+    }
+}
+
+void folders(Story& story, ICollaborationProject& project)
+{
+    story.chapter(L"Folders and datasets");
+    const CollaborationTeamInfo team = firstTeam(story, project);
+    createDataset(story, project, team.id);
+    showFolders(story, project);
+    const ICollaborationFolder* const teamFolder = project.GetTeamFolder(team.id, folderOfTeam);
+    story.expect(teamFolder != nullptr, L"the team has no folder");
+    story.say(L"The team works in the folder " + teamFolder->GetName());
+}
+
+} // namespace session

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace session {
+
+/// Tells the libraries where the services are and where local files may lie.
+void setHostUp(const std::wstring& platformUrl, const std::wstring& localFolder);
+
+/// Signs the demo user in, whom every local platform knows.
+void signIn();
+
+} // namespace session

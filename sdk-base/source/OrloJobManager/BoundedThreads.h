@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace orlo {
+
+/// Threads that are waited for as long as a bound allows and let go after it. What they use must be theirs to share: a thread that was
+/// let go may still run when this object is gone. Not for two threads at once.
+class BoundedThreads
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    BoundedThreads();
+    ~BoundedThreads();
+    BoundedThreads(const BoundedThreads&) = delete;
+    BoundedThreads& operator=(const BoundedThreads&) = delete;
+
+    /// Returns: false if the system has no thread to give.
+    bool start(std::function<void()> body);
+
+    /// Waits for all of them but the one that calls, which is let go at once.   Returns: whether all have ended.
+    bool endBy(Clock::time_point end);
+
+private:
+    struct Ends;
+    struct One
+    {
+        std::thread thread;
+        std::shared_ptr<bool> hasEnded;
+    };
+
+    std::shared_ptr<Ends> m_ends;
+    std::vector<One> m_threads;
+};
+
+} // namespace orlo

@@ -1,0 +1,206 @@
+#include "JobDatabase.h"
+
+#include "JobSchema.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/Platform.h>
+#include <BaseCommon/Text.h>
+
+#include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/Transaction.h>
+#include <sqlite3.h>
+
+#include <utility>
+
+namespace orlo {
+
+namespace {
+
+// Long enough for another process to flush what it writes.
+constexpr int busyMilliseconds = 5000;
+
+[[noreturn]] void rethrow(const SQLite::Exception& thrown)
+{
+    const int code = thrown.getErrorCode() & 0xff;
+    if (code == SQLITE_CORRUPT || code == SQLITE_NOTADB)
+        throw DamagedDatabase(thrown.what());
+    throw thrown;
+}
+
+/// Runs the work, and tells damage from other failures.
+template <typename Work>
+auto guarded(const Work& work)
+{
+    try {
+        return work();
+    }
+    catch (const SQLite::Exception& thrown) {
+        rethrow(thrown);
+    }
+}
+
+std::string systemName(const std::wstring& path)
+{
+    return utils::toSystemPath(path).u8string();
+}
+
+// The rows tell of the user's files, so they are the user's alone; the files beside the database take its mode on.
+const std::wstring& madePrivately(const std::wstring& path)
+{
+    if (!utils::fileExists(path) && utils::writeNewFile(path, {}, true))
+        utils::flushFolder(FilePath(path).GetDirectoryName());
+    return path;
+}
+
+SQLite::Database openExisting(const std::wstring& path, int flags)
+{
+    return guarded([&] { return SQLite::Database(systemName(path), flags, busyMilliseconds); });
+}
+
+JobRow readRow(SQLite::Statement& statement)
+{
+    JobRow row;
+    row.rank = statement.getColumn(0).getInt64();
+    row.id = statement.getColumn(1).getString();
+    row.typeKey = statement.getColumn(2).getString();
+    row.json = statement.getColumn(3).getString();
+    row.createTime = statement.getColumn(4).getInt64();
+    row.jobType = statement.getColumn(5).getInt();
+    return row;
+}
+
+/// Returns: whether all rows could be read.
+bool readUpToDamage(const std::wstring& path, const std::string& order, std::vector<JobRow>& rows)
+{
+    try {
+        SQLite::Database database(systemName(path), SQLite::OPEN_READONLY, busyMilliseconds);
+        SQLite::Statement statement(database,
+                                    "SELECT rank, id, typeKey, json, createTime, jobType FROM job NOT INDEXED ORDER BY rank " + order);
+        while (statement.executeStep())
+            rows.push_back(readRow(statement));
+        return true;
+    }
+    catch (const SQLite::Exception&) {
+        return false;
+    }
+}
+
+// A row that is there already keeps its rank, and so its place.
+void putRow(SQLite::Database& database, const JobRow& row)
+{
+    SQLite::Statement statement(
+        database, "INSERT INTO job (id, typeKey, json, createTime, jobType) VALUES (?, ?, ?, ?, ?) ON CONFLICT (id) DO UPDATE "
+                  "SET typeKey = excluded.typeKey, json = excluded.json, createTime = excluded.createTime, jobType = "
+                  "excluded.jobType");
+    statement.bind(1, row.id);
+    statement.bind(2, row.typeKey);
+    statement.bind(3, row.json);
+    statement.bind(4, row.createTime);
+    statement.bind(5, row.jobType);
+    statement.exec();
+}
+
+} // namespace
+
+JobDatabase::JobDatabase(const std::wstring& path)
+    : m_database(openExisting(madePrivately(path), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE))
+{
+    guarded([&] {
+        keepAsItIs();
+        check();
+        configure();
+        migrate(m_database, jobSchemaSteps());
+        if (!m_database.tableExists("job"))
+            throw DamagedDatabase("it has no jobs");
+        sqlite3_db_config(m_database.getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
+    });
+}
+
+// Before anything is written.
+void JobDatabase::check()
+{
+    // What may not be written is opened for reading without a word.
+    if (sqlite3_db_readonly(m_database.getHandle(), "main") == 1)
+        throw std::runtime_error("it is read-only");
+    const std::string verdict = m_database.execAndGet("PRAGMA integrity_check(1)").getString();
+    if (verdict != "ok")
+        throw DamagedDatabase(verdict);
+}
+
+void JobDatabase::configure()
+{
+    m_database.exec("PRAGMA journal_mode = WAL");
+    m_database.exec("PRAGMA synchronous = FULL");
+}
+
+void JobDatabase::keepAsItIs()
+{
+    sqlite3_db_config(m_database.getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+std::vector<JobRow> JobDatabase::salvage(const std::wstring& path)
+{
+    std::vector<JobRow> front;
+    std::vector<JobRow> back;
+    if (!readUpToDamage(path, "ASC", front))
+        readUpToDamage(path, "DESC", back);
+    front.insert(front.end(), back.rbegin(), back.rend());
+    return front;
+}
+
+void JobDatabase::put(const std::vector<JobRow>& rows)
+{
+    guarded([&] {
+        SQLite::Transaction transaction(m_database, SQLite::TransactionBehavior::IMMEDIATE);
+        for (const JobRow& row : rows)
+            putRow(m_database, row);
+        transaction.commit();
+    });
+}
+
+void JobDatabase::erase(const std::string& id)
+{
+    guarded([&] {
+        SQLite::Statement statement(m_database, "DELETE FROM job WHERE id = ?");
+        statement.bind(1, id);
+        statement.exec();
+    });
+}
+
+bool JobDatabase::contains(const std::string& id)
+{
+    return guarded([&] {
+        SQLite::Statement statement(m_database, "SELECT 1 FROM job WHERE id = ?");
+        statement.bind(1, id);
+        return statement.executeStep();
+    });
+}
+
+std::vector<JobRow> JobDatabase::rowsAfter(std::int64_t rank, std::size_t atMost)
+{
+    return guarded([&] {
+        std::vector<JobRow> rows;
+        SQLite::Statement statement(m_database,
+                                    "SELECT rank, id, typeKey, json, createTime, jobType FROM job WHERE rank > ? ORDER BY rank LIMIT ?");
+        statement.bind(1, rank);
+        statement.bind(2, static_cast<std::int64_t>(atMost));
+        while (statement.executeStep())
+            rows.push_back(readRow(statement));
+        return rows;
+    });
+}
+
+int JobDatabase::dataVersion()
+{
+    return guarded([&] { return m_database.execAndGet("PRAGMA data_version").getInt(); });
+}
+
+bool JobDatabase::isInPlace() const
+{
+    int hasMoved = 0;
+    // A system that can't tell says so with an error, and hasn't moved it then.
+    const int result = sqlite3_file_control(m_database.getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
+    return result != SQLITE_OK || hasMoved == 0;
+}
+
+} // namespace orlo

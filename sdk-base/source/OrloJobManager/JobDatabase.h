@@ -1,0 +1,62 @@
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace orlo {
+
+struct JobRow
+{
+    std::string id;
+    std::string typeKey;
+    std::string json;
+    std::int64_t createTime = 0;
+    int jobType = 0;
+    /// Given by the database: rises from row to row.
+    std::int64_t rank = 0;
+};
+
+/// The file isn't a job database, or not a sound one.
+class DamagedDatabase : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// One connection to a job database. Everything throws on failure, DamagedDatabase or another std::exception. Not for two threads at once.
+class JobDatabase
+{
+public:
+    /// Makes the file if there is none, checks it, and brings it to the newest schema.
+    explicit JobDatabase(const std::wstring& path);
+
+    /// The rows in front of and behind the damage of a database, which stays as it is.
+    static std::vector<JobRow> salvage(const std::wstring& path);
+
+    /// Writes rows, or replaces them; all or none.
+    void put(const std::vector<JobRow>& rows);
+    void erase(const std::string& id);
+    bool contains(const std::string& id);
+    /// The next rows above the rank, in the order of their ranks.
+    std::vector<JobRow> rowsAfter(std::int64_t rank, std::size_t atMost);
+
+    /// Changes when another connection has written.
+    int dataVersion();
+    /// Whether the file that was opened is still the one at its path.
+    bool isInPlace() const;
+    /// A damaged database is to be set aside as it is: nothing more goes from the log into it when the connection ends.
+    void keepAsItIs();
+
+private:
+    void check();
+    void configure();
+
+    SQLite::Database m_database;
+};
+
+} // namespace orlo

@@ -1,0 +1,277 @@
+#include "JobRunner.h"
+
+#include "JobLog.h"
+
+#include <OrloJobManager/LocalDbJobEntity.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace orlo {
+
+namespace {
+
+constexpr std::chrono::milliseconds watchInterval{1000};
+constexpr unsigned mostWorkers = 64;
+
+// Threads that have nothing to do need a moment to end, even where nobody wants to wait.
+constexpr std::chrono::milliseconds leastPatience{200};
+
+void setStatus(const Job& job, JobState state)
+{
+    try {
+        job.entity->SetStatus(state);
+    }
+    catch (...) {
+        joblog::error(L"job " + utils::toWstring(job.id) + L" doesn't take its state: " + joblog::currentException());
+    }
+}
+
+} // namespace
+
+JobRunner::JobRunner(const JobManagerOptions& options)
+    : m_options(options), m_store(JobStore::at(JobStore::currentPath())), m_events(options.onEvent)
+{}
+
+bool JobRunner::start()
+{
+    m_store->expectHandovers(true);
+    JobStore::setManagers(m_store);
+    if (!claim())
+        joblog::info(L"another process runs the jobs of " + m_store->path());
+    if (startThreads())
+        return true;
+    stop();
+    return false;
+}
+
+bool JobRunner::startThreads()
+{
+    const unsigned workers = std::clamp(m_options.workers, 1U, mostWorkers);
+    bool isStarted = true;
+    for (unsigned i = 0; i < workers && isStarted; ++i)
+        isStarted = m_workers.start([self = shared_from_this()] { self->work(); });
+    isStarted = isStarted && m_watcher.start([self = shared_from_this()] { self->watch(); });
+    if (isStarted && m_events.isUsed())
+        isStarted = m_teller.start([self = shared_from_this()] { self->m_events.run(); });
+    if (!isStarted)
+        joblog::error(L"the system has no threads for the jobs");
+    return isStarted;
+}
+
+bool JobRunner::stop()
+{
+    using Clock = BoundedThreads::Clock;
+    const auto end = Clock::now() + std::clamp<std::chrono::milliseconds>(m_options.stopWithin, leastPatience, std::chrono::hours(24));
+    m_board.stop();
+    const bool haveJobsEnded = m_workers.endBy(end);
+    if (!haveJobsEnded)
+        joblog::warning(L"jobs outlast the stop of the job manager; their rows stay until they end");
+    m_events.close();
+    const bool isAllTold = m_teller.endBy(std::max(end, Clock::now() + leastPatience));
+    if (!isAllTold)
+        joblog::warning(L"the callback for job events outlasts the stop of the job manager");
+    JobStore::setManagers(nullptr);
+    m_store->expectHandovers(false);
+    // Otherwise the last of the threads gives the jobs free.
+    if (m_watcher.endBy(std::max(end, Clock::now() + leastPatience)) && haveJobsEnded) {
+        m_store->close();
+        m_claim.release();
+    }
+    return haveJobsEnded && isAllTold;
+}
+
+void JobRunner::abandon()
+{
+    m_board.stop();
+    m_events.silence();
+    const auto end = BoundedThreads::Clock::now() + leastPatience;
+    m_workers.endBy(end);
+    m_watcher.endBy(end);
+    m_teller.endBy(end);
+}
+
+void JobRunner::add(std::shared_ptr<IJobEntity> entity)
+{
+    const Job job{entity->JobId(), entity->GetCreateTime(), entity};
+    const std::lock_guard<std::mutex> lock(m_addMutex);
+    m_store->handedOver(job.id);
+    if (m_board.isStopped())
+        joblog::warning(L"the job manager is stopped; the row of job " + utils::toWstring(job.id) + L" stays for its next start");
+    else if (!m_runsJobs)
+        joblog::info(L"another process runs the jobs; it finds the row of job " + utils::toWstring(job.id));
+    else if (m_board.knows(job.id))
+        joblog::warning(L"job " + utils::toWstring(job.id) + L" was added before");
+    else
+        addKnown(job);
+}
+
+// The event first: the job may run as soon as the board has it.
+void JobRunner::addKnown(const Job& job)
+{
+    setStatus(job, JobState::Waiting);
+    tell(JobEvent::Kind::Added, job, JobState::Waiting);
+    m_board.add(job);
+}
+
+void JobRunner::tell(JobEvent::Kind kind, const Job& job, JobState state, const ErrorCode& error)
+{
+    m_events.post({kind, job.id, state, error, job.entity});
+}
+
+// --- running
+
+void JobRunner::work()
+{
+    for (Job job = m_board.next(); job.entity; job = m_board.next())
+        run(job);
+}
+
+void JobRunner::run(const Job& job)
+{
+    setStatus(job, JobState::Running);
+    tell(JobEvent::Kind::Started, job, JobState::Running);
+    const Outcome outcome = outcomeOf(job);
+    setStatus(job, outcome.state);
+    dropRow(job);
+    tell(JobEvent::Kind::Ended, job, outcome.state, outcome.error);
+    m_board.ended(job);
+}
+
+JobRunner::Outcome JobRunner::outcomeOf(const Job& job)
+{
+    try {
+        return {job.entity->Run() ? JobState::Succeeded : JobState::Failed, {}};
+    }
+    catch (...) {
+        const std::wstring words = joblog::currentException();
+        joblog::error(L"job " + utils::toWstring(job.id) + L" ended with an exception: " + words);
+        return {JobState::Failed, ErrorCode(error::exception, std::make_shared<GenericError>(words))};
+    }
+}
+
+// Jobs drop their own rows; this is for those that couldn't.
+void JobRunner::dropRow(const Job& job)
+{
+    if (m_store->erase(job.id))
+        return;
+    const std::lock_guard<std::mutex> lock(m_addMutex);
+    m_spent.insert(job.id);
+}
+
+// --- watching
+
+void JobRunner::watch()
+{
+    while (!m_board.waitForStop(watchInterval)) {
+        if (m_runsJobs)
+            lookForRows();
+        else if (claim())
+            joblog::info(L"this process runs the jobs from now on: " + m_store->path());
+    }
+}
+
+// The jobs are this process's before their rows are read: what is added meanwhile goes straight to the board.
+bool JobRunner::claim()
+{
+    if (!m_claim.acquire(m_store->path() + L".running", 0))
+        return false;
+    {
+        const std::lock_guard<std::mutex> lock(m_addMutex);
+        m_runsJobs = true;
+    }
+    lookForRows();
+    return true;
+}
+
+void JobRunner::lookForRows()
+{
+    dropSpentRows();
+    const std::optional<JobStore::Mark> mark = m_store->mark();
+    if (!mark || mark == m_mark)
+        return;
+    if (!m_mark || m_mark->opened != mark->opened)
+        m_lastRank = 0;
+    m_mark = mark;
+    loadRows();
+}
+
+void JobRunner::loadRows()
+{
+    constexpr std::size_t atOnce = 256;
+    while (!m_board.isStopped()) {
+        const std::optional<std::vector<JobRow>> rows = m_store->rowsAfter(m_lastRank, atOnce);
+        if (!rows)
+            m_mark.reset(); // once more, the next time
+        if (!rows || rows->empty())
+            return;
+        for (const JobRow& row : *rows)
+            load(row);
+        m_lastRank = rows->back().rank;
+    }
+}
+
+// The row may be that of a job which ended since it was read, so it is looked for again once the job is known to be none of ours. A job
+// leaves the board after its row is gone.
+void JobRunner::load(const JobRow& row)
+{
+    if (m_kept.count(row.id) != 0 || isExpectedElsewhere(row.id) || !m_store->contains(row.id).value_or(false))
+        return;
+    const std::shared_ptr<IJobEntity> entity = entityOf(row);
+    if (!entity)
+        return;
+    const std::lock_guard<std::mutex> lock(m_addMutex);
+    if (!m_board.knows(row.id) && !m_board.isStopped())
+        addKnown({row.id, row.createTime, entity});
+}
+
+bool JobRunner::isExpectedElsewhere(const std::string& id)
+{
+    const std::lock_guard<std::mutex> lock(m_addMutex);
+    return m_board.knows(id) || m_spent.count(id) != 0 || m_store->awaitsHandover(id);
+}
+
+std::shared_ptr<IJobEntity> JobRunner::entityOf(const JobRow& row)
+{
+    try {
+        const std::shared_ptr<LocalDbJobEntity> entity = makeJobEntity(row.typeKey);
+        if (!entity) {
+            keepRow(row, L"its type is unknown");
+            return nullptr;
+        }
+        if (!entity->LoadFromJson(row.json) || entity->JobId() != row.id) {
+            keepRow(row, L"it can't be read");
+            return nullptr;
+        }
+        entity->SetType(static_cast<JobType>(row.jobType));
+        return entity;
+    }
+    catch (...) {
+        keepRow(row, joblog::currentException().c_str());
+        return nullptr;
+    }
+}
+
+void JobRunner::keepRow(const JobRow& row, const wchar_t* reason)
+{
+    m_kept.insert(row.id);
+    joblog::error(L"the row of job " + utils::toWstring(row.id) + L" is left alone: " + reason);
+}
+
+void JobRunner::dropSpentRows()
+{
+    std::vector<std::string> spent;
+    {
+        const std::lock_guard<std::mutex> lock(m_addMutex);
+        spent.assign(m_spent.begin(), m_spent.end());
+    }
+    for (const std::string& id : spent) {
+        if (!m_store->erase(id))
+            return;
+        const std::lock_guard<std::mutex> lock(m_addMutex);
+        m_spent.erase(id);
+    }
+}
+
+} // namespace orlo

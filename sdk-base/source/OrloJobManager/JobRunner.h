@@ -1,0 +1,85 @@
+#pragma once
+
+#include "BoundedThreads.h"
+#include "EventDispatcher.h"
+#include "JobBoard.h"
+#include "JobStore.h"
+
+#include <BaseCommon/Platform.h>
+#include <OrloJobManager/IJobManager.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_set>
+
+namespace orlo {
+
+/// One run of the job manager, from Start to Stop. Its threads share it: what they still use after Stop goes with the last of them, and
+/// with it the lock that says whose jobs these are.
+class JobRunner : public std::enable_shared_from_this<JobRunner>
+{
+public:
+    explicit JobRunner(const JobManagerOptions& options);
+
+    bool open() { return m_store->open(); }
+    bool start();
+    bool stop();
+    /// For the end of the process: from now on no job starts and nobody is told anything. Only threads without a job are waited for.
+    void abandon();
+
+    void add(std::shared_ptr<IJobEntity> entity);
+    bool runsJobs() const { return m_runsJobs; }
+    JobBoard& board() { return m_board; }
+
+private:
+    struct Outcome
+    {
+        JobState state = JobState::Failed;
+        ErrorCode error;
+    };
+
+    bool startThreads();
+
+    void work();
+    void run(const Job& job);
+    static Outcome outcomeOf(const Job& job);
+    void dropRow(const Job& job);
+    void tell(JobEvent::Kind kind, const Job& job, JobState state, const ErrorCode& error = {});
+
+    void watch();
+    bool claim();
+    void lookForRows();
+    void loadRows();
+    void load(const JobRow& row);
+    bool isExpectedElsewhere(const std::string& id);
+    std::shared_ptr<IJobEntity> entityOf(const JobRow& row);
+    void keepRow(const JobRow& row, const wchar_t* reason);
+    void addKnown(const Job& job);
+    void dropSpentRows();
+
+    const JobManagerOptions m_options;
+    const std::shared_ptr<JobStore> m_store;
+    JobBoard m_board;
+    EventDispatcher m_events;
+    BoundedThreads m_workers;
+    BoundedThreads m_watcher;
+    BoundedThreads m_teller;
+
+    utils::FileLock m_claim;
+    std::atomic<bool> m_runsJobs{false};
+    /// Whoever adds a job holds this, so that no row becomes a job twice.
+    std::mutex m_addMutex;
+    /// Jobs that ended but whose row couldn't be dropped yet: they must not run again.
+    std::unordered_set<std::string> m_spent;
+
+    // Of the watching thread, and of Start before it.
+    std::optional<JobStore::Mark> m_mark;
+    std::int64_t m_lastRank = 0;
+    std::unordered_set<std::string> m_kept;
+};
+
+} // namespace orlo

@@ -1,0 +1,111 @@
+// Leaves main while something is still under way.
+//   request   a request waits for its answer on a detached thread
+//   waiting   a failed request waits for its next attempt
+//   repeating failed requests are repeated without a pause
+
+#include "support/Sockets.h"
+
+#include <BaseCommon/NativeText.h>
+#include <BaseCommon/Text.h>
+#include <OrloLogging/ILogManager.h>
+#include <OrloNetwork/GenericRetryHandler.h>
+#include <OrloNetwork/NetworkCommon.h>
+#include <OrloNetwork/WebRequest.h>
+
+#include <atomic>
+#include <chrono>
+#include <limits>
+#include <string>
+#include <thread>
+
+namespace {
+
+using namespace orlo;
+
+std::atomic<int> arrived{0};
+
+/// What a library would write to is not looked at here.
+class NoLog : public ILogManager
+{
+public:
+    void LogInfo(const std::wstring&) override {}
+    void LogWarning(const std::wstring&) override { ++warnings; }
+    void LogError(const std::wstring&) override {}
+    void LogErrorAt(const std::string&, int, const std::string&, const std::wstring&, const std::wstring&) override {}
+
+    std::atomic<int> warnings{0};
+};
+
+bool waitUntilReached(const std::atomic<int>& count, int wanted)
+{
+    for (int i = 0; i < 10000 && count < wanted; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return count >= wanted;
+}
+
+/// Takes requests and never answers; lives as long as the process.
+std::wstring stallingServer()
+{
+    static auto& server = *new test::SocketServer([](test::Connection& connection) {
+        std::string request;
+        connection.read(request);
+        ++arrived;
+        while (connection.read(request)) {
+        }
+    });
+    return utils::toWstring(server.url());
+}
+
+int leaveDuringARequest()
+{
+    const std::wstring url = stallingServer();
+    std::thread([url] {
+        ErrorCode error;
+        const auto client = OrloWebService::CreateClient(url);
+        const web::uri path(utils::toNative(std::string("/thing")));
+        try {
+            OrloWebService::ExecuteRequest(*client, OrloWebService::CreateRequest(web::http::methods::GET, path, web::json::value::null()),
+                                           error);
+        }
+        catch (const std::exception&) { // whatever the end of the process makes of it
+        }
+    }).detach();
+    return waitUntilReached(arrived, 1) ? 0 : 3;
+}
+
+void launchFailingChain()
+{
+    const auto context = std::make_shared<OrloCallbackContext>(nullptr, true);
+    const auto error = std::make_shared<ErrorCode>();
+    http::launchWithRetry(context, *error, [context, error] {
+        pplx::create_task([context, error] {
+            error->Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", L"", 503, 0));
+            const auto handler = context->handler;
+            handler->on_complete(503, L"", "Step", context, *error);
+        });
+    });
+}
+
+int leaveDuringRetries(unsigned pauseSeconds, int repeats)
+{
+    const auto log = std::make_shared<NoLog>();
+    ILogManager::Install(log);
+    http::setRetryPolicy({std::numeric_limits<unsigned>::max(), pauseSeconds});
+    for (int i = 0; i < 8; ++i)
+        launchFailingChain();
+    return waitUntilReached(log->warnings, repeats) ? 0 : 3;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::string what = argc == 2 ? argv[1] : "";
+    if (what == "request")
+        return leaveDuringARequest();
+    if (what == "waiting")
+        return leaveDuringRetries(3600, 8);
+    if (what == "repeating")
+        return leaveDuringRetries(0, 200);
+    return 2;
+}

@@ -1,0 +1,121 @@
+// Runs transfers in a process of its own. Arguments: what, the platform's address, the local root.
+//   batch      brings the blocks "blocks/a" of "ds-1" and prints the outcome
+//   full       the same, with no room for files of more than 64 KiB
+//   download   brings "r/f" to the file "Local-f" of the local root and prints the outcome
+//   full-download  the same, with no room for files of more than 64 KiB
+//   leave      leaves main while a transfer of each kind has just been started
+//   leave-busy leaves main while a transfer of each kind waits for its answer, which the platform never gives
+//   unready    leaves main while the futures are gone already
+
+#include <BaseCommon/ErrorCode.h>
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+#include <OrloCommon/OrloConfigManager.h>
+#include <OrloLogging/ILogManager.h>
+#include <OrloNetwork/NetworkCommon.h>
+#include <OrloProjectManager/Transfer/HttpClient.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <iostream>
+#include <sys/resource.h>
+#include <thread>
+
+namespace {
+
+using namespace orlo;
+
+/// Counts the requests.
+class Counter : public ILogManager
+{
+public:
+    void LogInfo(const std::wstring& message) override { m_requests += message.find(L"LogRequest") != std::wstring::npos ? 1 : 0; }
+    void LogWarning(const std::wstring&) override {}
+    void LogError(const std::wstring&) override {}
+    void LogErrorAt(const std::string&, int, const std::string&, const std::wstring&, const std::wstring&) override {}
+
+    bool waitForRequests(int count) const
+    {
+        for (int i = 0; i < 10000 && m_requests < count; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return m_requests >= count;
+    }
+
+private:
+    std::atomic<int> m_requests{0};
+};
+
+int print(std::future<PromiseData> future)
+{
+    const PromiseData outcome = future.get();
+    std::cout << (outcome.success ? "success " : "failure ") << outcome.status << ' ' << utils::toString(outcome.message).substr(0, 100)
+              << std::endl;
+    return 0;
+}
+
+/// The ErrorCode is never destroyed: whoever leaves main in the middle of a transfer keeps it alive like this.
+ErrorCode& lasting()
+{
+    return *new ErrorCode;
+}
+
+std::future<PromiseData> startBatch()
+{
+    return HttpClient::downloadBatchFiles(lasting(), "blocks", "ds-1", {"blocks/a"}, nullptr);
+}
+
+std::vector<std::future<PromiseData>> startAll(const std::wstring& ownFile)
+{
+    std::vector<std::future<PromiseData>> futures;
+    futures.push_back(HttpClient::uploadFile(lasting(), ownFile, L"n", L"p", true));
+    futures.push_back(HttpClient::downloadFile(L"r/f", L"", lasting()));
+    futures.push_back(startBatch());
+    return futures;
+}
+
+void leaveNoRoom()
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{64 * 1024, 64 * 1024};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+int leaveBusy(const std::wstring& ownFile, const Counter& counter)
+{
+    static auto& futures = *new std::vector<std::future<PromiseData>>(startAll(ownFile));
+    return counter.waitForRequests(static_cast<int>(futures.size())) ? 0 : 3;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 4)
+        return 2;
+    const std::string what = argv[1];
+    OrloConfig config;
+    config.serviceUrls[L"project"] = utils::toWstring(std::string(argv[2]));
+    OrloConfigManager::Configure(config);
+    utils::setLocalRoot(utils::toWstring(std::string(argv[3])));
+    http::setRetryPolicy({0, 0});
+    const auto counter = std::make_shared<Counter>();
+    ILogManager::Install(counter);
+    const std::wstring ownFile = utils::toWstring(std::string(argv[0]));
+
+    if (what == "full" || what == "full-download")
+        leaveNoRoom();
+    if (what == "batch" || what == "full")
+        return print(startBatch());
+    if (what == "download" || what == "full-download")
+        return print(HttpClient::downloadFile(L"r/f", utils::toWstring(argv[3] + std::string("/Local-f")), lasting()));
+    if (what == "leave") {
+        static auto& futures = *new std::vector<std::future<PromiseData>>(startAll(ownFile));
+        return futures.size() == 3 ? 0 : 3;
+    }
+    if (what == "unready")
+        return startAll(ownFile).size() == 3 ? 0 : 3;
+    if (what == "leave-busy")
+        return leaveBusy(ownFile, *counter);
+    return 2;
+}

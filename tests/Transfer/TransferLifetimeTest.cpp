@@ -1,0 +1,165 @@
+#include "ChildProcess.h"
+#include "TransferTestSupport.h"
+
+namespace orlo::test {
+namespace {
+
+constexpr const char* program = TRANSFER_CHILD_PROGRAM;
+
+/// A store that sends the beginning of a large file, and no more.
+class HalfFile
+{
+public:
+    std::string url() const { return m_server.url(); }
+    bool waitForReader() const
+    {
+        return waitUntil([this] { return m_sent.load(); });
+    }
+
+private:
+    std::atomic<bool> m_sent{false};
+    SocketServer m_server{[this](Connection& connection) {
+        Request request;
+        if (readRequest(connection, request) != ReadResult::request)
+            return;
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 100000000\r\n\r\n" + std::string(8 << 20, 'x'));
+        m_sent = true;
+        std::string rest;
+        while (connection.read(rest)) {
+        }
+    }};
+};
+
+class TransferLifetimeTest : public testing::Test
+{
+protected:
+    int exitOf(const std::string& what)
+    {
+        ChildProcess child(program, {what, platform.url(), root.path().string()});
+        const int code = child.wait();
+        output = child.output();
+        return code;
+    }
+
+    void batchGives(const std::string& address)
+    {
+        platform.always("POST", "/datasets/ds-1/blockFiles/readSAS").reply(200, batchReply({{"blocks/a", address}}));
+    }
+
+    ScriptedServer platform;
+    ScriptedServer store;
+    const TempFolder root;
+    std::string output;
+};
+
+TEST_F(TransferLifetimeTest, aProgramOfItsOwnBringsAFile)
+{
+    batchGives(store.url() + "/a");
+    store.always("GET", "/a").reply(fileReply("content"));
+    EXPECT_EQ(exitOf("batch"), 0);
+    EXPECT_EQ(output, "success 200 success to batch download files\n");
+    EXPECT_EQ(readFile(root.path("Files/ds-1/blocks/a")), "content");
+}
+
+TEST_F(TransferLifetimeTest, aFullDiskFailsTheStreamAndLeavesNothingBehind)
+{
+    batchGives(store.url() + "/a");
+    store.always("GET", "/a").reply(fileReply(patterned(4 << 20)));
+    EXPECT_EQ(exitOf("full"), 0);
+    EXPECT_EQ(output, "failure 5555 the temporary file can't be written\n");
+    EXPECT_EQ(filesBelow(root.path()), std::vector<std::string>{});
+}
+
+TEST_F(TransferLifetimeTest, aFullDiskFailsTheWriteOfADownloadAndLeavesNothingBehind)
+{
+    platform.always("POST", "/file/read").reply(200, R"({"fileUrlWithSAS":")" + store.url() + R"(/a"})");
+    store.always("GET", "/a").reply(fileReply(std::string(1 << 20, 'x')));
+    EXPECT_EQ(exitOf("full-download"), 0);
+    EXPECT_EQ(output, "failure 200 " + std::string(100, 'x') + "\n");
+    EXPECT_EQ(filesBelow(root.path()), std::vector<std::string>{});
+}
+
+TEST_F(TransferLifetimeTest, aFileThatStillFitsOnTheFullDiskArrives)
+{
+    batchGives(store.url() + "/a");
+    store.always("GET", "/a").reply(fileReply(patterned(64 * 1024)));
+    EXPECT_EQ(exitOf("full"), 0);
+    EXPECT_EQ(output, "success 200 success to batch download files\n");
+}
+
+TEST_F(TransferLifetimeTest, aStreamThatIsKilledLeavesNoFileUnderTheTargetsName)
+{
+    const HalfFile half;
+    batchGives(half.url() + "/a");
+    ChildProcess child(program, {"batch", platform.url(), root.path().string()});
+    const auto temporaryBytes = [this] {
+        std::uintmax_t bytes = 0;
+        for (const std::string& file : filesBelow(root.path("Temp")))
+            bytes += std::filesystem::file_size(root.path("Temp") / file);
+        return bytes;
+    };
+    ASSERT_TRUE(waitUntil([&] { return temporaryBytes() >= 1 << 20; }));
+    child.kill();
+    EXPECT_EQ(child.wait(), -9);
+    EXPECT_EQ(filesBelow(root.path("Files")), std::vector<std::string>{});
+}
+
+TEST_F(TransferLifetimeTest, aDownloadThatIsKilledLeavesNoFileUnderTheTargetsName)
+{
+    const HalfFile half;
+    platform.always("POST", "/file/read").reply(200, R"({"fileUrlWithSAS":")" + half.url() + R"(/a"})");
+    ChildProcess child(program, {"download", platform.url(), root.path().string()});
+    ASSERT_TRUE(half.waitForReader());
+    child.kill();
+    EXPECT_EQ(child.wait(), -9);
+    EXPECT_EQ(filesBelow(root.path()), std::vector<std::string>{});
+}
+
+/// Refuses every request; a program that leaves may cut its request short.
+class Refuser
+{
+public:
+    std::string url() const { return m_server.url(); }
+
+private:
+    SocketServer m_server{[](Connection& connection) {
+        Request request;
+        Reply refusal;
+        refusal.status = 404;
+        while (readRequest(connection, request) == ReadResult::request && connection.write(refusal.wire("GET")))
+            request = {};
+    }};
+};
+
+class LeavingTest : public TransferLifetimeTest, public testing::WithParamInterface<const char*>
+{};
+
+TEST_P(LeavingTest, isCleanEveryTime)
+{
+    const Refuser refuser;
+    for (int i = 0; i < 40; ++i) {
+        ChildProcess child(program, {GetParam(), refuser.url(), root.path().string()});
+        ASSERT_EQ(child.wait(), 0) << child.output();
+        ASSERT_EQ(child.output(), "");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(RightAfterTheStart, LeavingTest, testing::Values("leave"));
+INSTANTIATE_TEST_SUITE_P(WithoutTheFutures, LeavingTest, testing::Values("unready"));
+
+TEST_F(TransferLifetimeTest, leavingMainWhileTransfersWaitForTheirAnswersIsClean)
+{
+    SocketServer silent([](Connection& connection) {
+        std::string request;
+        while (connection.read(request)) {
+        }
+    });
+    for (int i = 0; i < 20; ++i) {
+        ChildProcess child(program, {"leave-busy", silent.url(), root.path().string()});
+        ASSERT_EQ(child.wait(), 0) << child.output();
+        ASSERT_EQ(child.output(), "");
+    }
+}
+
+} // namespace
+} // namespace orlo::test

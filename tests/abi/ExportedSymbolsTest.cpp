@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orlo::test {
+namespace {
+
+/// The demangled names that the library defines and exports, as nm tells them.
+std::vector<std::string> exportedNames()
+{
+    const std::string command = std::string(ORLO_NM) + " -D -C --defined-only \"" + ORLO_LIBRARY_FILE + "\"";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::vector<std::string> names;
+    std::string line;
+    for (int c = pipe ? std::fgetc(pipe.get()) : EOF; c != EOF; c = std::fgetc(pipe.get())) {
+        if (c != '\n') {
+            line += static_cast<char>(c);
+            continue;
+        }
+        // "0000000000012345 T name(arguments)"
+        const std::size_t kind = line.find(' ');
+        if (kind != std::string::npos && line.size() > kind + 3)
+            names.push_back(line.substr(kind + 3));
+        line.clear();
+    }
+    return names;
+}
+
+bool startsWith(const std::string& name, const std::string& head)
+{
+    return name.rfind(head, 0) == 0;
+}
+
+/// One web function is part of the face.
+bool belongsToTheFace(const std::string& name)
+{
+    return startsWith(name, "orlo::OrloWebService::DeleteFileByFileId(");
+}
+
+class ExportedSymbolsTest : public testing::Test
+{
+protected:
+    const std::vector<std::string> names = exportedNames();
+
+    bool exportsAny(const std::string& head) const
+    {
+        return std::any_of(names.begin(), names.end(), [&](const std::string& name) { return startsWith(name, head); });
+    }
+};
+
+TEST_F(ExportedSymbolsTest, theEntriesOfTheFaceAreThere)
+{
+    for (const char* entry :
+         {"orlo::ICollaborationProjectManager::Get()", "orlo::ICollaborationProject::Load(std::", "orlo::HttpClient::deleteProject(std::",
+          "vtable for orlo::ICollaborationProjectManager", "vtable for orlo::ICollaborationProject",
+          "vtable for orlo::ICollaborationFolder", "typeinfo for orlo::ICollaborationProjectManager",
+          "typeinfo for orlo::ICollaborationProject", "typeinfo for orlo::ICollaborationFolder"})
+        EXPECT_TRUE(exportsAny(entry)) << entry;
+}
+
+TEST_F(ExportedSymbolsTest, bothFormsOfLoadAreThere)
+{
+    EXPECT_EQ(std::count_if(names.begin(), names.end(),
+                            [](const std::string& name) { return startsWith(name, "orlo::ICollaborationProject::Load("); }),
+              2);
+}
+
+TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
+{
+    ASSERT_FALSE(names.empty());
+    for (const char* inside : {"orlo::OrloWebService::",
+                               "orlo::OrloPayloadProcessor::",
+                               "orlo::OrloWebServiceUtils::",
+                               "orlo::WebCall",
+                               "orlo::WebAnswer",
+                               "orlo::JsonBody",
+                               "orlo::CallFrame",
+                               "orlo::ProjectManager::",
+                               "orlo::Project::",
+                               "orlo::log::",
+                               "orlo::http::",
+                               "orlo::utils::",
+                               "orlo::RecordTable",
+                               "orlo::TextTable",
+                               "orlo::readField",
+                               "orlo::readMember",
+                               "orlo::memberOf",
+                               "orlo::jsonText",
+                               "vtable for orlo::ProjectManager",
+                               "vtable for orlo::Project",
+                               "typeinfo for orlo::Project",
+                               "(anonymous namespace)",
+                               "web::",
+                               "pplx::",
+                               "rapidjson::"}) {
+        for (const std::string& name : names)
+            EXPECT_FALSE(startsWith(name, inside) && !belongsToTheFace(name)) << name;
+    }
+}
+
+} // namespace
+} // namespace orlo::test

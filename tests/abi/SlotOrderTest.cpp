@@ -1,0 +1,168 @@
+#include "support/VirtualSlot.h"
+
+#include <OrloProjectManager/OrloProjectManager.h>
+
+#include <gtest/gtest.h>
+
+// The destructor is row 0 of a table and takes two places, so row n stands in slot n + 1.
+
+namespace orlo::test {
+namespace {
+
+using Text = const std::wstring&;
+
+TEST(SlotOrder, ofTheProjectManager)
+{
+    using M = ICollaborationProjectManager;
+    using Project = std::shared_ptr<ICollaborationProject>;
+    using List = std::vector<std::shared_ptr<ICollaborationProject>>;
+    using Infos = std::vector<std::shared_ptr<DatasetInfo>>;
+    EXPECT_EQ(virtualSlot<Project (M::*)(Text, ProjectStatus, ErrorCode&)>(&M::CreateProject), 2u);
+    EXPECT_EQ(virtualSlot<Project (M::*)(Text, ProjectStatus, Text)>(&M::CreateProject), 3u);
+    EXPECT_EQ(virtualSlot<Project (M::*)(Text, ProjectStatus, Text, ErrorCode&)>(&M::CreateProjectById), 4u);
+    EXPECT_EQ(virtualSlot<Project (M::*)(Text, ProjectStatus, Text, Text)>(&M::CreateProjectById), 5u);
+    EXPECT_EQ(virtualSlot<List (M::*)(ErrorCode&)>(&M::GetAllProjects), 6u);
+    EXPECT_EQ(virtualSlot<List (M::*)()>(&M::GetAllProjects), 7u);
+    EXPECT_EQ(virtualSlot<List (M::*)(ErrorCode&)>(&M::GetOwnerProjects), 8u);
+    EXPECT_EQ(virtualSlot<List (M::*)()>(&M::GetOwnerProjects), 9u);
+    EXPECT_EQ(virtualSlot<List (M::*)(ErrorCode&)>(&M::GetArchivedProjects), 10u);
+    EXPECT_EQ(virtualSlot<List (M::*)()>(&M::GetArchivedProjects), 11u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(ProjectStatus, List&, ErrorCode&)>(&M::GetProjectByStatus), 12u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(ProjectStatus, List&)>(&M::GetProjectByStatus), 13u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(List&, ErrorCode&)>(&M::GetSampleProjects), 14u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(List&)>(&M::GetSampleProjects), 15u);
+    EXPECT_EQ(virtualSlot<Infos (M::*)(Text, ErrorCode&)>(&M::GetDatasetInfosInFolder), 16u);
+    EXPECT_EQ(virtualSlot<Infos (M::*)(Text)>(&M::GetDatasetInfosInFolder), 17u);
+    EXPECT_EQ(virtualSlot<Project (M::*)(const std::string&, ErrorCode&)>(&M::GetProjectByDatasetId), 18u);
+    EXPECT_EQ(virtualSlot<Project (M::*)(const std::string&)>(&M::GetProjectByDatasetId), 19u);
+    EXPECT_EQ(virtualSlot<SpecialtyType (M::*)(Text, ErrorCode&)>(&M::GetSpecialtyTypeById), 20u);
+    EXPECT_EQ(virtualSlot<SpecialtyType (M::*)(Text)>(&M::GetSpecialtyTypeById), 21u);
+    EXPECT_EQ(virtualSlot<DatasetInfo (M::*)(const std::string&, ErrorCode&)>(&M::GetDatasetInfo), 22u);
+    EXPECT_EQ(virtualSlot<DatasetInfo (M::*)(const std::string&)>(&M::GetDatasetInfo), 23u);
+    EXPECT_EQ(virtualSlot(&M::GetDatasetInfoByModelingId), 24u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(ResourceStatus&, ErrorCode&)>(&M::GetResourceStatus), 25u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(ResourceStatus&)>(&M::GetResourceStatus), 26u);
+    EXPECT_EQ(virtualSlot(&M::GetProjectByModelingId), 27u);
+}
+
+TEST(SlotOrder, ofAFolder)
+{
+    using F = ICollaborationFolder;
+    using Folders = std::vector<ICollaborationFolder*>;
+    EXPECT_EQ(virtualSlot<Folders (F::*)()>(&F::GetSubFolders), 2u);
+    EXPECT_EQ(virtualSlot<Folders (F::*)() const>(&F::GetSubFolders), 3u);
+    EXPECT_EQ(virtualSlot(&F::GetDatasets), 4u);
+    EXPECT_EQ(virtualSlot(&F::GetId), 5u);
+    EXPECT_EQ(virtualSlot(&F::GetName), 6u);
+    EXPECT_EQ(virtualSlot(&F::GetFolderType), 7u);
+    EXPECT_EQ(virtualSlot(&F::GetTeam), 8u);
+}
+
+using P = ICollaborationProject;
+
+TEST(SlotOrder, ofAProjectsFieldsAndFolders)
+{
+    using Folders = std::vector<std::shared_ptr<ICollaborationFolder>>;
+    using RawFolders = std::vector<ICollaborationFolder*>;
+    EXPECT_EQ(virtualSlot(&P::GetId), 2u);
+    EXPECT_EQ(virtualSlot(&P::GetName), 3u);
+    EXPECT_EQ(virtualSlot(&P::GetSize), 4u);
+    EXPECT_EQ(virtualSlot<Folders (P::*)(ErrorCode&)>(&P::GetFolders), 5u);
+    EXPECT_EQ(virtualSlot<Folders (P::*)()>(&P::GetFolders), 6u);
+    EXPECT_EQ(virtualSlot<RawFolders (P::*)(ErrorCode&) const>(&P::GetFolders), 7u);
+    EXPECT_EQ(virtualSlot<RawFolders (P::*)() const>(&P::GetFolders), 8u);
+    EXPECT_EQ(virtualSlot(&P::GetProjectFolders), 9u);
+    EXPECT_EQ(virtualSlot(&P::GetStatus), 10u);
+    EXPECT_EQ(virtualSlot(&P::GetTeamFolder), 11u);
+    EXPECT_EQ(virtualSlot(&P::GetGridType), 12u);
+}
+
+TEST(SlotOrder, ofAProjectsConfigurations)
+{
+    using Space = std::shared_ptr<ISpaceConfig>;
+    EXPECT_EQ(virtualSlot<bool (P::*)(int, std::string&, ErrorCode&)>(&P::GetAxisGridConfig), 13u);
+    EXPECT_EQ(virtualSlot<IAxisGrid* (P::*)(int, ErrorCode&)>(&P::GetAxisGridConfig), 14u);
+    EXPECT_EQ(virtualSlot<IAxisGrid* (P::*)(int)>(&P::GetAxisGridConfig), 15u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(IAxisGrid*, ErrorCode&)>(&P::UpdateAxisGrid), 16u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(IAxisGrid*)>(&P::UpdateAxisGrid), 17u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(int, std::wstring&, ErrorCode&)>(&P::GetSpaceConfig), 18u);
+    EXPECT_EQ(virtualSlot<Space (P::*)(int, ErrorCode&)>(&P::GetSpaceConfig), 19u);
+    EXPECT_EQ(virtualSlot<Space (P::*)(int)>(&P::GetSpaceConfig), 20u);
+    EXPECT_EQ(virtualSlot<std::vector<int> (P::*)(ErrorCode&)>(&P::GetSpaceConfigVersions), 21u);
+    EXPECT_EQ(virtualSlot<std::vector<int> (P::*)()>(&P::GetSpaceConfigVersions), 22u);
+    EXPECT_EQ(virtualSlot<std::vector<int> (P::*)(ErrorCode&)>(&P::GetAxisGridConfigVersions), 23u);
+    EXPECT_EQ(virtualSlot<std::vector<int> (P::*)()>(&P::GetAxisGridConfigVersions), 24u);
+}
+
+TEST(SlotOrder, ofAProjectsResources)
+{
+    using Packages = std::vector<std::shared_ptr<IArchivePackage>>;
+    using Permissions = std::map<std::wstring, PermissionType>;
+    using Fonts = std::vector<std::shared_ptr<IProjectFont>>;
+    using Properties = std::vector<ProjectStandardProperty>;
+    using Specialties = std::map<SpecialtyType, std::wstring>;
+    EXPECT_EQ(virtualSlot<bool (P::*)(Packages&, ErrorCode&)>(&P::GetArchivePackageList), 25u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Packages&)>(&P::GetArchivePackageList), 26u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Permissions&, ErrorCode&)>(&P::GetPermissionTypes), 27u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Permissions&)>(&P::GetPermissionTypes), 28u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Fonts&, ErrorCode&)>(&P::GetProjectFonts), 29u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Fonts&)>(&P::GetProjectFonts), 30u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Properties&, ErrorCode&)>(&P::GetProjectStandardProperties), 31u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Properties&)>(&P::GetProjectStandardProperties), 32u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Specialties&, ErrorCode&)>(&P::GetSpecialtyTypes), 33u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Specialties&)>(&P::GetSpecialtyTypes), 34u);
+    EXPECT_EQ(virtualSlot(&P::CreateSpecialty), 35u);
+    EXPECT_EQ(virtualSlot(&P::GetTeams), 36u);
+}
+
+TEST(SlotOrder, ofAProjectsDatasets)
+{
+    EXPECT_EQ(virtualSlot(&P::GetDatasetBySatatus), 37u);
+    EXPECT_EQ(virtualSlot<DatasetInfo (P::*)(Text, Text, Text, Text, ErrorCode&)>(&P::CreateDataset), 38u);
+    EXPECT_EQ(virtualSlot<DatasetInfo (P::*)(Text, Text, Text, Text)>(&P::CreateDataset), 39u);
+    EXPECT_EQ(virtualSlot<DatasetInfo (P::*)(Text, Text, Text, Text, const std::string&, ErrorCode&)>(&P::CreateDatasetById), 40u);
+    EXPECT_EQ(virtualSlot<DatasetInfo (P::*)(Text, Text, Text, Text, const std::string&)>(&P::CreateDatasetById), 41u);
+}
+
+TEST(SlotOrder, ofAProjectsBuildingItems)
+{
+    using Items = std::vector<ProjectItemConfig>;
+    using Ids = std::vector<std::wstring>;
+    using Words = http::HttpMessage&;
+    EXPECT_EQ(virtualSlot<bool (P::*)(Items&, int&, ErrorCode&)>(&P::GetLatestBuildingItems), 42u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Items&, int&)>(&P::GetLatestBuildingItems), 43u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Items&, int, ErrorCode&)>(&P::GetBuildingItems), 44u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Items&, int)>(&P::GetBuildingItems), 45u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(std::wstring&, int, Text, ErrorCode&)>(&P::AddBuildingItem), 46u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Words, std::wstring&, int, Text)>(&P::AddBuildingItem), 47u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(int, Text, Text, ErrorCode&)>(&P::UpdateBuildingItem), 48u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Words, int, Text, Text)>(&P::UpdateBuildingItem), 49u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(int, Text, ErrorCode&)>(&P::DeleteBuildingItem), 50u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Words, int, Text)>(&P::DeleteBuildingItem), 51u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Text, Text, ErrorCode&)>(&P::AssociateDatasetAndBuildingItem), 52u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Text, Text)>(&P::AssociateDatasetAndBuildingItem), 53u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Ids&, Text, ErrorCode&)>(&P::GetBuildingItemIdsByDatasetId), 54u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Ids&, Text)>(&P::GetBuildingItemIdsByDatasetId), 55u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Ids&, Text, ErrorCode&)>(&P::GetDatasetIdsByBuildingItemId), 56u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Ids&, Text)>(&P::GetDatasetIdsByBuildingItemId), 57u);
+}
+
+TEST(SlotOrder, ofAProjectsItemConfigurationsAndComponents)
+{
+    using Item = ProjectItemConfig&;
+    using Words = http::HttpMessage&;
+    using Ids = const std::map<std::wstring, std::wstring>&;
+    EXPECT_EQ(virtualSlot<bool (P::*)(Item, Text, ConfigType, ErrorCode&)>(&P::GetLatestProjectItemConfig), 58u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Item, Text, ConfigType)>(&P::GetLatestProjectItemConfig), 59u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Item, Text, ConfigType, int, ErrorCode&)>(&P::GetProjectItemConfig), 60u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Item, Text, ConfigType, int)>(&P::GetProjectItemConfig), 61u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Text, ConfigType, Text, ErrorCode&)>(&P::CreateProjectItemConfig), 62u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Words, Text, ConfigType, Text)>(&P::CreateProjectItemConfig), 63u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Text, ConfigType, int, Text, ErrorCode&)>(&P::UpdateProjectItemConfig), 64u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Words, Text, ConfigType, int, Text)>(&P::UpdateProjectItemConfig), 65u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Ids, ErrorCode&)>(&P::AddComponentsWithIds), 66u);
+    EXPECT_EQ(virtualSlot<bool (P::*)(Ids)>(&P::AddComponentsWithIds), 67u);
+}
+
+} // namespace
+} // namespace orlo::test

@@ -1,0 +1,111 @@
+#include "support/VirtualSlot.h"
+
+#include <BaseCommon/BaseConfigManager.h>
+#include <BaseCommon/Callbacks.h>
+#include <BaseCommon/ErrorCode.h>
+#include <BaseCommon/IOrloBridge.h>
+#include <BaseCommon/IOrloEventManager.h>
+#include <OrloCommon/OrloConfigManager.h>
+#include <OrloJobManager/IJobManager.h>
+#include <OrloJobManager/LocalDbJobEntity.h>
+#include <OrloLogging/ILogManager.h>
+
+#include <gtest/gtest.h>
+
+// A destructor in front takes two places, so an operation that is the n-th of its class behind the destructor stands in slot n + 1.
+
+namespace orlo::test {
+namespace {
+
+TEST(SupportSlotOrder, ofTheLogger)
+{
+    EXPECT_EQ(virtualSlot(&ILogManager::LogInfo), 0u);
+    EXPECT_EQ(virtualSlot(&ILogManager::LogWarning), 1u);
+    EXPECT_EQ(virtualSlot(&ILogManager::LogError), 2u);
+    EXPECT_EQ(virtualSlot(&ILogManager::LogErrorAt), 3u);
+}
+
+TEST(SupportSlotOrder, ofTheErrorCategory)
+{
+    EXPECT_EQ(virtualSlot(&ErrorCategory::GetName), 2u);
+    EXPECT_EQ(virtualSlot(&ErrorCategory::GetErrorMessage), 3u);
+}
+
+TEST(SupportSlotOrder, ofTheCallbacks)
+{
+    using Context = std::shared_ptr<OrloCallbackContext>;
+    using Plain = void (IOrloCallback::*)(int, const std::wstring&, const std::string&, Context, ErrorCode&);
+    using PlainOfFile = void (IOrloFileCallback::*)(int, const std::wstring&, const std::string&, Context, ErrorCode&);
+    using WithBytes =
+        void (IOrloFileCallback::*)(int, const std::wstring&, const std::vector<unsigned char>&, const std::string&, Context, ErrorCode&);
+    EXPECT_EQ(virtualSlot<Plain>(&IOrloCallback::on_complete), 2u);
+    EXPECT_EQ(virtualSlot<PlainOfFile>(&IOrloFileCallback::on_complete), 2u);
+    EXPECT_EQ(virtualSlot<WithBytes>(&IOrloFileCallback::on_complete), 3u);
+}
+
+TEST(SupportSlotOrder, ofTheBridge)
+{
+    EXPECT_EQ(virtualSlot(&IOrloBridge::UpsertDatasetMeta), 2u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetDatasetMeta), 3u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfig), 4u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfigAllVersions), 5u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridConfig), 6u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridAllVersions), 7u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetProjectIdByModelingId), 8u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::CreateVersionByNumber), 9u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::MarkPublish), 10u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::TriggerSightlineTranslateWorkerByUploadJob), 11u);
+    EXPECT_EQ(virtualSlot(&IOrloBridge::GetFamilyFileUrl), 12u);
+}
+
+TEST(SupportSlotOrder, ofTheEventBoardWhoseFourthOperationPosts)
+{
+    EXPECT_EQ(virtualSlot(&IOrloEventManager::PostEvent), 4u);
+}
+
+TEST(SupportSlotOrder, ofTheBaseConfigurationWhoseThirdOperationReads)
+{
+    EXPECT_EQ(virtualSlot(&BaseConfigManager::GetDefaultRemoteFolder), 3u);
+}
+
+TEST(SupportSlotOrder, ofTheConfiguration)
+{
+    EXPECT_EQ(virtualSlot(&OrloConfigManager::GetServiceUrl), 2u);
+    EXPECT_EQ(virtualSlot(&OrloConfigManager::httpTimeout), 3u);
+}
+
+TEST(SupportSlotOrder, ofTheJobManagerWhoseFourthOperationAddsAJob)
+{
+    EXPECT_EQ(virtualSlot(&IJobManager::AddJob), 4u);
+}
+
+template <class Entity>
+void expectEntityOrder()
+{
+    EXPECT_EQ(virtualSlot(&Entity::GetStatus), 2u);
+    EXPECT_EQ(virtualSlot(&Entity::GetType), 3u);
+    EXPECT_EQ(virtualSlot(&Entity::JobId), 4u);
+    EXPECT_EQ(virtualSlot(&Entity::ErrorInfo), 5u);
+    EXPECT_EQ(virtualSlot(&Entity::GetCreateTime), 6u);
+    EXPECT_EQ(virtualSlot(&Entity::Run), 7u);
+    EXPECT_EQ(virtualSlot(&Entity::IsCanRun), 8u);
+    EXPECT_EQ(virtualSlot(&Entity::SetStatus), 9u);
+    EXPECT_EQ(virtualSlot(&Entity::SetType), 10u);
+    EXPECT_EQ(virtualSlot(&Entity::GetPriorityJob), 11u);
+    EXPECT_EQ(virtualSlot(&Entity::remove), 12u);
+    EXPECT_EQ(virtualSlot(&Entity::GetJobTypeKey), 13u);
+    EXPECT_EQ(virtualSlot(&Entity::LoadFromJson), 14u);
+    EXPECT_EQ(virtualSlot(&Entity::ToJson), 15u);
+    EXPECT_EQ(virtualSlot(&Entity::save), 16u);
+    EXPECT_EQ(virtualSlot(&Entity::operator<), 17u);
+}
+
+TEST(SupportSlotOrder, ofTheJobEntitiesFromTheInterfaceDown)
+{
+    expectEntityOrder<IJobEntity>();
+    expectEntityOrder<JobEntity>();
+    expectEntityOrder<LocalDbJobEntity>();
+}
+
+} // namespace
+} // namespace orlo::test

@@ -1,0 +1,90 @@
+#include "RunProgram.h"
+
+#include <gmock/gmock.h>
+
+#include <LocalPlatform/LocalPlatform.h>
+
+namespace {
+
+using orlo::platform::Fault;
+using orlo::platform::LocalPlatform;
+using orlo::test::quoted;
+using orlo::test::runProgram;
+using orlo::test::RunResult;
+using testing::HasSubstr;
+using testing::Not;
+
+/// A platform that runs and knows the demo user.
+struct DemoPlatform : LocalPlatform
+{
+    DemoPlatform() : LocalPlatform({{}, 0, true}) { start(); }
+};
+
+RunResult runAgainst(const LocalPlatform& platform, const std::string& prefix = {})
+{
+    return runProgram(prefix + quoted(AUTHORING_SESSION) + " --url " + platform.url());
+}
+
+TEST(AuthoringSession, TellsItsStoryAgainstAPlatformOfItsOwn)
+{
+    const RunResult run = runProgram(quoted(AUTHORING_SESSION));
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("Started a platform at http://127.0.0.1:"));
+    EXPECT_THAT(run.output, HasSubstr("Signed in as demo\n"));
+    EXPECT_THAT(run.output, HasSubstr("All my projects, 2 of them:\n     - 滨江医院一期\n     - Riverside School\n"));
+    EXPECT_THAT(run.output, HasSubstr("Loaded by its id: 滨江医院一期, ongoing\n"));
+    EXPECT_THAT(run.output, HasSubstr("Projects: 2 used of 20\n"));
+    EXPECT_THAT(run.output, HasSubstr("Space:    0 used of 100\n"));
+    EXPECT_THAT(run.output, HasSubstr("the platform answered with an error status (404)"));
+    EXPECT_THAT(run.output, HasSubstr("in its own words: data.name is empty\n"));
+    EXPECT_THAT(run.output, HasSubstr("Signed out.\n"));
+}
+
+TEST(AuthoringSession, UsesThePlatformAtAnAddress)
+{
+    DemoPlatform platform;
+    const RunResult run = runAgainst(platform);
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("Using the platform at " + platform.url()));
+    EXPECT_EQ(2u, platform.requestCount("POST", "/v3/projects"));
+}
+
+TEST(AuthoringSession, SaysThatAPersonalAccountHasNoLimits)
+{
+    DemoPlatform platform;
+    platform.setPersonal("demo-account");
+    EXPECT_THAT(runAgainst(platform).output, HasSubstr("A personal account has no limits.\n"));
+}
+
+TEST(AuthoringSession, WritesUtf8InTheCLocale)
+{
+    const RunResult run = runAgainst(DemoPlatform(), "LC_ALL=C ");
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("Created 滨江医院一期 with the id "));
+}
+
+TEST(AuthoringSession, FailsWithTheReasonAndTheLogWhenThePlatformRefuses)
+{
+    DemoPlatform platform;
+    Fault fault;
+    fault.path = "/v3/projects";
+    fault.status = 403;
+    fault.calls = -1;
+    platform.addFault(fault);
+    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --url " + platform.url() + " 2>&1");
+    EXPECT_EQ(1, run.exitCode);
+    EXPECT_THAT(run.output,
+                HasSubstr("The session failed: the project could not be created: the platform answered with an error status (403)"));
+    EXPECT_THAT(run.output, HasSubstr("fail to create project."));
+    EXPECT_THAT(run.output, Not(HasSubstr("Signed out.")));
+    EXPECT_THAT(run.output, Not(HasSubstr("demo-token")));
+}
+
+TEST(AuthoringSession, ExplainsItselfWhenItIsCalledWrongly)
+{
+    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --nonsense 2>&1");
+    EXPECT_EQ(2, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("usage: AuthoringSession [--url URL]"));
+}
+
+} // namespace

@@ -1,0 +1,131 @@
+#include "RunProgram.h"
+#include "support/TempFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <LocalPlatform/LocalPlatform.h>
+#include <filesystem>
+#include <regex>
+
+// The programs and links of the papers. The programs are built from the papers' own text.
+namespace {
+
+using orlo::platform::LocalPlatform;
+using orlo::test::quoted;
+using orlo::test::readFile;
+using orlo::test::runProgram;
+using orlo::test::RunResult;
+using orlo::test::TempFolder;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const std::filesystem::path root = SOURCE_TREE;
+
+const char* const papers[] = {"README.md",          "CONTRIBUTING.md",        "CHANGELOG.md",
+                              "docs/host-guide.md", "docs/local-platform.md", "docs/architecture.md"};
+
+/// A platform that runs and knows the demo user.
+struct DemoPlatform : LocalPlatform
+{
+    DemoPlatform() : LocalPlatform({{}, 0, true}) { start(); }
+};
+
+void addDemoProject(LocalPlatform& platform, const std::string& name)
+{
+    orlo::platform::ProjectSeed seed;
+    seed.name = name;
+    seed.ownerAccountId = "demo-account";
+    platform.addProject(seed);
+}
+
+/// The blocks of a paper that quote a file of the tree: name of the file, text.
+std::vector<std::pair<std::string, std::string>> quotations(const std::string& paper)
+{
+    const std::string text = readFile(root / paper);
+    const std::regex block("<!-- from: (\\S+) -->\n```\\w*\n([^`]*)```\n");
+    std::vector<std::pair<std::string, std::string>> found;
+    for (std::sregex_iterator match(text.begin(), text.end(), block), end; match != end; ++match)
+        found.emplace_back((*match)[1], (*match)[2]);
+    return found;
+}
+
+/// The links of a paper to files that don't exist.
+std::vector<std::string> brokenLinks(const std::string& paper)
+{
+    const std::string text = readFile(root / paper);
+    const std::regex link(R"(\]\(([^)#:]+)\))");
+    std::vector<std::string> broken;
+    for (std::sregex_iterator match(text.begin(), text.end(), link), end; match != end; ++match)
+        if (!std::filesystem::exists((root / paper).parent_path() / (*match)[1].str()))
+            broken.push_back((*match)[1]);
+    return broken;
+}
+
+TEST(Readme, FirstProgramListsTheProjects)
+{
+    DemoPlatform platform;
+    addDemoProject(platform, "滨江医院一期");
+    addDemoProject(platform, "Riverside School");
+    const RunResult run = runProgram(quoted(FIRST_PROGRAM) + " " + platform.url());
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("滨江医院一期\nRiverside School\n", run.output);
+}
+
+TEST(Readme, FirstProgramTellsThePlatformsReason)
+{
+    orlo::platform::Fault fault;
+    fault.path = "/projects";
+    fault.status = 403;
+    fault.body = R"({"code":40300,"message":"closed for today"})";
+    DemoPlatform platform;
+    platform.addFault(fault);
+    const RunResult run = runProgram(quoted(FIRST_PROGRAM) + " " + platform.url() + " 2>&1");
+    EXPECT_EQ(1, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("\n{\"code\":40300,\"message\":\"closed for today\"}\n"));
+}
+
+TEST(HostGuide, SmallHostListsProjectsAndAdvises)
+{
+    const TempFolder folder;
+    DemoPlatform platform;
+    addDemoProject(platform, "滨江医院一期");
+    const RunResult run = runProgram(quoted(SMALL_HOST) + " " + platform.url() + " " + quoted(folder.path().string()));
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("滨江医院一期\nno-such-project: refused with status 404\n", run.output);
+}
+
+TEST(HostGuide, SmallHostAdvisesToTryAgainWhereNobodyListens)
+{
+    const TempFolder folder;
+    DemoPlatform platform;
+    platform.stop();
+    const RunResult run = runProgram(quoted(SMALL_HOST) + " " + platform.url() + " " + quoted(folder.path().string()) + " 2>&1");
+    EXPECT_EQ(1, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("projects: try again later\n"));
+}
+
+TEST(HostGuide, OwnLoggerSeesNoSecret)
+{
+    const RunResult run = runProgram(quoted(OWN_LOGGER));
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("info  项目 opened with ***\n", run.output);
+}
+
+TEST(Papers, QuoteTheTreeAsItStands)
+{
+    std::size_t count = 0;
+    for (const char* paper : papers)
+        for (const auto& [file, text] : quotations(paper)) {
+            ++count;
+            EXPECT_NE(std::string::npos, readFile(root / file).find(text)) << paper << " quotes in " << file << ":\n" << text;
+        }
+    EXPECT_GE(count, 5u) << "the quotations of CONTRIBUTING.md were not found";
+}
+
+TEST(Papers, LinkToFilesThatExist)
+{
+    for (const char* paper : papers)
+        EXPECT_THAT(brokenLinks(paper), IsEmpty()) << paper;
+}
+
+} // namespace
