@@ -1,16 +1,33 @@
 #pragma once
 
+#include "Platform.h"
 #include "Story.h"
+
+#include <OrloProjectManager/Projects/ICollaborationProject.h>
+
+#include <memory>
 
 namespace session {
 
 /// Creates a project, finds it in the list, and loads it again by its id.
-void projects(Story& story);
+std::shared_ptr<orlo::ICollaborationProject> projects(Story& story);
+
+/// Walks the folder tree, creates a dataset and finds the team's folder.
+void folders(Story& story, orlo::ICollaborationProject& project);
+
+/// Reads the tree of spaces, adds a floor, and lists the versions.
+void spaces(Story& story, orlo::ICollaborationProject& project);
+
+/// Uploads files, brings them back, singly and a dozen at once, compares the bytes, and publishes one as a version of a dataset.
+void files(Story& story, orlo::ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder);
 
 /// Reads what the account may use and what of it is used.
 void resources(Story& story);
 
 /// Does two things wrong on purpose and looks at what the library says.
 void failures(Story& story);
+
+/// Draws the project's folders with their datasets.
+void showFolders(Story& story, orlo::ICollaborationProject& project);
 
 } // namespace session

@@ -1,11 +1,10 @@
 #include "Chapters.h"
 
-#include <OrloProjectManager/OrloProjectManager.h>
-
 #include <BaseCommon/Files.h>
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
+#include <OrloProjectManager/OrloProjectManager.h>
 
 namespace session {
 
@@ -58,16 +57,7 @@ void upAndDown(Story& story, const std::wstring& folder)
     story.say(L"Downloaded it again; the bytes are the same.");
 }
 
-} // namespace
-
-void files(Story& story, ICollaborationProject& project, const std::wstring& localFolder)
-{
-    story.chapter(L"Files");
-    upAndDown(story, localFolder);
-    publishFile(story, project, makeFile(story, localFolder, L"一层平面图.dwg", drawing(1 << 20, 2)));
-}
-
-void publishFile(Story& story, ICollaborationProject& project, const std::wstring& path)
+std::string publishFile(Story& story, ICollaborationProject& project, const std::wstring& path)
 {
     ErrorCode error;
     const ICollaborationProject::Folders roots = project.GetFolders(error);
@@ -80,6 +70,53 @@ void publishFile(Story& story, ICollaborationProject& project, const std::wstrin
     story.expect(IWorkUnit::MarkPublish(file->GetId(), file->GetVersion(), L"第一版", error), L"the version could not be published", error);
     story.say(L"Published that version.");
     showFolders(story, project);
+    return file->GetId();
+}
+
+std::string nameOfBlock(int number)
+{
+    return "model/block-" + std::to_string(number) + ".bin";
+}
+
+/// A dozen blocks of a model, of which the platform hands six out at a time.
+void aDozenAtOnce(Story& story, const Platform& platform, const std::string& datasetId)
+{
+    std::vector<std::string> seeds;
+    for (int i = 1; i <= 12; ++i) {
+        seeds.push_back(nameOfBlock(i));
+        platform.addDatasetFile(datasetId, seeds.back(), drawing(256 << 10, 100 + static_cast<unsigned>(i)));
+    }
+    ErrorCode error;
+    const PromiseData batch = HttpClient::downloadBatchFiles(error, "model", datasetId, seeds, nullptr).get();
+    story.expect(batch.success, L"the batch failed: " + batch.message, error);
+    const std::wstring cache = FilePath::Combine(utils::getLocalFileCachePath(), utils::toWstring(datasetId));
+    for (int i = 1; i <= 12; ++i) {
+        const std::wstring path = FilePath::Combine(cache, utils::toWstring(nameOfBlock(i)));
+        story.expect(isSame(path, drawing(256 << 10, 100 + static_cast<unsigned>(i))), L"a block of the batch differs");
+    }
+    story.say(L"Downloaded twelve blocks of a model at once; the bytes are the same.");
+}
+
+void throughTheCache(Story& story, const std::string& datasetId)
+{
+    ErrorCode error;
+    const std::wstring uri = L"model" + utils::SeparatorChar() + L"block-1.bin?f=1";
+    const std::wstring path = IFileManager::DownloadFile(datasetId, uri, error);
+    story.expect(!path.empty(), L"the block is not in the cache", error);
+    story.say(L"Asked for a block again: it came from the local cache.");
+}
+
+} // namespace
+
+void files(Story& story, ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder)
+{
+    story.chapter(L"Files");
+    upAndDown(story, localFolder);
+    const std::string datasetId = publishFile(story, project, makeFile(story, localFolder, L"一层平面图.dwg", drawing(1 << 20, 2)));
+    if (!platform.isOurOwn())
+        return;
+    aDozenAtOnce(story, platform, datasetId);
+    throughTheCache(story, datasetId);
 }
 
 } // namespace session

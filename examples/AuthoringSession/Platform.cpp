@@ -47,4 +47,9 @@ std::wstring Platform::url() const
     return toWstring(m_url);
 }
 
+void Platform::addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes) const
+{
+    m_own->addDatasetFile(datasetId, path, bytes);
+}
+
 } // namespace session

@@ -37,6 +37,9 @@ public:
     bool isOurOwn() const { return m_own != nullptr; }
     std::wstring url() const;
 
+    /// Puts a file into a dataset, as another application would have. Only on a platform of our own.
+    void addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes) const;
+
 private:
     std::unique_ptr<orlo::platform::LocalPlatform> m_own;
     std::string m_url;

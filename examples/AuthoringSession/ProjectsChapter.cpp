@@ -44,13 +44,14 @@ void loadAgain(Story& story, const ProjectPtr& created)
 
 } // namespace
 
-void projects(Story& story)
+ProjectPtr projects(Story& story)
 {
     story.chapter(L"Projects");
     const ProjectPtr hospital = create(story, L"滨江医院一期");
     create(story, L"Riverside School");
     findInList(story, hospital->GetId());
     loadAgain(story, hospital);
+    return hospital;
 }
 
 } // namespace session

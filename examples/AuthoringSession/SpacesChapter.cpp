@@ -1,10 +1,9 @@
 #include "Chapters.h"
 #include "Drawing.h"
 
-#include <OrloProjectManager/OrloProjectManager.h>
-
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
+#include <OrloProjectManager/OrloProjectManager.h>
 
 #include <algorithm>
 
@@ -22,11 +21,14 @@ class Space final : public ISpaceConfigItem
 public:
     Space(std::wstring id, std::wstring name, SpaceType type, std::wstring level)
         : m_id(std::move(id)), m_name(std::move(name)), m_level(std::move(level)), m_type(type)
-    {
-    }
+    {}
     explicit Space(const ISpaceConfigItem& other)
-        : m_id(other.GetId()), m_name(other.GetName()), m_description(other.GetDescription()), m_level(other.GetArchitectureLevel()),
-          m_structureLevel(other.GetStructureLevel()), m_type(other.GetType())
+        : m_id(other.GetId()),
+          m_name(other.GetName()),
+          m_description(other.GetDescription()),
+          m_level(other.GetArchitectureLevel()),
+          m_structureLevel(other.GetStructureLevel()),
+          m_type(other.GetType())
     {
         for (const auto& child : other.GetSubSpaces())
             m_below.push_back(std::make_shared<Space>(*child));

@@ -41,7 +41,10 @@ void live(const std::string& url)
     signIn();
     story.say(L"Signed in as " + orlo::UserSession::GetInstance()->GetId());
 
-    projects(story);
+    const auto hospital = projects(story);
+    folders(story, *hospital);
+    spaces(story, *hospital);
+    files(story, *hospital, platform, folder.path(L"drawings"));
     resources(story);
     failures(story);
 

@@ -91,9 +91,8 @@ void TransferOutcome::failAsCaught(const CallSite& site)
 
 std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker)
 {
-    // From here on the end of the process knows of transfers.
-    const http::WorkPermit permit;
     std::future<PromiseData> future = CallFrame(site).run(error, [&] {
+        const http::WorkPermit permit; // from here on the end of the process knows of transfers
         const auto outcome = std::make_shared<TransferOutcome>(error);
         std::future<PromiseData> started = outcome->future();
         std::thread([worker = std::move(worker), outcome, site] { runWorker(worker, outcome, site); }).detach();

@@ -102,7 +102,11 @@ protected:
             fs::permissions(database(), databasePermissions);
         fs::permissions(jobsFolder(), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read | fs::perms::others_exec);
     }
-    void TearDown() override { fs::permissions(jobsFolder(), fs::perms::owner_all); }
+    void TearDown() override
+    {
+        fs::permissions(jobsFolder(), fs::perms::owner_all);
+        JobsTest::TearDown();
+    }
 
     void expectRefusal(ChildProcess& host)
     {

@@ -28,7 +28,11 @@ protected:
         submit("blocker");
         ASSERT_TRUE(waitUntil([this] { return gate.arrived() == 1; }));
     }
-    void TearDown() override { gate.open(); }
+    void TearDown() override
+    {
+        gate.open();
+        JobsTest::TearDown();
+    }
 
     /// The names behind the blocker's.
     Names runAll()

@@ -25,7 +25,8 @@ protected:
     using Names = std::vector<std::string>;
 
     JobsTest() : localRoot(folder) { TestJob::forgetAll(); }
-    ~JobsTest() override
+    /// Jobs and callbacks look at members of the fixtures.
+    void TearDown() override
     {
         IJobManager::Stop();
         TestJob::forgetAll();

@@ -1,3 +1,4 @@
+#include "Network/ThreadShortage.h"
 #include "TransferTestSupport.h"
 
 #include <OrloProjectManager/TransferChain.h>
@@ -83,6 +84,27 @@ TEST_F(TransferChainTest, aRefusedInputLeavesTheErrorCodeAlone)
     error.Assign(badInputValue, std::make_shared<GenericError>(L"earlier"));
     expectOutcome(run([](const auto& end) { end->refuse(L"no"); }), false, 400, L"no");
     expectGenericError(error, badInputValue, L"GenericError", L"earlier");
+}
+
+TEST_F(TransferChainTest, withoutAThreadTheFutureIsReadyWithADefaultOutcome)
+{
+    const auto worker = [](const auto& end) { end->set({true, 200, L"done"}, ErrorCode()); };
+    {
+        const ThreadShortage shortage;
+        auto future = startTransfer(site, error, worker);
+        ASSERT_EQ(future.wait_for(std::chrono::seconds(0)), std::future_status::ready);
+        expectOutcome(future.get(), false, -1, L"");
+    }
+    EXPECT_EQ(error.GetValue(), exceptionValue);
+    const auto failure = std::dynamic_pointer_cast<HttpError>(error.GetCategory());
+    ASSERT_NE(failure, nullptr);
+    EXPECT_EQ(failure->GetCode(), 5555);
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_EQ(log.lines()[0], L"E@orlo::HttpClient::something [END_API_IMPLEMENTATION][A generic exception caught] message[" +
+                                  failure->GetErrorMessage() + L"]");
+    error.Clear();
+    expectOutcome(run(worker), true, 200, L"done");
+    expectClear(error);
 }
 
 TEST_F(TransferChainTest, textThatIsNoJsonReadsAsNull)

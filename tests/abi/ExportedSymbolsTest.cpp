@@ -71,6 +71,9 @@ TEST_F(ExportedSymbolsTest, bothFormsOfLoadAreThere)
 
 TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
 {
+#if defined(ORLO_SANITIZED)
+    GTEST_SKIP() << "a sanitized build may show everything, so that the sanitizers see each object of the process once";
+#endif
     ASSERT_FALSE(names.empty());
     for (const char* inside : {"orlo::OrloWebService::",
                                "orlo::OrloPayloadProcessor::",

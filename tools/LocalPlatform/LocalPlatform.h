@@ -18,8 +18,8 @@ struct Options
     /// Keeps platform.db and blobs; made if missing. Empty: the database lives in memory, blobs in a temporary folder, and both end with
     /// the platform.
     std::string dataFolder{};
-    int port = 0;             ///< 0: a free port, chosen at the first `start` and kept for the next ones.
-    bool seedDemo = false;    ///< Registers the user "demo" with account "demo-account" and token "demo-token".
+    int port = 0;          ///< 0: a free port, chosen at the first `start` and kept for the next ones.
+    bool seedDemo = false; ///< Registers the user "demo" with account "demo-account" and token "demo-token".
 };
 
 struct User
