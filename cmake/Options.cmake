@@ -16,6 +16,13 @@ option(ORLO_CCACHE "Compile through ccache where it is installed" OFF)
 option(ORLO_COVERAGE "Instrument for gcov" OFF)
 set(ORLO_SANITIZERS "" CACHE STRING "Sanitizers, as -fsanitize takes them: address,undefined or thread")
 
+if(ORLO_SANITIZERS MATCHES "thread")
+    # With hidden inlines cpprestsdk uses copies of the standard library's code that are not instrumented, and every
+    # reference count looks like a race.
+    set(CMAKE_CXX_VISIBILITY_PRESET default)
+    set(CMAKE_VISIBILITY_INLINES_HIDDEN OFF)
+endif()
+
 if(ORLO_CCACHE)
     find_program(ORLO_CCACHE_PROGRAM ccache)
     if(ORLO_CCACHE_PROGRAM)

@@ -222,8 +222,11 @@ TEST_F(GenericRetryHandlerTest, twoAnswersToOneAttemptCauseOneRepeat)
     launch([&](int attempt) {
         if (attempt > 1)
             return answer(200);
-        answerStatus(503);
-        answerStatus(503);
+        const auto retry = context->handler;
+        assignStatus(error, 503);
+        ErrorCode ofSecondAnswer(error); // the chain's own is the next attempt's from here on
+        retry->on_complete(503, L"", "Step", context, error);
+        retry->on_complete(503, L"", "Step", context, ofSecondAnswer);
     });
     ASSERT_TRUE(waitForTheEnd());
     EXPECT_EQ(log.lines(), (std::vector<std::wstring>{L"W [ORLOSDK]OrloNetworkRetry::GenericRetryHandler - retry attempts[1]"}));

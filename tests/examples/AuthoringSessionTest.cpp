@@ -34,7 +34,13 @@ TEST(AuthoringSession, TellsItsStoryAgainstAPlatformOfItsOwn)
     EXPECT_THAT(run.output, HasSubstr("All my projects, 2 of them:\n     - 滨江医院一期\n     - Riverside School\n"));
     EXPECT_THAT(run.output, HasSubstr("Loaded by its id: 滨江医院一期, ongoing\n"));
     EXPECT_THAT(run.output, HasSubstr("Projects: 2 used of 20\n"));
-    EXPECT_THAT(run.output, HasSubstr("Space:    0 used of 100\n"));
+    EXPECT_THAT(run.output, HasSubstr("   └─ 默认团队\n      └─ [结构模型]\n"));
+    EXPECT_THAT(run.output, HasSubstr("         ├─ 建筑未命名楼层 at 0.000\n         └─ 二层 at 3.600\n"));
+    EXPECT_THAT(run.output, HasSubstr("Versions kept by the platform: 2\n"));
+    EXPECT_THAT(run.output, HasSubstr("Downloaded it again; the bytes are the same.\n"));
+    EXPECT_THAT(run.output, HasSubstr("Published that version.\n"));
+    EXPECT_THAT(run.output, HasSubstr("Downloaded twelve blocks of a model at once; the bytes are the same.\n"));
+    EXPECT_THAT(run.output, HasSubstr("Space:    1048576 used of 100\n"));
     EXPECT_THAT(run.output, HasSubstr("the platform answered with an error status (404)"));
     EXPECT_THAT(run.output, HasSubstr("in its own words: data.name is empty\n"));
     EXPECT_THAT(run.output, HasSubstr("Signed out.\n"));

@@ -1,8 +1,9 @@
 #include "WorkPermit.h"
 
 #include <openssl/crypto.h>
-#include <pplx/pplxtasks.h>
+#include <pplx/threadpool.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
@@ -47,7 +48,7 @@ bool makeWhatIsUsed()
 {
     OPENSSL_init_crypto(OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr); // it does nothing for nothing
     try {
-        pplx::create_task([] {});
+        crossplat::threadpool::shared_instance();
     }
     catch (const std::exception&) { // no thread to be had; the work itself will say so
     }
