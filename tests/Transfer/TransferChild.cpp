@@ -23,7 +23,7 @@
 #include <thread>
 
 /// What this program leaves behind when it ends in the middle of its work is no leak; for a build with the address sanitizer.
-extern "C" const char* __asan_default_options()
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options()
 {
     return "detect_leaks=0";
 }
