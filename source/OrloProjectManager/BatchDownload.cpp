@@ -92,8 +92,13 @@ void DownloadBatchFilesHandler::startFirst(OrloCallbackContext& context)
     if (m_entries.empty())
         return stall(context);
     const size_t count = std::min(m_entries.size(), width);
+    {
+        // All of them are taken at once: a stream that ends while they start goes on behind them.
+        const std::lock_guard lock(m_mutex);
+        m_next = count;
+    }
     for (size_t i = 0; i < count; ++i)
-        startNext(context);
+        start(m_entries[i], context);
 }
 
 void DownloadBatchFilesHandler::finishOne(OrloCallbackContext& context)
@@ -116,9 +121,12 @@ void DownloadBatchFilesHandler::startNext(OrloCallbackContext& context)
         const std::lock_guard lock(m_mutex);
         index = m_next++;
     }
-    if (index >= m_entries.size())
-        return;
-    const Entry& entry = m_entries[index];
+    if (index < m_entries.size())
+        start(m_entries[index], context);
+}
+
+void DownloadBatchFilesHandler::start(const Entry& entry, OrloCallbackContext& context)
+{
     const size_t slash = entry.datasetFilePath.find(L'/');
     if (slash == std::wstring::npos)
         return refuseEntry(context, L"invalid seed which has no '/'");

@@ -36,6 +36,7 @@ private:
     void startFirst(OrloCallbackContext& context);
     void finishOne(OrloCallbackContext& context);
     void startNext(OrloCallbackContext& context);
+    void start(const Entry& entry, OrloCallbackContext& context);
     void refuseEntry(OrloCallbackContext& context, const wchar_t* words);
     void stream(const Entry& entry, const std::wstring& target, bool propagate);
     void stall(OrloCallbackContext& context);

@@ -62,6 +62,7 @@ protected:
     {
         store.expect("PUT", "/b?sig=1").anyBody().header("Content-Encoding", "gzip").header("Content-Type", "").reply(200, "", "");
         expectOutcome(upload(content), true, 200, L"r/f");
+        ASSERT_EQ(store.requestCount(), 1U);
         const Request put = store.requests().back();
         EXPECT_EQ(gunzip(put.body), content);
         EXPECT_EQ(put.header("Content-Length"), std::to_string(put.body.size()));
