@@ -3,6 +3,7 @@
 #include "Platform.h"
 #include "Story.h"
 
+#include <OrloProjectManager/Projects/ICollaborationFolder.h>
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
 
 #include <memory>
@@ -21,6 +22,16 @@ void spaces(Story& story, orlo::ICollaborationProject& project);
 /// Uploads files, brings them back, singly and a dozen at once, compares the bytes, and publishes one as a version of a dataset.
 void files(Story& story, orlo::ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder);
 
+/// Uploads what an earlier session handed to jobs and didn't live to upload; silent if there is nothing.
+void earlierJobs(Story& story);
+
+/// Hands files to jobs, is told when each of them ends, and shows the folder with the new datasets.
+void jobs(Story& story, orlo::ICollaborationProject& project, const std::wstring& localFolder);
+
+/// The same, but the process is killed while some of the files wait. Only on a platform of our own.
+[[noreturn]] void crashAmidJobs(Story& story, orlo::ICollaborationProject& project, const Platform& platform,
+                                const std::wstring& localFolder);
+
 /// Reads what the account may use and what of it is used.
 void resources(Story& story);
 
@@ -29,5 +40,11 @@ void failures(Story& story);
 
 /// Draws the project's folders with their datasets.
 void showFolders(Story& story, orlo::ICollaborationProject& project);
+
+/// Draws one folder with its datasets and what is below it.
+void showFolder(Story& story, const orlo::ICollaborationFolder& folder);
+
+/// The first folder of the project, as the platform has it now. Valid until the project's folders are read again.
+const orlo::ICollaborationFolder& firstFolder(Story& story, orlo::ICollaborationProject& project);
 
 } // namespace session

@@ -1,4 +1,5 @@
 #include "Chapters.h"
+#include "LocalFiles.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/JsonWrapper.h>
@@ -12,24 +13,6 @@ using namespace orlo;
 
 namespace {
 
-/// A drawing of some size, as bytes that no two files share.
-std::string drawing(size_t size, unsigned seed)
-{
-    std::string bytes(size, '\0');
-    for (char& byte : bytes) {
-        seed = seed * 1664525U + 1013904223U;
-        byte = static_cast<char>(seed >> 24);
-    }
-    return bytes;
-}
-
-std::wstring makeFile(Story& story, const std::wstring& folder, const std::wstring& name, const std::string& bytes)
-{
-    const std::wstring path = FilePath::Combine(folder, name);
-    story.expect(utils::createDirectoryRecursively(folder) && utils::writeFileAtomically(path, bytes), L"the file could not be made");
-    return path;
-}
-
 std::wstring remotePathOf(const std::wstring& message)
 {
     JsonWrapper told;
@@ -37,32 +20,24 @@ std::wstring remotePathOf(const std::wstring& message)
     return told.Parse(utils::toString(message)) && told.Get("remoteFilePath", path) ? utils::toWstring(path) : message;
 }
 
-bool isSame(const std::wstring& path, const std::string& bytes)
-{
-    std::string found;
-    return utils::readWholeFile(path, found) && found == bytes;
-}
-
 void upAndDown(Story& story, const std::wstring& folder)
 {
     ErrorCode error;
-    const std::string bytes = drawing(3 << 20, 1);
+    const std::string bytes = drawingBytes(3 << 20, 1);
     const PromiseData up = IFileManager::UploadFile(makeFile(story, folder, L"总平面图.dwg", bytes), L"", L"", error).get();
     story.expect(up.success, L"the upload failed: " + up.message, error);
     story.say(L"Uploaded 3 MiB to " + remotePathOf(up.message));
 
     const std::wstring copy = FilePath::Combine(folder, L"总平面图 (copy).dwg");
     const PromiseData down = IFileManager::DownloadFile(remotePathOf(up.message), copy, error).get();
-    story.expect(down.success && isSame(down.message, bytes), L"the file did not come back: " + down.message, error);
+    story.expect(down.success && hasBytes(down.message, bytes), L"the file did not come back: " + down.message, error);
     story.say(L"Downloaded it again; the bytes are the same.");
 }
 
 std::string publishFile(Story& story, ICollaborationProject& project, const std::wstring& path)
 {
     ErrorCode error;
-    const ICollaborationProject::Folders roots = project.GetFolders(error);
-    story.expect(!roots.empty() && !roots.front()->GetSubFolders().empty(), L"the project has no folder", error);
-    const ICollaborationFolder& folder = *roots.front()->GetSubFolders().front();
+    const ICollaborationFolder& folder = firstFolder(story, project);
     const auto file = ICollaborationFileManager::Get()->UploadFile(folder.GetId(), path, error);
     story.expect(file != nullptr, L"the file could not become a dataset", error);
     story.say(L"A file became a dataset in the folder " + folder.GetName() + L", version " + std::to_wstring(file->GetVersion()) + L", " +
@@ -84,7 +59,7 @@ void aDozenAtOnce(Story& story, const Platform& platform, const std::string& dat
     std::vector<std::string> seeds;
     for (int i = 1; i <= 12; ++i) {
         seeds.push_back(nameOfBlock(i));
-        platform.addDatasetFile(datasetId, seeds.back(), drawing(256 << 10, 100 + static_cast<unsigned>(i)));
+        platform.addDatasetFile(datasetId, seeds.back(), drawingBytes(256 << 10, 100 + static_cast<unsigned>(i)));
     }
     ErrorCode error;
     const PromiseData batch = HttpClient::downloadBatchFiles(error, "model", datasetId, seeds, nullptr).get();
@@ -92,7 +67,7 @@ void aDozenAtOnce(Story& story, const Platform& platform, const std::string& dat
     const std::wstring cache = FilePath::Combine(utils::getLocalFileCachePath(), utils::toWstring(datasetId));
     for (int i = 1; i <= 12; ++i) {
         const std::wstring path = FilePath::Combine(cache, utils::toWstring(nameOfBlock(i)));
-        story.expect(isSame(path, drawing(256 << 10, 100 + static_cast<unsigned>(i))), L"a block of the batch differs");
+        story.expect(hasBytes(path, drawingBytes(256 << 10, 100 + static_cast<unsigned>(i))), L"a block of the batch differs");
     }
     story.say(L"Downloaded twelve blocks of a model at once; the bytes are the same.");
 }
@@ -112,7 +87,7 @@ void files(Story& story, ICollaborationProject& project, const Platform& platfor
 {
     story.chapter(L"Files");
     upAndDown(story, localFolder);
-    const std::string datasetId = publishFile(story, project, makeFile(story, localFolder, L"一层平面图.dwg", drawing(1 << 20, 2)));
+    const std::string datasetId = publishFile(story, project, makeFile(story, localFolder, L"一层平面图.dwg", drawingBytes(1 << 20, 2)));
     if (!platform.isOurOwn())
         return;
     aDozenAtOnce(story, platform, datasetId);

@@ -49,10 +49,22 @@ void showFolders(Story& story, ICollaborationProject& project)
     ErrorCode error;
     ICollaborationProject::Folders roots;
     story.expect(project.GetProjectFolders(roots, error), L"the folders could not be read", error);
-    for (const auto& root : roots) {
-        for (const std::wstring& line : linesOf(drawn(*root)))
-            story.say(line);
-    }
+    for (const auto& root : roots)
+        showFolder(story, *root);
+}
+
+void showFolder(Story& story, const ICollaborationFolder& folder)
+{
+    for (const std::wstring& line : linesOf(drawn(folder)))
+        story.say(line);
+}
+
+const ICollaborationFolder& firstFolder(Story& story, ICollaborationProject& project)
+{
+    ErrorCode error;
+    const ICollaborationProject::Folders roots = project.GetFolders(error);
+    story.expect(!roots.empty() && !roots.front()->GetSubFolders().empty(), L"the project has no folder", error);
+    return *roots.front()->GetSubFolders().front();
 }
 
 void folders(Story& story, ICollaborationProject& project)

@@ -11,7 +11,17 @@ namespace session {
 using namespace orlo::utils;
 using orlo::platform::LocalPlatform;
 
-SessionFolder::SessionFolder() : m_path(std::filesystem::temp_directory_path() / makePath(L"AuthoringSession-" + generateGuid()))
+namespace {
+
+std::filesystem::path pathOf(const std::string& kept)
+{
+    return kept.empty() ? std::filesystem::temp_directory_path() / makePath(L"AuthoringSession-" + generateGuid())
+                        : std::filesystem::absolute(makePath(toWstring(kept)));
+}
+
+} // namespace
+
+SessionFolder::SessionFolder(const std::string& kept) : m_path(pathOf(kept)), m_isKept(!kept.empty())
 {
     std::filesystem::create_directories(m_path);
 }
@@ -19,7 +29,8 @@ SessionFolder::SessionFolder() : m_path(std::filesystem::temp_directory_path() /
 SessionFolder::~SessionFolder()
 {
     std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
+    if (!m_isKept)
+        std::filesystem::remove_all(m_path, ignored);
 }
 
 std::wstring SessionFolder::path(const std::wstring& name) const
@@ -35,7 +46,7 @@ Platform::Platform(const std::string& url, const SessionFolder& folder) : m_url(
     options.dataFolder = toString(folder.path(L"platform"));
     options.seedDemo = true;
     m_own = std::make_unique<LocalPlatform>(options);
-    m_own->setQuota("demo-account", 20, 100);
+    m_own->setQuota("demo-account", 500, 100);
     m_own->start();
     m_url = m_own->url();
 }
@@ -50,6 +61,19 @@ std::wstring Platform::url() const
 void Platform::addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes) const
 {
     m_own->addDatasetFile(datasetId, path, bytes);
+}
+
+void Platform::slowUploadsDown() const
+{
+    constexpr int tenMinutes = 600000;
+    orlo::platform::Fault slow;
+    slow.kind = orlo::platform::FaultKind::Delay;
+    slow.method = "PUT";
+    slow.path = "/blobs/";
+    slow.prefix = true;
+    slow.calls = -1;
+    slow.delayMilliseconds = tenMinutes;
+    m_own->addFault(slow);
 }
 
 } // namespace session

@@ -10,11 +10,12 @@ class LocalPlatform;
 
 namespace session {
 
-/// A folder for the length of one session.
+/// The folder of a session: one that is kept for the next session, or one that goes with this one.
 class SessionFolder
 {
 public:
-    SessionFolder();
+    /// kept: empty for a folder that goes.
+    explicit SessionFolder(const std::string& kept);
     ~SessionFolder();
     SessionFolder(const SessionFolder&) = delete;
     SessionFolder& operator=(const SessionFolder&) = delete;
@@ -23,6 +24,7 @@ public:
 
 private:
     std::filesystem::path m_path;
+    bool m_isKept;
 };
 
 /// The platform that the session talks to over HTTP: the one at an address, or one of its own in this process.
@@ -39,6 +41,8 @@ public:
 
     /// Puts a file into a dataset, as another application would have. Only on a platform of our own.
     void addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes) const;
+    /// No upload comes to its end from now on. Only on a platform of our own.
+    void slowUploadsDown() const;
 
 private:
     std::unique_ptr<orlo::platform::LocalPlatform> m_own;

@@ -164,5 +164,21 @@ TEST(SlotOrder, ofAProjectsItemConfigurationsAndComponents)
     EXPECT_EQ(virtualSlot<bool (P::*)(Ids)>(&P::AddComponentsWithIds), 67u);
 }
 
+TEST(SlotOrder, ofACollaborationFile)
+{
+    using F = ICollaborationFile;
+    EXPECT_EQ(virtualSlot(&F::GetId), 2u);
+    EXPECT_EQ(virtualSlot(&F::GetVersion), 3u);
+    EXPECT_EQ(virtualSlot(&F::GetLength), 4u);
+}
+
+TEST(SlotOrder, ofTheCollaborationFileManager)
+{
+    using M = ICollaborationFileManager;
+    using File = std::shared_ptr<ICollaborationFile>;
+    EXPECT_EQ(virtualSlot<File (M::*)(Text, Text, ErrorCode&)>(&M::UploadFile), 2u);
+    EXPECT_EQ(virtualSlot<File (M::*)(const std::string&, Text, ErrorCode&)>(&M::UpdateFile), 3u);
+}
+
 } // namespace
 } // namespace orlo::test

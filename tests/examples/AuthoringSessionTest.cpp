@@ -33,17 +33,49 @@ TEST(AuthoringSession, TellsItsStoryAgainstAPlatformOfItsOwn)
     EXPECT_THAT(run.output, HasSubstr("Signed in as demo\n"));
     EXPECT_THAT(run.output, HasSubstr("All my projects, 2 of them:\n     - 滨江医院一期\n     - Riverside School\n"));
     EXPECT_THAT(run.output, HasSubstr("Loaded by its id: 滨江医院一期, ongoing\n"));
-    EXPECT_THAT(run.output, HasSubstr("Projects: 2 used of 20\n"));
+    EXPECT_THAT(run.output, Not(HasSubstr("What an earlier session left")));
+    EXPECT_THAT(run.output, HasSubstr("Projects: 2 used of 500\n"));
     EXPECT_THAT(run.output, HasSubstr("   └─ 默认团队\n      └─ [结构模型]\n"));
     EXPECT_THAT(run.output, HasSubstr("         ├─ 建筑未命名楼层 at 0.000\n         └─ 二层 at 3.600\n"));
     EXPECT_THAT(run.output, HasSubstr("Versions kept by the platform: 2\n"));
     EXPECT_THAT(run.output, HasSubstr("Downloaded it again; the bytes are the same.\n"));
     EXPECT_THAT(run.output, HasSubstr("Published that version.\n"));
     EXPECT_THAT(run.output, HasSubstr("Downloaded twelve blocks of a model at once; the bytes are the same.\n"));
-    EXPECT_THAT(run.output, HasSubstr("Space:    1048576 used of 100\n"));
+    EXPECT_THAT(run.output, HasSubstr("Space:    2621440 used of 100\n"));
     EXPECT_THAT(run.output, HasSubstr("the platform answered with an error status (404)"));
     EXPECT_THAT(run.output, HasSubstr("in its own words: data.name is empty\n"));
     EXPECT_THAT(run.output, HasSubstr("Signed out.\n"));
+}
+
+TEST(AuthoringSession, HandsFilesToJobsAndIsToldWhenTheyEnd)
+{
+    const RunResult run = runProgram(quoted(AUTHORING_SESSION));
+    EXPECT_EQ(0, run.exitCode);
+    const std::string chapter = run.output.substr(run.output.find("6. Jobs\n"), run.output.find("\n7. ") - run.output.find("6. Jobs\n"));
+    EXPECT_THAT(chapter, HasSubstr("6. Jobs\n   Handed over 立面图.dwg\n   Handed over structure.ifc\n   Handed over schedule.xlsx\n"));
+    for (const char* name : {"立面图.dwg", "structure.ifc", "schedule.xlsx"}) {
+        EXPECT_THAT(chapter, HasSubstr("   " + std::string(name) + " has been uploaded.\n"));
+        EXPECT_THAT(chapter, HasSubstr("─ [" + std::string(name) + "]\n"));
+    }
+    EXPECT_THAT(chapter, HasSubstr("   Process\n   ├─ [一层平面图.dwg]\n"));
+}
+
+TEST(AuthoringSession, SaysWhyAJobFailed)
+{
+    DemoPlatform platform;
+    Fault fault;
+    fault.path = "/file/doc/upload/url/with/filename";
+    fault.status = 403;
+    fault.body = "the store is closed";
+    fault.calls = -1;
+    const int id = platform.addFault(fault);
+    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --url " + platform.url() + " 2>&1");
+    EXPECT_EQ(1, run.exitCode);
+    EXPECT_GE(platform.faultCount(id), 1);
+    EXPECT_THAT(run.output,
+                HasSubstr("could not be uploaded: the platform could not be reached, or an exception was caught (10011), in its "
+                          "own words: 上传文件失败：the store is closed\n"));
+    EXPECT_THAT(run.output, HasSubstr("The session failed: a job failed"));
 }
 
 TEST(AuthoringSession, UsesThePlatformAtAnAddress)
@@ -88,9 +120,12 @@ TEST(AuthoringSession, FailsWithTheReasonAndTheLogWhenThePlatformRefuses)
 
 TEST(AuthoringSession, ExplainsItselfWhenItIsCalledWrongly)
 {
-    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --nonsense 2>&1");
-    EXPECT_EQ(2, run.exitCode);
-    EXPECT_THAT(run.output, HasSubstr("usage: AuthoringSession [--url URL]"));
+    for (const char* words : {"--nonsense", "--url", "--data", "--url ''", "--crash", "--crash --url http://127.0.0.1:1",
+                              "--crash --data somewhere --url http://127.0.0.1:1"}) {
+        const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " " + words + " 2>&1");
+        EXPECT_EQ(2, run.exitCode) << words;
+        EXPECT_THAT(run.output, HasSubstr("usage: AuthoringSession [--url URL] [--data DIR [--crash]]")) << words;
+    }
 }
 
 } // namespace

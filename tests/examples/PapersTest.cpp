@@ -1,3 +1,4 @@
+#include "Jobs/Sql.h"
 #include "RunProgram.h"
 #include "support/TempFolder.h"
 
@@ -5,17 +6,23 @@
 
 #include <LocalPlatform/LocalPlatform.h>
 #include <filesystem>
+#include <numeric>
 #include <regex>
+#include <set>
+#include <sstream>
 
 // The programs and links of the papers. The programs are built from the papers' own text.
 namespace {
 
 using orlo::platform::LocalPlatform;
+using orlo::platform::Options;
 using orlo::test::quoted;
 using orlo::test::readFile;
 using orlo::test::runProgram;
 using orlo::test::RunResult;
+using orlo::test::sqlTexts;
 using orlo::test::TempFolder;
+using orlo::test::writeFile;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -36,6 +43,16 @@ void addDemoProject(LocalPlatform& platform, const std::string& name)
     seed.name = name;
     seed.ownerAccountId = "demo-account";
     platform.addProject(seed);
+}
+
+/// What two threads print may come in any order.
+std::string sortedLines(const std::string& text)
+{
+    std::istringstream lines(text);
+    std::multiset<std::string> sorted;
+    for (std::string line; std::getline(lines, line);)
+        sorted.insert(line + "\n");
+    return std::accumulate(sorted.begin(), sorted.end(), std::string());
 }
 
 /// The blocks of a paper that quote a file of the tree: name of the file, text.
@@ -109,6 +126,65 @@ TEST(HostGuide, OwnLoggerSeesNoSecret)
     const RunResult run = runProgram(quoted(OWN_LOGGER));
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("info  项目 opened with ***\n", run.output);
+}
+
+/// A platform with the project "p-1", in a folder together with the host's local files.
+class UploadLater : public testing::Test
+{
+protected:
+    void SetUp() override { platform.start(); }
+
+    Options options() const { return {folder.path("platform").string(), 0, true}; }
+
+    /// Makes the project and gives the id of its root folder, while nobody else has the database open.
+    std::string seedProject() const
+    {
+        orlo::platform::ProjectSeed seed;
+        seed.id = "p-1";
+        seed.name = "滨江医院一期";
+        seed.ownerAccountId = "demo-account";
+        LocalPlatform(options()).addProject(seed);
+        return sqlTexts(folder.path("platform/platform.db"), "SELECT id FROM folder ORDER BY rank LIMIT 1").at(0);
+    }
+
+    RunResult run(const std::string& folderId, const std::string& file) const
+    {
+        std::string command = quoted(UPLOAD_LATER);
+        for (const std::string& word : {platform.url(), folder.path("host").string(), std::string("p-1"), folderId, file})
+            command += " " + quoted(word);
+        return runProgram(command);
+    }
+
+    const TempFolder folder;
+    const std::string rootFolder = seedProject();
+    LocalPlatform platform{options()};
+};
+
+TEST_F(UploadLater, HandsAFileToAJobAndTellsItsEnd)
+{
+    writeFile(folder.path("平面图.dwg"), "the drawing");
+    const RunResult run = this->run(rootFolder, folder.path("平面图.dwg").u8string());
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("accepted\nuploaded\n", sortedLines(run.output));
+    ASSERT_EQ(1u, platform.blobs().size());
+    EXPECT_EQ("平面图.dwg", platform.blobs()[0].fileName);
+    EXPECT_EQ("the drawing", platform.blob(platform.blobs()[0].remotePath));
+}
+
+TEST_F(UploadLater, TellsTheReasonOfAFailure)
+{
+    writeFile(folder.path("plan.dwg"), "the drawing");
+    const RunResult run = this->run("no-such-folder", folder.path("plan.dwg").u8string());
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("accepted\n"));
+    EXPECT_THAT(run.output, HasSubstr("上传文件失败：{\"code\":40400,\"message\":\"no such folder: no-such-folder\""));
+}
+
+TEST_F(UploadLater, AcceptsNoFileThatIsNotThere)
+{
+    const RunResult run = this->run(rootFolder, folder.path("gone.dwg").u8string());
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("not accepted\n", run.output);
 }
 
 TEST(Papers, QuoteTheTreeAsItStands)

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <thread>
 #include <utility>
 
@@ -25,6 +26,7 @@
 #include <pwd.h>
 #include <stdlib.h> // secure_getenv
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -119,6 +121,9 @@ std::size_t memoryLimit()
     status.dwLength = sizeof status;
     return GlobalMemoryStatusEx(&status) ? static_cast<std::size_t>(status.ullTotalPhys) : std::size_t{1} << 30;
 }
+
+void expectFilling(void*, std::size_t)
+{}
 
 std::filesystem::path toSystemPath(const std::wstring& text)
 {
@@ -314,6 +319,15 @@ std::size_t memoryLimit()
     rlimit limit{};
     const bool limited = ::getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
     return limited ? std::min(machine, static_cast<std::size_t>(limit.rlim_cur)) : machine;
+}
+
+// Whole large pages inside the range only: what lies beside it is somebody else's.
+void expectFilling(void* memory, std::size_t bytes)
+{
+    constexpr std::size_t large = std::size_t{2} << 20;
+    std::size_t room = bytes;
+    if (std::align(large, large, memory, room))
+        ::madvise(memory, room / large * large, MADV_HUGEPAGE);
 }
 
 std::filesystem::path toSystemPath(const std::wstring& text)

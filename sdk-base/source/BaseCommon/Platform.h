@@ -19,6 +19,9 @@ ORLO_BASE_API unsigned long currentProcessId();
 /// How much memory this process can ever have, in bytes: that of the machine, or less where the process is limited.
 ORLO_BASE_API std::size_t memoryLimit();
 
+/// Says that this much memory is about to be filled: a system that can hands it out in large pages, which is several times faster.
+ORLO_BASE_API void expectFilling(void* memory, std::size_t bytes);
+
 /// The path in the form that the system takes at any length.
 ORLO_BASE_API std::filesystem::path toSystemPath(const std::wstring& text);
 ORLO_BASE_API std::wstring fromSystemPath(const std::filesystem::path& path);

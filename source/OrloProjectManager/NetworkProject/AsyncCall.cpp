@@ -25,11 +25,11 @@ void Step::complete(int status, const std::wstring& body, const std::vector<unsi
         complete(status, body);
 }
 
-void noteStatus(const Step& step, const http_response& response, const std::string& body)
+void noteStatus(ErrorCode& error, const http_response& response, const std::string& body)
 {
     const int status = response.status_code();
     if (status >= 400)
-        step.error->Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", utils::toWstring(body), status, 0));
+        error.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", utils::toWstring(body), status, 0));
 }
 
 namespace {
@@ -82,7 +82,7 @@ void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)>
     exchange(
         step, [call] { return call.prepare(); }, receive,
         [step, call, body, answered = std::move(answered)](http_response response) {
-            noteStatus(step, response, *body);
+            noteStatus(*step.error, response, *body);
             response.set_body(std::move(*body), "application/json");
             WebAnswer answer = call.answer(response, *step.error);
             answered(answer);

@@ -33,7 +33,7 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, std::f
 /// The same for a REST operation, with the answer in memory. A status of 400 or above is left in the step's ErrorCode.
 void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered);
 
-/// Leaves an error status in the step's ErrorCode; a status below 400 leaves it alone.
-void noteStatus(const Step& step, const web::http::http_response& response, const std::string& body);
+/// Leaves an error status in the ErrorCode; a status below 400 leaves it alone.
+void noteStatus(ErrorCode& error, const web::http::http_response& response, const std::string& body);
 
 } // namespace orlo

@@ -1,6 +1,6 @@
 #include "StreamWeb.h"
 
-#include "../Log.h"
+#include "../CallFrame.h"
 #include "AsyncCall.h"
 #include "GzipPayload.h"
 
@@ -11,6 +11,7 @@
 #include <BaseCommon/Uuid.h>
 #include <OrloLogging/TimeCostingHelper.h>
 #include <OrloNetwork/Inflate.h>
+#include <OrloNetwork/SinkBuffer.h>
 #include <OrloNetwork/TempFile.h>
 #include <OrloNetwork/WebRequest.h>
 
@@ -72,13 +73,20 @@ void setBody(web::http::http_request& request, const Payload& payload)
     request.set_body(concurrency::streams::istream(concurrency::streams::streambuf<std::uint8_t>(kept)), payload.size, utility::string_t());
 }
 
-bool isOk(const Step& step, const http_response& response, const wchar_t* words)
+bool isOk(const http_response& response, const wchar_t* words)
 {
     if (response.status_code() == web::http::status_codes::OK)
         return true;
     log::error(words + std::to_wstring(response.status_code()));
-    step.stop();
     return false;
+}
+
+bool isOk(const Step& step, const http_response& response, const wchar_t* words)
+{
+    const bool ok = isOk(response, words);
+    if (!ok)
+        step.stop();
+    return ok;
 }
 
 /// The answer to an upload as JSON text; empty for one that is no JSON, since the store may answer anything.
@@ -129,7 +137,21 @@ bool saysCompressed(const http_response& response)
 /// One wide character for each byte.
 std::wstring widened(const std::vector<unsigned char>& bytes)
 {
-    return {bytes.begin(), bytes.end()};
+    std::wstring wide;
+    wide.reserve(bytes.size());
+    utils::expectFilling(wide.data(), wide.capacity() * sizeof(wchar_t));
+    wide.resize(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), wide.begin());
+    return wide;
+}
+
+void append(std::vector<unsigned char>& received, const std::uint8_t* bytes, size_t count)
+{
+    if (received.capacity() - received.size() < count) {
+        received.reserve(std::max(received.size() + count, 2 * received.capacity()));
+        utils::expectFilling(received.data() + received.size(), received.capacity() - received.size());
+    }
+    received.insert(received.end(), bytes, bytes + count);
 }
 
 /// The bytes of an answer, inflated where it says that it is compressed. The words of an error that can't be inflated stay as
@@ -152,7 +174,7 @@ void fileArrived(const Step& step, const http_response& response, std::vector<un
 {
     const int status = response.status_code();
     const std::vector<unsigned char> bytes = contentOf(response, std::move(received));
-    noteStatus(step, response, status < 400 ? std::string() : textOf(bytes));
+    noteStatus(*step.error, response, status < 400 ? std::string() : textOf(bytes));
     if (!isOk(step, response, L"OrloWebService::GetFileAsync - code:")) {
         step.complete(status, step.error->GetErrorMessage(), {});
     }
@@ -186,7 +208,10 @@ struct StreamTarget
     {
         file.close();
         utils::createDirectoryRecursively(FilePath(target).GetDirectoryName());
-        return file.moveTo(target);
+        if (file.moveTo(target))
+            return true;
+        log::error(L"Failed to move file to \"" + target + L"\"");
+        return false;
     }
 
     std::wstring target;
@@ -196,11 +221,9 @@ struct StreamTarget
 
 void streamArrived(const Step& step, const http_response& response, StreamTarget& stream)
 {
-    noteStatus(step, response, stream.head);
-    if (isOk(step, response, L"OrloWebService::GetFileByStreamModeAsync - code:") && !stream.moveToPlace()) {
-        log::error(L"Failed to move file to \"" + stream.target + L"\"");
+    noteStatus(*step.error, response, stream.head);
+    if (isOk(step, response, L"OrloWebService::GetFileByStreamModeAsync - code:") && !stream.moveToPlace())
         step.stop();
-    }
     step.complete(response.status_code(), std::wstring());
     endTransfer(L"END TO GetFileByStreamModeAsync.", streamLabel);
 }
@@ -226,7 +249,7 @@ bool PutFileAsync(ErrorCode& error, const std::string& url, const std::string& c
         answer->append(reinterpret_cast<const char*>(bytes), std::min(count, largestAnswer - answer->size()));
     };
     exchange(step, put, receive, [step, answer](const http_response& response) {
-        noteStatus(step, response, *answer);
+        noteStatus(*step.error, response, *answer);
         const bool ok = isOk(step, response, L"OrloWebService::PutFileAsync - code:");
         step.complete(response.status_code(), ok ? jsonOrNothing(*answer) : step.error->GetErrorMessage());
         endTransfer(L"END TO PutFile.", putLabel);
@@ -244,7 +267,7 @@ void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& cont
         return made;
     };
     const auto received = std::make_shared<std::vector<unsigned char>>();
-    const auto receive = [received](const std::uint8_t* bytes, size_t count) { received->insert(received->end(), bytes, bytes + count); };
+    const auto receive = [received](const std::uint8_t* bytes, size_t count) { append(*received, bytes, count); };
     exchange(step, get, receive, [step, received](const http_response& response) { fileArrived(step, response, std::move(*received)); });
 }
 
@@ -257,6 +280,27 @@ void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const s
     exchange(
         step, [url, pieces] { return signedExchange(methods::GET, url, bytesOf(pieces)); }, receive,
         [step, stream](const http_response& response) { streamArrived(step, response, *stream); });
+}
+
+bool DownloadFileFromUrl(ErrorCode& error, const std::wstring& url, const std::wstring& target)
+try {
+    const auto stream = std::make_shared<StreamTarget>(target);
+    const Exchange made = signedExchange(methods::GET, url, bytesOf(Pieces::small));
+    made.request->set_response_stream(
+        http::SinkBuffer::stream([stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); }));
+    LogRequest(*made.client, *made.request);
+    const http_response response = made.client->request(*made.request).get();
+    response.content_ready().get();
+    LogResponse(response, *made.request, error);
+    noteStatus(error, response, stream->head);
+    if (!isOk(response, L"OrloWebService::DownloadFileFromUrl - code:"))
+        return false;
+    if (stream->moveToPlace())
+        return true;
+    return refuse(error, error::exception, L"the file can't be moved to its place");
+}
+catch (const web::uri_exception&) { // its text is the address, signature and all
+    return refuse(error, error::badInput, L"the address is not a valid URI");
 }
 
 } // namespace orlo::OrloWebService

@@ -29,6 +29,10 @@ void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& cont
 void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context,
                               Pieces pieces = Pieces::large);
 
+/// The same without a chain, for callers that wait: a web function for SendNormalRequestWithRetry. Throws on a transport
+/// failure.   Returns: whether the whole file is in its place; without that, the target is as it was.
+bool DownloadFileFromUrl(ErrorCode& error, const std::wstring& url, const std::wstring& target);
+
 using CompressorMaker = std::unique_ptr<web::http::compression::compress_provider> (*)();
 /// For tests: what makes the gzip compressors. Null brings cpprestsdk's own back.
 void setCompressorMaker(CompressorMaker maker);
