@@ -1,5 +1,5 @@
 #include "FolderTrees.h"
-#include "SmallStack.h"
+#include "support/SmallStack.h"
 
 #include <OrloProjectManager/Folder.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>

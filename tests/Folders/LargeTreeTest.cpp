@@ -1,6 +1,6 @@
 #include "PlainPlatform.h"
 #include "Projects/ProjectTestSupport.h"
-#include "SmallStack.h"
+#include "support/SmallStack.h"
 
 #include <OrloProjectManager/Project.h>
 

@@ -40,6 +40,16 @@ TEST_F(UploadByArkivTest, takesTheWholeBodyWhereDataIsNoObject)
     expectOutcome(upload(), true, 200, L"p");
 }
 
+TEST_F(UploadByArkivTest, anAuthorityThatCanNotBeReadASecondTimeIsLoggedAndGivesNoAddress)
+{
+    expectAuthority().reply(200, R"({"huge":1e999,"data":)" + authority("doc/plan.dwg", atStore("/b")) + "}");
+    const PromiseData outcome = upload();
+    EXPECT_FALSE(outcome.success);
+    EXPECT_EQ(outcome.status, 5555);
+    EXPECT_TRUE(log.has(L"E [ORLOSDK] catch value::parse(all_data) error"));
+    EXPECT_EQ(store.requestCount(), 0U);
+}
+
 TEST_F(UploadByArkivTest, endsWithTheStatusWhenTheAuthorityIsRefused)
 {
     expectAuthority().reply(404, "gone");

@@ -21,7 +21,7 @@ std::wstring describe(const web::http::http_request& request)
 
 void LogRequest(const web::http::client::http_client& client, const web::http::http_request& request)
 {
-    const web::uri base = client.base_uri();
+    const web::uri& base = client.base_uri();
     ILogManager::Get()->LogInfo(L"[ORLOSDK]OrloWebService::LogRequest - " + describe(request) + L" at " + utils::fromNative(base.host()) +
                                 utils::fromNative(base.path()));
 }

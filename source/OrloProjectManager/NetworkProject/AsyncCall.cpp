@@ -56,7 +56,7 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, std::f
         made.request->set_response_stream(http::SinkBuffer::stream(std::move(sink)));
         OrloWebService::LogRequest(*made.client, *made.request);
         made.client->request(*made.request)
-            .then([made](http_response response) { return response.content_ready(); })
+            .then([made](const http_response& response) { return response.content_ready(); })
             .then([made, step, answered = std::move(answered)](const http_response& response) {
                 const http::WorkPermit permit;
                 if (!permit)

@@ -67,7 +67,7 @@ void setBody(web::http::http_request& request, const Payload& payload)
 {
     using concurrency::streams::rawptr_buffer;
     const rawptr_buffer<std::uint8_t> raw(payload.bytes, payload.size);
-    const auto base = raw.get_base();
+    const auto& base = raw.get_base();
     const std::shared_ptr<concurrency::streams::details::basic_streambuf<std::uint8_t>> kept(base.get(),
                                                                                              [base, owner = payload.owner](auto*) {});
     request.set_body(concurrency::streams::istream(concurrency::streams::streambuf<std::uint8_t>(kept)), payload.size, utility::string_t());

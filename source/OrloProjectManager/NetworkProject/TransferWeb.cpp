@@ -2,6 +2,7 @@
 
 #include "../CallFrame.h"
 #include "AsyncCall.h"
+#include "FieldReaders.h"
 
 #include <BaseCommon/Text.h>
 
@@ -26,11 +27,19 @@ enum class Authority { isTheBody, standsUnderData };
 
 std::wstring authorityText(WebAnswer& answer, Authority place)
 {
-    const std::wstring whole = utils::fromNative(answer.body().serialize());
+    const utility::string_t whole = answer.body().serialize();
     if (place == Authority::isTheBody)
-        return whole;
-    const web::json::value& data = answer.data();
-    return data.is_object() ? utils::fromNative(data.serialize()) : whole;
+        return utils::fromNative(whole);
+    try {
+        // Read once more, since not all that was read can be: a number beyond all bounds is written as no number.
+        const web::json::value envelope = web::json::value::parse(whole);
+        const web::json::value* const data = memberOf(envelope, L"data");
+        return utils::fromNative(data && data->is_object() ? data->serialize() : whole);
+    }
+    catch (const web::json::json_exception&) {
+        log::error(L" catch value::parse(all_data) error");
+        return utils::fromNative(whole);
+    }
 }
 
 /// The answer's JSON goes on to the handler as text. `bytes` says whether the handler is one that takes bytes beside it.

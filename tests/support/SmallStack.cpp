@@ -1,4 +1,4 @@
-#include "SmallStack.h"
+#include "support/SmallStack.h"
 
 #include <pthread.h>
 #include <stdexcept>
