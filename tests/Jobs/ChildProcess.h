@@ -16,6 +16,8 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
+    /// Of a process that runs.
+    pid_t id() const { return m_process; }
     /// Returns: the answer; an empty text if the process is gone or takes longer than a minute.
     std::string ask(const std::string& line);
     void tell(const std::string& line);

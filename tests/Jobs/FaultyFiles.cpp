@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <unistd.h>
+#include <utility>
 
 namespace orlo::test {
 
@@ -16,6 +17,13 @@ std::atomic<int> stepsDone{0};
 std::atomic<int> flushesDone{0};
 std::atomic<int> fullFrom{0};
 std::atomic<int> fatalStep{0};
+std::atomic<int> calledStep{0};
+
+std::function<void()>& called()
+{
+    static std::function<void()>& function = *new std::function<void()>;
+    return function;
+}
 
 sqlite3_vfs original;
 sqlite3_vfs faulty;
@@ -46,6 +54,14 @@ void die()
     ::pause();
 }
 
+int nextStep()
+{
+    const int step = ++stepsDone;
+    if (step == calledStep)
+        called()();
+    return step;
+}
+
 bool isFull(int step)
 {
     return fullFrom != 0 && step >= fullFrom;
@@ -53,7 +69,7 @@ bool isFull(int step)
 
 int writeFile(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 offset)
 {
-    const int step = ++stepsDone;
+    const int step = nextStep();
     if (step == fatalStep) {
         systemOf(file).xWrite(file, bytes, size / 2, offset);
         die();
@@ -63,7 +79,7 @@ int writeFile(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 off
 
 int truncateFile(sqlite3_file* file, sqlite3_int64 size)
 {
-    const int step = ++stepsDone;
+    const int step = nextStep();
     if (step == fatalStep)
         die();
     return systemOf(file).xTruncate(file, size);
@@ -71,7 +87,7 @@ int truncateFile(sqlite3_file* file, sqlite3_int64 size)
 
 int flushFile(sqlite3_file* file, int flags)
 {
-    const int step = ++stepsDone;
+    const int step = nextStep();
     ++flushesDone;
     if (step == fatalStep)
         die();
@@ -102,7 +118,7 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int*
 
 int deleteFile(sqlite3_vfs*, const char* name, int syncFolder)
 {
-    if (++stepsDone == fatalStep)
+    if (nextStep() == fatalStep)
         die();
     return original.xDelete(&original, name, syncFolder);
 }
@@ -132,6 +148,7 @@ void FaultyFiles::reset()
     flushesDone = 0;
     fullFrom = 0;
     fatalStep = 0;
+    calledStep = 0;
 }
 
 int FaultyFiles::steps() const
@@ -152,6 +169,12 @@ void FaultyFiles::fillDiskAt(int step)
 void FaultyFiles::killAt(int step)
 {
     fatalStep = step;
+}
+
+void FaultyFiles::callAt(int step, std::function<void()> function)
+{
+    called() = std::move(function);
+    calledStep = step;
 }
 
 } // namespace orlo::test

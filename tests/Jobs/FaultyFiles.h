@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 namespace orlo::test {
 
 /// While it lives, the files of every database that is opened pass through here, and the steps that change or flush one are counted.
@@ -21,6 +23,8 @@ public:
     void fillDiskAt(int step);
     /// At that step the process dies; a write is done by half first.
     void killAt(int step);
+    /// At that step, before it is done, the thread that does it calls the function.
+    void callAt(int step, std::function<void()> function);
 };
 
 } // namespace orlo::test

@@ -115,7 +115,7 @@ TEST_F(JobEvents, aCallbackThatOutlastsStopIsLetGo)
     EXPECT_FALSE(IJobManager::Stop());
     EXPECT_TRUE(log.has(L"W [ORLOSDK]the callback for job events outlasts the stop of the job manager"));
     ASSERT_TRUE(IJobManager::Start(workers(1)));
-    EXPECT_TRUE(IJobManager::Get()->RunsJobs()) << "the jobs themselves have ended";
+    EXPECT_TRUE(waitUntil([] { return IJobManager::Get()->RunsJobs(); })) << "the jobs themselves have ended";
     gate->open();
     EXPECT_TRUE(waitUntil([&] { return isOver->load(); }));
 }

@@ -63,8 +63,8 @@ TEST_F(JobMass, tenThousandWaitingJobsAreComparedAndAskedWithMeasure)
         job->mayRun = alone;
         IJobManager::Get()->AddJob(job);
     }
-    ASSERT_TRUE(waitUntil([&] { return asked == many; }));
-    EXPECT_EQ(TestJob::ranCount(), 1u);
+    // The first of them may get into its Run after the last was asked.
+    ASSERT_TRUE(waitUntil([&] { return asked == many && TestJob::ranCount() == 1; }));
     EXPECT_EQ(asked, many) << "each of them once, as long as none has ended";
     EXPECT_GE(longest, static_cast<std::size_t>(1));
     // A binary search of 14 steps, with two questions at each.

@@ -4,21 +4,16 @@
 //
 // Its jobs write their names to ROOT/ran, each name in a line, before they drop their rows.
 
-#include "Jobs/FaultyFiles.h"
+#include "Jobs/HostCommands.h"
 #include "Jobs/TestJob.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 #include <OrloJobManager/IJobManager.h>
-#include <OrloLogging/ILogManager.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <functional>
 #include <iostream>
-#include <map>
-#include <sstream>
 #include <string>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -26,47 +21,13 @@
 namespace {
 
 using namespace orlo;
+using orlo::test::dieAt;
 using orlo::test::TestJob;
-
-/// Keeps the latest error for whoever asks; "-" where there is none.
-class LastError : public ILogManager
-{
-public:
-    void LogInfo(const std::wstring&) override {}
-    void LogWarning(const std::wstring&) override {}
-    void LogError(const std::wstring& message) override
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_last = message;
-    }
-    void LogErrorAt(const std::string&, int, const std::string&, const std::wstring& message, const std::wstring&) override
-    {
-        LogError(message);
-    }
-    std::string take()
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_last.empty() ? "-" : utils::toString(m_last);
-    }
-
-private:
-    std::mutex m_mutex;
-    std::wstring m_last;
-};
+using orlo::test::yesOrNo;
 
 std::string root;
 std::shared_ptr<TestJob> latest;
-const auto lastError = std::make_shared<LastError>();
 const auto gate = std::make_shared<test::Gate>();
-std::string killPoint;
-
-void dieAt(const std::string& point)
-{
-    if (point != killPoint)
-        return;
-    ::kill(::getpid(), SIGKILL);
-    ::pause();
-}
 
 bool leaveName(TestJob& job)
 {
@@ -79,11 +40,6 @@ bool leaveName(TestJob& job)
     const bool isRemoved = job.remove();
     dieAt("remove");
     return isLeft && isRemoved;
-}
-
-std::string yesOrNo(bool answer)
-{
-    return answer ? "yes" : "no";
 }
 
 std::string save(const std::string& name)
@@ -116,35 +72,17 @@ std::string becomeNobody()
     return yesOrNo(::geteuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0));
 }
 
-std::string killAtStep(const std::string& step)
-{
-    static test::FaultyFiles& files = *new test::FaultyFiles;
-    files.reset();
-    files.killAt(std::stoi(step));
-    return "yes";
-}
-
-std::string start(const std::string& workers)
-{
-    JobManagerOptions options;
-    options.workers = workers.empty() ? 2 : static_cast<unsigned>(std::stoul(workers));
-    return yesOrNo(IJobManager::Start(options));
-}
-
 std::string add()
 {
     IJobManager::Get()->AddJob(latest);
     return "yes";
 }
 
-const std::map<std::string, std::function<std::string(const std::string&)>> commands = {
-    {"start", start},
-    {"stop", [](const std::string&) { return yesOrNo(IJobManager::Stop()); }},
+const test::HostCommands commands = {
     {"runs", [](const std::string&) { return yesOrNo(IJobManager::Get()->RunsJobs()); }},
     {"save", save},
     {"pour", pour},
     {"add", [](const std::string&) { return add(); }},
-    {"idle", [](const std::string&) { return yesOrNo(IJobManager::Get()->WaitForIdle(std::chrono::seconds(50))); }},
     {"jobs", [](const std::string&) { return std::to_string(IJobManager::Get()->GetJobs().size()); }},
     {"hold",
      [](const std::string&) {
@@ -154,13 +92,6 @@ const std::map<std::string, std::function<std::string(const std::string&)>> comm
     {"held", [](const std::string&) { return std::to_string(gate->arrived()); }},
     {"limit", limitFiles},
     {"nobody", [](const std::string&) { return becomeNobody(); }},
-    {"die-at",
-     [](const std::string& point) {
-         killPoint = point;
-         return std::string("yes");
-     }},
-    {"die-at-step", killAtStep},
-    {"error", [](const std::string&) { return lastError->take(); }},
 };
 
 } // namespace
@@ -170,17 +101,7 @@ int main(int argc, char** argv)
     if (argc != 2)
         return 2;
     root = argv[1];
-    ILogManager::Install(lastError);
     utils::setLocalRoot(utils::toWstring(root));
     TestJob::behave(leaveName);
-    std::string line;
-    while (std::getline(std::cin, line) && line != "leave") {
-        std::istringstream words(line);
-        std::string command;
-        std::string argument;
-        words >> command >> argument;
-        const auto found = commands.find(command);
-        std::cout << (found == commands.end() ? "what?" : found->second(argument)) << std::endl;
-    }
-    return 0;
+    return test::runHost(commands);
 }

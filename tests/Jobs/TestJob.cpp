@@ -135,7 +135,7 @@ bool Gate::wait()
 {
     ++m_arrived;
     std::unique_lock<std::mutex> lock(m_mutex);
-    return m_changed.wait_for(lock, std::chrono::seconds(30), [this] { return m_isOpen; });
+    return m_changed.wait_for(lock, std::chrono::seconds(60), [this] { return m_isOpen; });
 }
 
 TestJob::Behaviour waitAt(const std::shared_ptr<Gate>& gate)

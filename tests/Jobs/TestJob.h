@@ -49,7 +49,7 @@ public:
 /// The names, sorted.
 std::vector<std::string> namesOf(const IJobEntity::List& jobs);
 
-/// Holds jobs in their Run until it is opened, at most half a minute.
+/// Holds jobs in their Run until it is opened, at most a minute.
 class Gate
 {
 public:

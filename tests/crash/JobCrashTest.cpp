@@ -1,17 +1,14 @@
 #include "Jobs/ChildProcess.h"
 #include "Jobs/Sql.h"
+#include "crash/Kills.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <filesystem>
-#include <random>
+#include <iostream>
 #include <set>
 #include <sstream>
-#include <thread>
 
 // A host of the job library is killed; the next one finds every job that was accepted, and at the end no row is left.
 namespace orlo::test {
@@ -20,8 +17,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr int killed = 1000 + SIGKILL;
 
 /// The local root of one host after the other.
 class Root
@@ -104,7 +99,7 @@ TEST_P(JobCrashAt, losesNothingAndLeavesNothing)
     ASSERT_EQ(host.ask(std::string("die-at ") + GetParam().point), "yes");
     ASSERT_EQ(host.ask("save roof"), "yes");
     host.tell("add");
-    EXPECT_EQ(host.wait(), killed);
+    EXPECT_EQ(host.wait(), killedExit);
     root.finish();
     EXPECT_EQ(root.ran(), std::vector<std::string>(GetParam().runs, "roof"));
 }
@@ -164,19 +159,16 @@ INSTANTIATE_TEST_SUITE_P(JobCrash, JobCrashInFiles, testing::Bool(),
 
 TEST(JobCrash, atRandomInstantsNothingIsLost)
 {
-    const char* const wanted = std::getenv("ORLO_KILLS");
-    const int kills = wanted ? std::atoi(wanted) : 8;
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    std::uniform_int_distribution<int> microseconds(0, 150000);
+    const int kills = wantedKills();
+    RandomInstants instants;
+    SCOPED_TRACE(instants.seed());
     const Root root;
     std::vector<std::string> accepted;
     for (int i = 0; i < kills; ++i) {
         ChildProcess host(root.host());
         ASSERT_EQ(host.ask("start"), "yes");
         host.tell("pour " + std::to_string(i) + "-");
-        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        instants.wait();
         host.kill();
         for (const std::string& name : host.restOfOutput())
             accepted.push_back(name);
@@ -187,6 +179,7 @@ TEST(JobCrash, atRandomInstantsNothingIsLost)
     for (const std::string& name : accepted)
         EXPECT_EQ(ran.count(name), 1u) << name;
     EXPECT_FALSE(accepted.empty());
+    std::cout << kills << " kills, " << accepted.size() << " jobs accepted, " << names.size() << " runs\n";
 }
 
 } // namespace

@@ -69,7 +69,8 @@ public:
     virtual IJobEntity::List GetJobs() const = 0;
     /// Returns: the job with the id; null if there is none.
     virtual std::shared_ptr<IJobEntity> GetJob(const std::string& jobId) const = 0;
-    /// Hands a saved job over to be run. If another process runs the jobs, its row is left to that one, and the log says so.
+    /// Hands a saved job over to be run. If another process runs the jobs, its row is left to that one, and the log says so. A job that was
+    /// saved before the manager started and has been run by its row since is not run again.
     virtual void AddJob(std::shared_ptr<IJobEntity> job) = 0;
 
     /// Waits until no job waits or runs.   Returns: false if the time ran out or the manager was stopped with jobs left.

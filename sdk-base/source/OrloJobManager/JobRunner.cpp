@@ -18,6 +18,13 @@ constexpr unsigned mostWorkers = 64;
 // Threads that have nothing to do need a moment to end, even where nobody wants to wait.
 constexpr std::chrono::milliseconds leastPatience{200};
 
+// A job that was saved before the manager started is found by its row, and may have ended before it is added.
+bool hasRunAlready(const Job& job)
+{
+    const auto* const saved = dynamic_cast<const LocalDbJobEntity*>(job.entity.get());
+    return saved && saved->isRowGone();
+}
+
 void setStatus(const Job& job, JobState state)
 {
     try {
@@ -103,6 +110,8 @@ void JobRunner::add(std::shared_ptr<IJobEntity> entity)
         joblog::info(L"another process runs the jobs; it finds the row of job " + utils::toWstring(job.id));
     else if (m_board.knows(job.id))
         joblog::warning(L"job " + utils::toWstring(job.id) + L" was added before");
+    else if (hasRunAlready(job))
+        joblog::info(L"job " + utils::toWstring(job.id) + L" was found by its row and has run already");
     else
         addKnown(job);
 }

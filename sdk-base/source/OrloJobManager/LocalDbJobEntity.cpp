@@ -54,4 +54,9 @@ bool LocalDbJobEntity::save()
     }
 }
 
+bool LocalDbJobEntity::isRowGone() const
+{
+    return m_store && !m_store->contains(JobId()).value_or(true);
+}
+
 } // namespace orlo

@@ -20,6 +20,8 @@ public:
     bool remove() override;
     /// Writes the row, or replaces it.   Returns: whether it is on disk.
     bool save() override;
+    /// Whether this object wrote a row which is there no more. False where the database can't be read.
+    bool isRowGone() const;
 
 private:
     /// Where the row was written, so that it can be deleted there whatever the place of the moment is.

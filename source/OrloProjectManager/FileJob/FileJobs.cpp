@@ -86,8 +86,8 @@ bool submit(const CallSite& site, const JobTarget& target, const std::wstring& p
         log::errorAt(site, L"copy file failed");
         return false;
     }
-    const auto job =
-        std::make_shared<UploadFileJobEntity>(target.projectId, target.folderId, copy, fileName, fileId, target.dsId, target.dsVersion);
+    const auto job = std::make_shared<UploadFileJobEntity>(target.projectId, target.folderId, copy, utils::getFileName(copy), fileId,
+                                                           target.dsId, target.dsVersion);
     if (!job->save()) {
         log::errorAt(site, L"the job can't be saved");
         deleteJobCopy(copy);

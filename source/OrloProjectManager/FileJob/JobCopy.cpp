@@ -21,6 +21,14 @@ bool failed(const wchar_t* words)
     return false;
 }
 
+/// Whether copies may lie there. The job database stands among the projects' folders, and one of its name would be in its way.
+bool isPlaceOfCopies(const std::wstring& copies, const std::wstring& root)
+{
+    constexpr const wchar_t* database = L"jobs.db";
+    return root == copies ||
+           (utils::isPathInside(copies, root) && utils::LowerString(utils::getFileName(root)).rfind(database, 0) == std::wstring::npos);
+}
+
 bool makeFolder(const std::wstring& path)
 {
     return utils::hasDirectory(path) || utils::createDirectory(path);
@@ -33,7 +41,7 @@ bool CopyFileToTempPath(const std::wstring& path, const std::string& projectId, 
     constexpr const wchar_t* noFolder = L"创建文件路径失败";
     const std::wstring copies = utils::getLocalDbCachePath();
     const std::wstring root = FilePath::Combine(copies, utils::toWstring(projectId));
-    if (!utils::isPathInside(copies, root) || !makeFolder(root))
+    if (!isPlaceOfCopies(copies, root) || !makeFolder(root))
         return failed(noFolder);
     const std::wstring folder = FilePath::Combine(root, utils::toWstring(uuid::newUUIDV4()));
     if (!utils::createDirectory(folder))
@@ -50,9 +58,10 @@ bool CopyFileToTempPath(const std::wstring& path, const std::string& projectId, 
 
 void deleteJobCopy(const std::wstring& copy)
 {
-    if (!utils::isPathInside(utils::getLocalDbCachePath(), copy))
-        return;
     const std::wstring folder = FilePath(copy).GetDirectoryName();
+    // A copy has a folder of its own; what lies beside those isn't one.
+    if (!utils::isPathInside(utils::getLocalDbCachePath(), folder))
+        return;
     utils::removeFile(copy);
     std::vector<std::wstring> left;
     if (utils::getSubFiles(folder, left) && left.empty())

@@ -2,13 +2,6 @@
 
 namespace orlo {
 
-namespace {
-
-constexpr const char* idKey = "jobId";
-constexpr const char* fieldsKey = "cloudifyFile";
-
-} // namespace
-
 std::string JobFields::toJson(const std::string& jobId)
 {
     m_document.Add(idKey, jobId);
@@ -16,16 +9,10 @@ std::string JobFields::toJson(const std::string& jobId)
     return m_document.ToString();
 }
 
-bool JobFieldReader::open(const std::string& text, std::string& jobId)
+JobFieldReader::JobFieldReader(const JsonWrapper& document, const CallSite& site) : m_site(site)
 {
-    return m_document.Parse(text) && m_document.Get(idKey, jobId);
-}
-
-JobFieldReader& JobFieldReader::fields()
-{
-    if (!m_document.Get(fieldsKey, m_fields))
+    if (!document.Get(JobFields::fieldsKey, m_fields))
         refuse(L"parse cloudify failed.");
-    return *this;
 }
 
 bool JobFieldReader::get(const char* key, std::wstring& field) const

@@ -13,6 +13,9 @@ namespace orlo {
 class JobFields
 {
 public:
+    static constexpr const char* idKey = "jobId";
+    static constexpr const char* fieldsKey = "cloudifyFile";
+
     JobFields() : m_fields(m_document.GetAllocator(), rapidjson::kObjectType) {}
 
     template <class Number>
@@ -40,12 +43,7 @@ class JobFieldReader
 {
 public:
     /// site: whose log lines these are.
-    explicit JobFieldReader(const CallSite& site) : m_site(site) {}
-
-    /// False, without a line, for a text that is no JSON or has no job id.
-    bool open(const std::string& text, std::string& jobId);
-    /// The object with the fields.
-    JobFieldReader& fields();
+    JobFieldReader(const JsonWrapper& document, const CallSite& site);
 
     /// words: what is logged if the field is missing.
     template <class Field>
@@ -66,7 +64,6 @@ private:
     void refuse(const wchar_t* words);
 
     CallSite m_site;
-    JsonWrapper m_document;
     JsonWrapper m_fields;
     bool m_good = true;
 };

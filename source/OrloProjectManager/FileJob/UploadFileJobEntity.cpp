@@ -1,7 +1,6 @@
 #include "UploadFileJobEntity.h"
 
 #include "../CollaborationFileManager.h"
-#include "JobCopy.h"
 #include "JobFields.h"
 
 #include <OrloProjectManager/Transfer/IFileManager.h>
@@ -14,25 +13,21 @@ namespace {
 
 const JobEntityRegistration registration(UploadFileJobEntity::jobTypeKey, [] { return std::make_shared<UploadFileJobEntity>(); });
 
+constexpr const wchar_t* className = L"UploadFileJobEntity";
+
 } // namespace
 
-UploadFileJobEntity::UploadFileJobEntity()
-{
-    SetType(JobType::UploadFile);
-}
+UploadFileJobEntity::UploadFileJobEntity() : UploadJobEntity(JobType::UploadFile)
+{}
 
 UploadFileJobEntity::UploadFileJobEntity(std::string projectId, std::wstring folderId, std::wstring localFilePath, std::wstring fileName,
                                          std::string fileId, std::string dsId, int dsVersion)
-    : m_projectId(std::move(projectId)),
-      m_folderId(std::move(folderId)),
-      m_localFilePath(std::move(localFilePath)),
-      m_fileName(std::move(fileName)),
+    : UploadJobEntity(JobType::UploadFile, std::move(folderId), std::move(localFilePath), std::move(fileName)),
+      m_projectId(std::move(projectId)),
       m_fileId(std::move(fileId)),
       m_dsId(std::move(dsId)),
       m_dsVersion(dsVersion)
-{
-    SetType(JobType::UploadFile);
-}
+{}
 
 UploadFileJobEntity::UploadFileJobEntity(const UploadFileJobEntity* other) : UploadFileJobEntity()
 {
@@ -61,40 +56,14 @@ void UploadFileJobEntity::setTemplate(std::wstring templateText)
     m_templateText = std::move(templateText);
 }
 
-ErrorCode UploadFileJobEntity::ErrorInfo() const
-{
-    switch (GetStatus()) {
-    case JobState::Succeeded:
-        return {};
-    case JobState::Failed:
-        return m_outcome.asErrorCode();
-    default:
-        return JobEntity::ErrorInfo();
-    }
-}
-
-bool UploadFileJobEntity::Run()
-{
-    const bool succeeded = resumeExcution();
-    remove();
-    deleteJobCopy(m_localFilePath);
-    return succeeded;
-}
-
 std::string UploadFileJobEntity::GetJobTypeKey() const
 {
     return jobTypeKey;
 }
 
-bool UploadFileJobEntity::LoadFromJson(const std::string& text)
+bool UploadFileJobEntity::fromJsonForCloudify(const JsonWrapper& document)
 {
-    JobFieldReader reader(ORLO_HERE("orlo::UploadFileJobEntity::fromJsonForCloudify"));
-    return reader.open(text, m_jobId) && fromJsonForCloudify(reader);
-}
-
-bool UploadFileJobEntity::fromJsonForCloudify(JobFieldReader& reader)
-{
-    return reader.fields()
+    return JobFieldReader(document, ORLO_HERE("orlo::UploadFileJobEntity::fromJsonForCloudify"))
         .read("createTime", m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.")
         .read("projectId", m_projectId, L"parse cloudify m_projectId failed.")
         .read("fileName", m_fileName, L"parse cloudify m_fileName failed.")
@@ -122,10 +91,7 @@ std::string UploadFileJobEntity::ToJson() const
 
 bool UploadFileJobEntity::operator<(const IJobEntity& other) const
 {
-    if (dynamic_cast<const UploadFileJobEntity*>(&other))
-        return GetCreateTime() < other.GetCreateTime();
-    log::errorAt(ORLO_HERE("orlo::UploadFileJobEntity::operator <"), L"it is not a UploadFileJobEntity object.");
-    return false;
+    return isCreatedBefore(*this, other, ORLO_HERE("orlo::UploadFileJobEntity::operator <"));
 }
 
 CollaborationFileManager* UploadFileJobEntity::fileManager() const
@@ -138,26 +104,21 @@ ITemplateUploads* UploadFileJobEntity::templateManager() const
     return dynamic_cast<ITemplateUploads*>(ITemplateManager::Get());
 }
 
-bool UploadFileJobEntity::resumeExcution()
+bool UploadFileJobEntity::upload(ErrorCode& error)
 {
-    ErrorCode error;
-    try {
-        if (!fileManager())
-            return missing(L"ICollaborationFileManager is null");
-        return m_isFile ? uploadFile(error) : uploadTemplate(error);
-    }
-    catch (...) { // the reason, as far as there is one, stands in the ErrorCode
-        return m_outcome.fail(error);
-    }
+    CollaborationFileManager* const files = fileManager();
+    if (!files)
+        return missing(className, L"ICollaborationFileManager is null");
+    return m_isFile ? uploadFile(*files, error) : uploadTemplate(error);
 }
 
-bool UploadFileJobEntity::uploadFile(ErrorCode& error)
+bool UploadFileJobEntity::uploadFile(CollaborationFileManager& files, ErrorCode& error)
 {
     const std::shared_ptr<ICollaborationFile> file = m_fileId.empty()
-                                                         ? fileManager()->UploadFileByArkiv(m_folderId, m_localFilePath, error)
-                                                         : fileManager()->UpdateFileByArkiv(m_fileId, m_folderId, m_localFilePath, error);
+                                                         ? files.UploadFileByArkiv(m_folderId, m_localFilePath, error)
+                                                         : files.UpdateFileByArkiv(m_fileId, m_folderId, m_localFilePath, error);
     if (!file || (!m_dsId.empty() && !bindToDataset(*file, error)))
-        return m_outcome.fail(error);
+        return fail(error);
     return succeed(L"upload file success");
 }
 
@@ -170,25 +131,12 @@ bool UploadFileJobEntity::uploadTemplate(ErrorCode& error)
 {
     ITemplateUploads* const templates = templateManager();
     if (!templates)
-        return missing(L"pTemplateManager is nullptr");
+        return missing(className, L"pTemplateManager is nullptr");
     const auto file = templates->UploadTemplateByArkiv(m_localFilePath, m_folderId, error);
     if (!file || !templates->AddTemplateToProject(utils::toWstring(m_projectId), utils::toWstring(file->GetId()), m_fileName,
                                                   m_templateText, file->GetVersion(), error))
-        return m_outcome.fail(error);
+        return fail(error);
     return succeed(L"Upload template success");
-}
-
-bool UploadFileJobEntity::missing(const std::wstring& manager)
-{
-    log::error(L"[UploadFileJobEntity::resumeExcution] " + manager);
-    m_outcome.set(false, 10010, manager);
-    return false;
-}
-
-bool UploadFileJobEntity::succeed(const std::wstring& words)
-{
-    m_outcome.set(true, 200, words);
-    return true;
 }
 
 } // namespace orlo

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "IUploadFileJobEntity.h"
-#include "JobOutcome.h"
+#include "UploadJobEntity.h"
 
-#include <OrloJobManager/LocalDbJobEntity.h>
 #include <OrloProjectManager/Resources/ITemplateManager.h>
 
 namespace orlo {
@@ -23,7 +21,7 @@ public:
 };
 
 /// The upload of a file into a project folder, or of a template, as a job.
-class UploadFileJobEntity : public LocalDbJobEntity, public IUploadFileJobEntity
+class UploadFileJobEntity : public UploadJobEntity
 {
 public:
     static const char* const jobTypeKey;
@@ -35,23 +33,16 @@ public:
     explicit UploadFileJobEntity(const UploadFileJobEntity* other);
     ~UploadFileJobEntity() override;
 
-    ErrorCode ErrorInfo() const override;
-    bool Run() override;
     std::string GetJobTypeKey() const override;
-    bool LoadFromJson(const std::string& text) override;
     std::string ToJson() const override;
     bool operator<(const IJobEntity& other) const override;
 
     const std::string& GetProjectId() const override { return m_projectId; }
-    const std::wstring& GetFolderId() const override { return m_folderId; }
-    const std::wstring& GetLocalFilePath() const override { return m_localFilePath; }
 
     /// Turns the job into that of a template. Intended: neither this nor the text is saved, so that a template job which is
     /// rebuilt after a restart takes the way of a file.
     void setTemplate(std::wstring templateText);
     bool isFile() const { return m_isFile; }
-
-    std::shared_future<PromiseData> future() const { return m_outcome.future(); }
 
 protected:
     // Where the managers come from; tests put others here.
@@ -59,19 +50,13 @@ protected:
     virtual ITemplateUploads* templateManager() const;
 
 private:
-    bool fromJsonForCloudify(class JobFieldReader& reader);
-    bool resumeExcution();
-    bool uploadFile(ErrorCode& error);
+    bool upload(ErrorCode& error) override;
+    bool fromJsonForCloudify(const JsonWrapper& document) override;
+    bool uploadFile(CollaborationFileManager& files, ErrorCode& error);
     bool bindToDataset(const ICollaborationFile& file, ErrorCode& error);
     bool uploadTemplate(ErrorCode& error);
-    bool missing(const std::wstring& manager);
-    bool succeed(const std::wstring& words);
 
-    JobOutcome m_outcome;
     std::string m_projectId;
-    std::wstring m_folderId;
-    std::wstring m_localFilePath;
-    std::wstring m_fileName;
     std::string m_fileId;
     std::string m_dsId;
     std::wstring m_templateText;

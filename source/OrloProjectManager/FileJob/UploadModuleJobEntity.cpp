@@ -1,6 +1,5 @@
 #include "UploadModuleJobEntity.h"
 
-#include "JobCopy.h"
 #include "JobFields.h"
 
 #include <BaseCommon/Files.h>
@@ -18,50 +17,22 @@ constexpr int moduleUploaded = 4;
 
 } // namespace
 
-UploadModuleJobEntity::UploadModuleJobEntity()
-{
-    SetType(JobType::UploadModule);
-}
+UploadModuleJobEntity::UploadModuleJobEntity() : UploadJobEntity(JobType::UploadModule)
+{}
 
 UploadModuleJobEntity::UploadModuleJobEntity(std::wstring moduleId, std::wstring folderId, std::wstring spaceType,
                                              std::string spaceTypeParameter, std::wstring resourceType, std::wstring categoryId,
                                              std::wstring specialty, std::wstring localFilePath, std::wstring fileName)
-    : m_moduleId(std::move(moduleId)),
-      m_folderId(std::move(folderId)),
+    : UploadJobEntity(JobType::UploadModule, std::move(folderId), std::move(localFilePath), std::move(fileName)),
+      m_moduleId(std::move(moduleId)),
       m_spaceType(std::move(spaceType)),
       m_spaceTypeParameter(std::move(spaceTypeParameter)),
       m_resourceType(std::move(resourceType)),
       m_categoryId(std::move(categoryId)),
-      m_specialty(std::move(specialty)),
-      m_localFilePath(std::move(localFilePath)),
-      m_fileName(std::move(fileName))
-{
-    SetType(JobType::UploadModule);
-}
+      m_specialty(std::move(specialty))
+{}
 
 UploadModuleJobEntity::~UploadModuleJobEntity() = default;
-
-ErrorCode UploadModuleJobEntity::ErrorInfo() const
-{
-    switch (GetStatus()) {
-    case JobState::Succeeded:
-        return {};
-    case JobState::Failed:
-        return m_outcome.asErrorCode();
-    default:
-        return JobEntity::ErrorInfo();
-    }
-}
-
-bool UploadModuleJobEntity::Run()
-{
-    const bool succeeded = resumeExcution();
-    if (succeeded)
-        announce();
-    remove();
-    deleteJobCopy(m_localFilePath);
-    return succeeded;
-}
 
 bool UploadModuleJobEntity::IsCanRun(const List& running, const List& waiting)
 {
@@ -86,12 +57,9 @@ std::string UploadModuleJobEntity::GetJobTypeKey() const
     return jobTypeKey;
 }
 
-bool UploadModuleJobEntity::LoadFromJson(const std::string& text)
+bool UploadModuleJobEntity::fromJsonForCloudify(const JsonWrapper& document)
 {
-    JobFieldReader reader(ORLO_HERE("orlo::UploadModuleJobEntity::fromJsonForCloudify"));
-    if (!reader.open(text, m_jobId))
-        return false;
-    return reader.fields()
+    return JobFieldReader(document, ORLO_HERE("orlo::UploadModuleJobEntity::fromJsonForCloudify"))
         .read("createTime", m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.")
         .read("moduleId", m_moduleId, L"parse cloudify m_moduleId failed.")
         .read("spaceType", m_spaceType, L"parse cloudify m_spaceType failed.")
@@ -123,11 +91,7 @@ std::string UploadModuleJobEntity::ToJson() const
 
 bool UploadModuleJobEntity::operator<(const IJobEntity& other) const
 {
-    if (dynamic_cast<const UploadModuleJobEntity*>(&other))
-        return GetCreateTime() < other.GetCreateTime();
-    // The words name the other class, as they always have.
-    log::errorAt(ORLO_HERE("orlo::UploadModuleJobEntity::operator <"), L"it is not a UploadFileJobEntity object.");
-    return false;
+    return isCreatedBefore(*this, other, ORLO_HERE("orlo::UploadModuleJobEntity::operator <"));
 }
 
 IModuleUploads* UploadModuleJobEntity::moduleManager() const
@@ -135,19 +99,10 @@ IModuleUploads* UploadModuleJobEntity::moduleManager() const
     return dynamic_cast<IModuleUploads*>(IModuleManager::Get());
 }
 
-bool UploadModuleJobEntity::resumeExcution()
+bool UploadModuleJobEntity::upload(ErrorCode& error)
 {
-    ErrorCode error;
-    try {
-        if (IModuleUploads* const modules = moduleManager())
-            return uploadModule(*modules, error);
-        log::error(L"[UploadModuleJobEntity::resumeExcution] IModuleManager is null");
-        m_outcome.set(false, 10010, L"IModuleManager is null");
-        return false;
-    }
-    catch (...) { // the reason, as far as there is one, stands in the ErrorCode
-        return m_outcome.fail(error);
-    }
+    IModuleUploads* const modules = moduleManager();
+    return modules ? uploadModule(*modules, error) : missing(L"UploadModuleJobEntity", L"IModuleManager is null");
 }
 
 bool UploadModuleJobEntity::uploadModule(IModuleUploads& modules, ErrorCode& error)
@@ -157,9 +112,8 @@ bool UploadModuleJobEntity::uploadModule(IModuleUploads& modules, ErrorCode& err
     const std::wstring name = m_fileName.empty() ? FilePath(m_localFilePath).GetFileNameWithoutExtension() : m_fileName;
     const auto module = modules.UploadModule(place, m_localFilePath, name, md5, false, error);
     if (!module || !modules.AddModuleToProject(place, *module, name, md5, m_resource, error))
-        return m_outcome.fail(error);
-    m_outcome.set(true, 200, L"Upload Module success");
-    return true;
+        return fail(error);
+    return succeed(L"Upload Module success");
 }
 
 void UploadModuleJobEntity::announce() const

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "IUploadFileJobEntity.h"
-#include "JobOutcome.h"
+#include "UploadJobEntity.h"
 
-#include <OrloJobManager/LocalDbJobEntity.h>
 #include <OrloProjectManager/Resources/IModuleManager.h>
 
 namespace orlo {
@@ -32,7 +30,7 @@ public:
 };
 
 /// The upload of a module as a job.
-class UploadModuleJobEntity : public LocalDbJobEntity, public IUploadFileJobEntity
+class UploadModuleJobEntity : public UploadJobEntity
 {
 public:
     static const char* const jobTypeKey;
@@ -43,40 +41,30 @@ public:
                           std::wstring fileName);
     ~UploadModuleJobEntity() override;
 
-    ErrorCode ErrorInfo() const override;
-    bool Run() override;
     /// Two jobs of one module never run together. The newest waiting module job is remembered as the one to run first.
     bool IsCanRun(const List& running, const List& waiting) override;
     std::string GetJobTypeKey() const override;
-    bool LoadFromJson(const std::string& text) override;
     std::string ToJson() const override;
     bool operator<(const IJobEntity& other) const override;
 
     const std::string& GetProjectId() const override { return m_spaceTypeParameter; }
-    const std::wstring& GetFolderId() const override { return m_folderId; }
-    const std::wstring& GetLocalFilePath() const override { return m_localFilePath; }
-
-    std::shared_future<PromiseData> future() const { return m_outcome.future(); }
 
 protected:
     // Where the manager comes from; tests put another here.
     virtual IModuleUploads* moduleManager() const;
 
 private:
-    bool resumeExcution();
+    bool upload(ErrorCode& error) override;
+    void announce() const override;
+    bool fromJsonForCloudify(const JsonWrapper& document) override;
     bool uploadModule(IModuleUploads& modules, ErrorCode& error);
-    void announce() const;
 
-    JobOutcome m_outcome;
     std::wstring m_moduleId;
-    std::wstring m_folderId;
     std::wstring m_spaceType;
     std::string m_spaceTypeParameter;
     std::wstring m_resourceType;
     std::wstring m_categoryId;
     std::wstring m_specialty;
-    std::wstring m_localFilePath;
-    std::wstring m_fileName;
     /// What the service made of the upload.
     std::wstring m_resource;
 };

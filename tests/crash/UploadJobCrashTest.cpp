@@ -1,0 +1,286 @@
+#include "Jobs/ChildProcess.h"
+#include "Jobs/Sql.h"
+#include "Network/Waiting.h"
+#include "UploadJobs/PlatformHost.h"
+#include "crash/Gateway.h"
+#include "crash/Kills.h"
+#include "support/LogCapture.h"
+#include "support/TempFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <map>
+
+// A host that hands files over to jobs is killed, and another goes on. The platform lives in this process and outlives both. At the end
+// every file that was accepted is there with its bytes; no row is left, and no copy but of a job without a row.
+namespace orlo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class UploadJobCrash : public testing::Test
+{
+protected:
+    UploadJobCrash() { fs::create_directories(m_root.path("Local")); }
+
+    std::vector<std::string> process() const { return {UPLOAD_JOB_PROCESS, m_root.path().string(), gateway.url()}; }
+
+    /// Returns: the path of a file of the user's.
+    std::string localFile(const std::string& name, const std::string& bytes) const
+    {
+        writeFile(m_root.path("Local/" + name), bytes);
+        return m_root.path("Local/" + name).string();
+    }
+    std::vector<std::string> rows() const { return sqlTexts(m_root.path("Jobs/jobs.db"), "SELECT json FROM job"); }
+    /// The folders of copies.
+    std::size_t copies() const
+    {
+        const fs::path folder = m_root.path("Jobs/p-1");
+        return fs::exists(folder) ? static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator())) : 0;
+    }
+
+    /// Another host does what was left.
+    void finish()
+    {
+        gateway.watch(nullptr);
+        ChildProcess next(process());
+        ASSERT_EQ(next.ask("start"), "yes");
+        ASSERT_TRUE(waitUntil([&] { return next.ask("idle") == "yes"; }, std::chrono::seconds(100)));
+        ASSERT_EQ(next.ask("stop"), "yes");
+        EXPECT_EQ(next.ask("error"), "-");
+        EXPECT_THAT(rows(), IsEmpty());
+        EXPECT_THAT(sqlTexts(m_root.path("Jobs/jobs.db"), "PRAGMA integrity_check"), ElementsAre("ok"));
+    }
+
+    LogCapture log; // keeps the output free of what this process asks the platform in vain
+    PlatformHost place;
+    Gateway gateway{place.platform.url()};
+
+private:
+    TempFolder m_root;
+};
+
+/// Where the host dies, and what there is when the next one is done.
+struct Point
+{
+    const char* name;
+    std::size_t datasets;
+    std::size_t copies;
+};
+
+class UploadJobCrashAt : public UploadJobCrash, public testing::WithParamInterface<Point>
+{};
+
+TEST_P(UploadJobCrashAt, losesNothingAndLeavesNothing)
+{
+    ChildProcess host(process());
+    ASSERT_EQ(host.ask("start"), "yes");
+    ASSERT_EQ(host.ask(std::string("die-at ") + GetParam().name), "yes");
+    host.tell("upload-dying " + localFile("图.dwg", "bytes"));
+    EXPECT_EQ(host.wait(), killedExit);
+    finish();
+    EXPECT_THAT(place.datasets("图.dwg"), SizeIs(GetParam().datasets));
+    EXPECT_EQ(place.holds("图.dwg", "bytes"), GetParam().datasets > 0);
+    EXPECT_EQ(copies(), GetParam().copies);
+}
+
+// A file that was uploaded before its row went is uploaded again: a second dataset.
+INSTANTIATE_TEST_SUITE_P(UploadJobCrash, UploadJobCrashAt,
+                         testing::Values(Point{"submitted", 0, 0}, Point{"copied", 0, 1}, Point{"saved", 1, 0}, Point{"run", 1, 0},
+                                         Point{"upload", 1, 0}, Point{"uploaded", 2, 0}, Point{"removed", 1, 1}, Point{"end", 1, 0}),
+                         [](const auto& tested) { return std::string("the_point_") + tested.param.name; });
+
+TEST_F(UploadJobCrash, afterTheAdditionLosesNothing)
+{
+    ChildProcess host(process());
+    ASSERT_EQ(host.ask("start"), "yes");
+    ASSERT_EQ(host.ask("die-at added"), "yes");
+    host.tell("upload-dying " + localFile("图.dwg", "bytes"));
+    EXPECT_EQ(host.wait(), killedExit);
+    finish();
+    EXPECT_TRUE(place.holds("图.dwg", "bytes"));
+    EXPECT_LE(copies(), 1u);
+}
+
+TEST_F(UploadJobCrash, inTheMiddleOfAnUploadLosesNothing)
+{
+    platform::Fault stall;
+    stall.kind = platform::FaultKind::Stall;
+    stall.path = "/blobs/";
+    stall.prefix = true;
+    stall.method = "PUT";
+    stall.bytes = 1 << 20;
+    stall.ofRequest = true;
+    stall.delayMilliseconds = 100000;
+    const int fault = place.platform.addFault(stall);
+    const std::string bytes(3 << 20, 'x');
+    const std::string path = localFile("图.dwg", bytes);
+    std::vector<std::string> command = process();
+    command.back() = place.platform.url(); // the gateway would take the whole file first
+    ChildProcess host(command);
+    ASSERT_EQ(host.ask("start"), "yes");
+    ASSERT_EQ(host.ask("upload " + path), "yes");
+    ASSERT_TRUE(waitUntil([&] { return place.platform.faultCount(fault) == 1; }));
+    host.kill();
+    EXPECT_THAT(rows(), SizeIs(1));
+    finish();
+    EXPECT_TRUE(place.holds("图.dwg", bytes));
+    EXPECT_THAT(place.datasets("图.dwg"), SizeIs(1));
+    EXPECT_EQ(copies(), 0u);
+}
+
+/// The host dies at every request of its life, one after the other.
+class UploadJobCrashInRequests : public UploadJobCrash, public testing::WithParamInterface<Gateway::Moment>
+{
+protected:
+    struct Life
+    {
+        bool isAccepted = false;
+        bool isWhole = false;
+    };
+
+    /// One life of a host, which dies at a moment of a request.
+    Life live(int request, const std::string& submission)
+    {
+        ChildProcess host(process());
+        EXPECT_EQ(host.ask("start"), "yes");
+        gateway.watch([=, id = host.id()](int number, Gateway::Moment moment) {
+            const bool isLast = number == request && moment == GetParam();
+            if (isLast)
+                ::kill(id, SIGKILL);
+            return !isLast;
+        });
+        Life life;
+        life.isAccepted = host.ask(submission) == "yes";
+        host.ask("idle");
+        if (gateway.requests() < request) {
+            host.ask("stop");
+            host.tell("leave");
+        } // otherwise it is going to be killed, if it isn't yet
+        life.isWhole = host.wait() == 0;
+        return life;
+    }
+
+    /// submission: the command, less the path at its end.   Returns: how many requests there were.
+    int expectNothingLost(const std::string& submission, const std::function<void(const std::string& name)>& prepare)
+    {
+        bool isOver = false;
+        int request = 0;
+        std::size_t strays = 0;
+        while (!isOver && request < 60 && !HasFailure()) {
+            SCOPED_TRACE(++request);
+            const std::string name = "图-" + std::to_string(request) + ".dwg";
+            prepare(name);
+            const std::string path = localFile(name, "bytes of " + name);
+            const Life life = live(request, submission + ' ' + path);
+            isOver = life.isWhole;
+            const bool wasSaved = !rows().empty();
+            finish();
+            if (life.isAccepted || wasSaved) {
+                EXPECT_TRUE(place.holds(name, "bytes of " + name));
+            }
+            EXPECT_LE(copies(), strays + 1);
+            strays = copies();
+        }
+        EXPECT_TRUE(isOver);
+        return request - 1;
+    }
+};
+
+TEST_P(UploadJobCrashInRequests, ofAnUploadNothingIsLost)
+{
+    EXPECT_EQ(expectNothingLost("upload", [](const std::string&) {}), 4);
+    EXPECT_TRUE(place.holds("图-1.dwg", "bytes of 图-1.dwg"));
+}
+
+TEST_P(UploadJobCrashInRequests, ofAnUpdateWithADatasetNothingIsLost)
+{
+    const std::string model = place.addDataset("model");
+    ASSERT_TRUE(place.addVersion(model));
+    const int requests = expectNothingLost("upload-with " + model, [this](const std::string& name) { place.addDataset(name); });
+    EXPECT_GT(requests, 6); // three or more for the listing, four for the job
+    EXPECT_THAT(place.datasets("图-" + std::to_string(requests) + ".dwg"), SizeIs(1));
+}
+
+std::string nameOfMoment(const testing::TestParamInfo<Gateway::Moment>& tested)
+{
+    static const std::map<Gateway::Moment, std::string> names{
+        {Gateway::Moment::asked, "asked"}, {Gateway::Moment::carriedOut, "carried_out"}, {Gateway::Moment::answered, "answered"}};
+    return names.at(tested.param);
+}
+
+INSTANTIATE_TEST_SUITE_P(UploadJobCrash, UploadJobCrashInRequests,
+                         testing::Values(Gateway::Moment::asked, Gateway::Moment::carriedOut, Gateway::Moment::answered), nameOfMoment);
+
+TEST_F(UploadJobCrash, atEveryStepOfTheDatabaseNothingIsLost)
+{
+    bool isOver = false;
+    int step = 0;
+    std::size_t strays = 0;
+    while (!isOver && step < 100 && !HasFailure()) {
+        SCOPED_TRACE(++step);
+        const std::string name = "图-" + std::to_string(step) + ".dwg";
+        const std::string path = localFile(name, "bytes of " + name);
+        bool isAccepted = false;
+        {
+            ChildProcess host(process());
+            host.ask("die-at-step " + std::to_string(step));
+            host.ask("start");
+            isAccepted = host.ask("upload " + path) == "yes";
+            host.ask("idle");
+            host.ask("stop");
+            host.tell("leave");
+            isOver = host.wait() == 0;
+        }
+        finish();
+        if (isAccepted) {
+            EXPECT_TRUE(place.holds(name, "bytes of " + name));
+        }
+        EXPECT_LE(copies(), strays + 1);
+        strays = copies();
+    }
+    EXPECT_TRUE(isOver);
+    EXPECT_GT(step, 5);
+}
+
+TEST_F(UploadJobCrash, atRandomInstantsNothingIsLost)
+{
+    const int kills = wantedKills();
+    RandomInstants instants;
+    SCOPED_TRACE(instants.seed());
+    std::vector<std::string> accepted;
+    for (int i = 0; i < kills; ++i) {
+        ChildProcess host(process());
+        ASSERT_EQ(host.ask("start"), "yes");
+        host.tell("pour " + std::to_string(i) + "-");
+        instants.wait();
+        host.kill();
+        for (const std::string& name : host.restOfOutput())
+            accepted.push_back(name);
+    }
+    finish();
+    const std::multimap<std::string, std::string> contents = place.contents();
+    for (const std::string& name : accepted) {
+        std::string bytes;
+        for (int n = 0; n < 10000; ++n)
+            bytes += name;
+        const auto [begin, end] = contents.equal_range(name);
+        EXPECT_TRUE(std::any_of(begin, end, [&](const auto& entry) { return entry.second == bytes; })) << name;
+    }
+    EXPECT_FALSE(accepted.empty());
+    // Of each host that died: the one that was being handed over, and those whose two workers had dropped the row.
+    EXPECT_LE(copies(), static_cast<std::size_t>(kills) * 3);
+    std::cout << kills << " kills, " << accepted.size() << " files accepted, " << contents.size() << " datasets, " << copies()
+              << " stray copies\n";
+}
+
+} // namespace
+} // namespace orlo::test

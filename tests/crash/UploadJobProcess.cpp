@@ -1,0 +1,133 @@
+// A host that hands files over to jobs as its input says, a line at a time.
+//
+//   UploadJobProcess ROOT URL
+//
+// ROOT is its local root, URL the platform's address. Files go to the folder "f-1" of the project "p-1".
+
+#include "Jobs/HostCommands.h"
+
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+#include <OrloAuth/UserSession.h>
+#include <OrloCommon/OrloConfigManager.h>
+#include <OrloJobManager/IJobManager.h>
+#include <OrloProjectManager/FileJob/JobCopy.h>
+#include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
+#include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
+
+#include <chrono>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <thread>
+
+namespace {
+
+using namespace orlo;
+using orlo::test::dieAt;
+using orlo::test::yesOrNo;
+using Files = ICollaborationFileManager;
+
+std::string root;
+
+std::string upload(const std::string& path)
+{
+    return yesOrNo(Files::UploadFileByJob("p-1", L"f-1", utils::toWstring(path)));
+}
+
+/// DATASET PATH: the file is bound to the first version of the dataset.
+std::string uploadWith(const std::string& argument)
+{
+    const std::size_t blank = argument.find(' ');
+    return yesOrNo(
+        Files::UploadFilesWithDsByJob("p-1", L"f-1", {utils::toWstring(argument.substr(blank + 1))}, argument.substr(0, blank), 1));
+}
+
+/// A job that dies where it is told to. The one that is made of its row is a common one.
+class DyingJob : public UploadFileJobEntity
+{
+public:
+    using UploadFileJobEntity::UploadFileJobEntity;
+
+    bool Run() override
+    {
+        dieAt("run");
+        const bool result = UploadFileJobEntity::Run();
+        dieAt("end");
+        return result;
+    }
+    bool remove() override
+    {
+        dieAt("uploaded");
+        const bool result = UploadFileJobEntity::remove();
+        dieAt("removed");
+        return result;
+    }
+
+protected:
+    CollaborationFileManager* fileManager() const override
+    {
+        dieAt("upload");
+        return UploadFileJobEntity::fileManager();
+    }
+};
+
+/// What UploadFileByJob does, with the steps of a job's life as points to die at.
+std::string uploadDying(const std::string& path)
+{
+    dieAt("submitted");
+    std::wstring copy;
+    if (!CopyFileToTempPath(utils::toWstring(path), "p-1", L"", copy))
+        return "no";
+    dieAt("copied");
+    const auto job = std::make_shared<DyingJob>("p-1", L"f-1", copy, L"", "", "", -1);
+    if (!job->save())
+        return "no";
+    dieAt("saved");
+    IJobManager::Get()->AddJob(job);
+    dieAt("added");
+    return "yes";
+}
+
+void waitForRoom()
+{
+    while (IJobManager::Get()->GetJobs().size() > 20)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+/// Hands over files without an end, and says the name of each that was accepted. Each file holds its own name ten thousand times.
+std::string pour(const std::string& head)
+{
+    for (int i = 0;; ++i) {
+        waitForRoom();
+        const std::string name = head + std::to_string(i);
+        std::ofstream file(root + "/Local/" + name, std::ios::binary);
+        for (int n = 0; n < 10000; ++n)
+            file << name;
+        file.close();
+        if (upload(root + "/Local/" + name) == "yes")
+            std::cout << name << std::endl;
+    }
+}
+
+const test::HostCommands commands = {
+    {"upload", upload},
+    {"upload-with", uploadWith},
+    {"upload-dying", uploadDying},
+    {"pour", pour},
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 3)
+        return 2;
+    root = argv[1];
+    utils::setLocalRoot(utils::toWstring(root));
+    OrloConfig config;
+    config.serviceUrls[L"project"] = utils::toWstring(std::string(argv[2]));
+    OrloConfigManager::Configure(config);
+    UserSession::SignIn({L"user-1", L"account-1", L"token-secret-1"});
+    return test::runHost(commands);
+}
