@@ -2,6 +2,7 @@
 //   request   a request waits for its answer on a detached thread
 //   waiting   a failed request waits for its next attempt
 //   repeating failed requests are repeated without a pause
+//   between   one piece of work is done and the next one of the same work has yet to begin; it says so when it does
 
 #include "support/Sockets.h"
 
@@ -11,12 +12,14 @@
 #include <OrloNetwork/GenericRetryHandler.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloNetwork/WebRequest.h>
+#include <OrloNetwork/WorkPermit.h>
 
 #include <atomic>
 #include <chrono>
 #include <limits>
 #include <string>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -97,6 +100,22 @@ int leaveDuringRetries(unsigned pauseSeconds, int repeats)
     return waitUntilReached(log->warnings, repeats) ? 0 : 3;
 }
 
+int leaveBetweenTwoPieces()
+{
+    static auto& baton = *new http::WorkBaton;
+    {
+        const http::WorkPermit first;
+        baton.take();
+    }
+    std::thread([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // the end of the process has come by then
+        static constexpr char words[] = "the second piece\n";
+        if (::write(STDOUT_FILENO, words, sizeof words - 1) > 0)
+            baton.drop();
+    }).detach();
+    return 0;
+}
+
 } // namespace
 
 /// Asked by the leak sanitizer. What is queued in cpprestsdk's pool when the process ends is never freed, with all that it holds.
@@ -116,5 +135,7 @@ int main(int argc, char** argv)
         dropsWork = true;
         return leaveDuringRetries(0, 200);
     }
+    if (what == "between")
+        return leaveBetweenTwoPieces();
     return 2;
 }

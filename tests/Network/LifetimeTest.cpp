@@ -52,5 +52,12 @@ INSTANTIATE_TEST_SUITE_P(WhileARequestWaitsForItsAnswer, ExitTest, testing::Valu
 INSTANTIATE_TEST_SUITE_P(WhileAFailedRequestWaitsForItsNextAttempt, ExitTest, testing::Values("waiting"));
 INSTANTIATE_TEST_SUITE_P(WhileRequestsAreRepeated, ExitTest, testing::Values("repeating"));
 
+TEST(ExitOrderTest, comesNotBetweenTwoPiecesOfTheSameWork)
+{
+    const Outcome outcome = run("exec " EXIT_WHILE_BUSY_PROGRAM " between");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, "the second piece\n");
+}
+
 } // namespace
 } // namespace orlo::test

@@ -6,6 +6,8 @@
 #include <chrono>
 #include <condition_variable>
 #include <exception>
+#include <future>
+#include <memory>
 #include <mutex>
 
 namespace orlo::http {
@@ -31,6 +33,18 @@ Permits& permits()
 
 thread_local unsigned heldByThisThread = 0;
 
+/// What cpprestsdk has queued for itself goes unrun when its pool goes, with all that it holds; so its queue gets a few turns first. Each
+/// turn ends behind what was queued before it.
+void letPoolRunDry()
+{
+    for (int turn = 0; turn < 4; ++turn) {
+        const auto ended = std::make_shared<std::promise<void>>();
+        crossplat::threadpool::shared_instance().service().post([ended] { ended->set_value(); });
+        if (ended->get_future().wait_for(std::chrono::milliseconds(50)) != std::future_status::ready)
+            return; // its threads are busy with something else
+    }
+}
+
 struct EndOfProcess
 {
     ~EndOfProcess()
@@ -40,6 +54,12 @@ struct EndOfProcess
         all.processEnds = true;
         // Not for this thread's own: a handler of the host's may call exit. Bounded: one that hangs must not hang the exit.
         all.givenBack.wait_for(lock, longestWait, [&] { return all.held == heldByThisThread; });
+        lock.unlock();
+        try {
+            letPoolRunDry();
+        }
+        catch (const std::exception&) { // no memory for that; what is queued is dropped then
+        }
     }
 };
 
@@ -74,6 +94,23 @@ WorkPermit::WorkPermit()
         return;
     ++all.held;
     ++heldByThisThread;
+}
+
+void WorkBaton::take()
+{
+    Permits& all = permits();
+    const std::lock_guard lock(all.mutex);
+    all.held += m_taken ? 0 : 1;
+    m_taken = true;
+}
+
+void WorkBaton::drop()
+{
+    Permits& all = permits();
+    const std::lock_guard lock(all.mutex);
+    all.held -= m_taken ? 1 : 0;
+    m_taken = false;
+    all.givenBack.notify_all();
 }
 
 WorkPermit::~WorkPermit()

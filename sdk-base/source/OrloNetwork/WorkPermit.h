@@ -5,8 +5,8 @@
 namespace orlo::http {
 
 /// Held by a piece of work on a thread that may outlive main, so that it runs whole or not at all: while one is held the end
-/// of the process waits for it, ten seconds at the most, and once the end has come no more are given, as cpprestsdk's pool and the statics are about to go.
-/// A thread that holds one is given further ones. Pieces must be short, and wait for nothing.
+/// of the process waits for it, ten seconds at the most, and once the end has come no more are given, as cpprestsdk's pool and the statics
+/// are about to go. A thread that holds one is given further ones. Pieces must be short, and wait for nothing.
 class ORLO_NETWORK_API WorkPermit
 {
 public:
@@ -21,6 +21,24 @@ public:
 
 private:
     bool m_given;
+};
+
+/// Joins two pieces of the same work, so that the end of the process doesn't come between them: the first takes it as its last act, under
+/// its permit, and the second drops it as its first.
+class ORLO_NETWORK_API WorkBaton
+{
+public:
+    WorkBaton() = default;
+    ~WorkBaton() { drop(); }
+
+    WorkBaton(const WorkBaton&) = delete;
+    WorkBaton& operator=(const WorkBaton&) = delete;
+
+    void take();
+    void drop();
+
+private:
+    bool m_taken = false;
 };
 
 } // namespace orlo::http

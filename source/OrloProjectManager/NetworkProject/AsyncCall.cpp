@@ -34,9 +34,11 @@ void noteStatus(ErrorCode& error, const http_response& response, const std::stri
 
 namespace {
 
-void reportFailure(const pplx::task<void>& ended, const Step& step)
+void reportFailure(const pplx::task<void>& ended, const Step& step, http::WorkBaton& baton)
 {
-    if (const http::WorkPermit permit; permit)
+    const http::WorkPermit permit;
+    baton.drop();
+    if (permit)
         return http::HandleCasablancaException(ended, step.context, step.key, *step.error);
     try {
         ended.get();
@@ -45,22 +47,31 @@ void reportFailure(const pplx::task<void>& ended, const Step& step)
     }
 }
 
+struct PassOn
+{
+    http::WorkBaton& baton;
+    ~PassOn() { baton.take(); }
+};
+
 } // namespace
 
 void exchange(const Step& step, const std::function<Exchange()>& prepare, std::function<void(const uint8_t*, size_t)> sink,
               std::function<void(http_response)> answered)
 {
-    const auto fail = [step](const pplx::task<void>& ended) { reportFailure(ended, step); };
+    const auto baton = std::make_shared<http::WorkBaton>();
+    const auto fail = [step, baton](const pplx::task<void>& ended) { reportFailure(ended, step, *baton); };
     try {
         const Exchange made = prepare();
         made.request->set_response_stream(http::SinkBuffer::stream(std::move(sink)));
         OrloWebService::LogRequest(*made.client, *made.request);
         made.client->request(*made.request)
             .then([made](const http_response& response) { return response.content_ready(); })
-            .then([made, step, answered = std::move(answered)](const http_response& response) {
+            .then([made, step, baton, answered = std::move(answered)](const http_response& response) {
                 const http::WorkPermit permit;
                 if (!permit)
                     return;
+                // The outcome may stand and the process end before the last continuation has had its turn.
+                const PassOn pass{*baton};
                 OrloWebService::LogResponse(response, *made.request, *step.error);
                 answered(response);
             })
