@@ -1,5 +1,6 @@
 // Leaves main while something is still under way.
-//   request   a request waits for its answer on a detached thread
+//   request   a request waits for its answer on a detached thread; it says so when it comes back without one
+//   late      a static destructor asks for something; it says what becomes of it
 //   waiting   a failed request waits for its next attempt
 //   repeating failed requests are repeated without a pause
 //   between   one piece of work is done and the next one of the same work has yet to begin; it says so when it does
@@ -9,6 +10,7 @@
 #include <BaseCommon/NativeText.h>
 #include <BaseCommon/Text.h>
 #include <OrloLogging/ILogManager.h>
+#include <OrloNetwork/CallInProgress.h>
 #include <OrloNetwork/GenericRetryHandler.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloNetwork/WebRequest.h>
@@ -16,6 +18,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <thread>
@@ -47,6 +51,13 @@ bool waitUntilReached(const std::atomic<int>& count, int wanted)
     return count >= wanted;
 }
 
+/// Without the streams, which go with the process.
+void say(const char* words)
+{
+    if (::write(STDOUT_FILENO, words, std::strlen(words)) < 0)
+        std::abort();
+}
+
 /// Takes requests and never answers; lives as long as the process.
 std::wstring stallingServer()
 {
@@ -65,13 +76,15 @@ int leaveDuringARequest()
     const std::wstring url = stallingServer();
     std::thread([url] {
         ErrorCode error;
+        const http::CallInProgress call;
         const auto client = OrloWebService::CreateClient(url);
         const web::uri path(utils::toNative(std::string("/thing")));
         try {
             OrloWebService::ExecuteRequest(*client, OrloWebService::CreateRequest(web::http::methods::GET, path, web::json::value::null()),
                                            error);
         }
-        catch (const std::exception&) { // whatever the end of the process makes of it
+        catch (const std::exception&) { // cancelled
+            say("the request came back\n");
         }
     }).detach();
     return waitUntilReached(arrived, 1) ? 0 : 3;
@@ -100,6 +113,31 @@ int leaveDuringRetries(unsigned pauseSeconds, int repeats)
     return waitUntilReached(log->warnings, repeats) ? 0 : 3;
 }
 
+/// Made before anything of the library's, so that it goes after that.
+struct LateAsker
+{
+    ~LateAsker()
+    {
+        if (!asks)
+            return;
+        try {
+            const http::CallInProgress call;
+        }
+        catch (const std::exception& refusal) {
+            say(refusal.what());
+            say("\n");
+        }
+    }
+    bool asks = false;
+} lateAsker;
+
+int leaveAndAskLater()
+{
+    const http::WorkPermit used; // as of any request
+    lateAsker.asks = true;
+    return 0;
+}
+
 int leaveBetweenTwoPieces()
 {
     static auto& baton = *new http::WorkBaton;
@@ -109,9 +147,8 @@ int leaveBetweenTwoPieces()
     }
     std::thread([] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100)); // the end of the process has come by then
-        static constexpr char words[] = "the second piece\n";
-        if (::write(STDOUT_FILENO, words, sizeof words - 1) > 0)
-            baton.drop();
+        say("the second piece\n");
+        baton.drop();
     }).detach();
     return 0;
 }
@@ -135,6 +172,8 @@ int main(int argc, char** argv)
         dropsWork = true;
         return leaveDuringRetries(0, 200);
     }
+    if (what == "late")
+        return leaveAndAskLater();
     if (what == "between")
         return leaveBetweenTwoPieces();
     return 2;

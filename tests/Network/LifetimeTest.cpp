@@ -48,9 +48,24 @@ TEST_P(ExitTest, isCleanEveryTime)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(WhileARequestWaitsForItsAnswer, ExitTest, testing::Values("request"));
 INSTANTIATE_TEST_SUITE_P(WhileAFailedRequestWaitsForItsNextAttempt, ExitTest, testing::Values("waiting"));
 INSTANTIATE_TEST_SUITE_P(WhileRequestsAreRepeated, ExitTest, testing::Values("repeating"));
+
+TEST(ExitOrderTest, letsARequestThatWaitsForItsAnswerComeBack)
+{
+    for (int i = 0; i < 20; ++i) {
+        const Outcome outcome = run("exec " EXIT_WHILE_BUSY_PROGRAM " request");
+        ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
+        ASSERT_EQ(outcome.output, "the request came back\n");
+    }
+}
+
+TEST(ExitOrderTest, refusesWhatAStaticDestructorAsksForLater)
+{
+    const Outcome outcome = run("exec " EXIT_WHILE_BUSY_PROGRAM " late");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, "the process ends\n");
+}
 
 TEST(ExitOrderTest, comesNotBetweenTwoPiecesOfTheSameWork)
 {

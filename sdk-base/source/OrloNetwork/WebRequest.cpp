@@ -1,5 +1,6 @@
 #include "WebRequest.h"
 
+#include "CallInProgress.h"
 #include "CertificateStore.h"
 #include "SinkBuffer.h"
 
@@ -113,7 +114,7 @@ http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_req
             throw std::length_error("the answer is too large");
         body->append(reinterpret_cast<const char*>(bytes), count);
     }));
-    http_response response = client.request(*request).get();
+    http_response response = client.request(*request, http::CallInProgress::token()).get();
     response.content_ready().get();
 
     if (response.status_code() >= 400)

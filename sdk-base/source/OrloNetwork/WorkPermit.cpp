@@ -1,6 +1,9 @@
 #include "WorkPermit.h"
 
+#include "CallInProgress.h"
+
 #include <openssl/crypto.h>
+#include <pplx/pplx.h>
 #include <pplx/threadpool.h>
 
 #include <chrono>
@@ -33,14 +36,24 @@ Permits& permits()
 
 thread_local unsigned heldByThisThread = 0;
 
+using Turn = std::shared_ptr<std::promise<void>>;
+
+void endTurn(void* turn)
+{
+    const std::unique_ptr<Turn> owner(static_cast<Turn*>(turn));
+    (*owner)->set_value();
+}
+
 /// What cpprestsdk has queued for itself goes unrun when its pool goes, with all that it holds; so its queue gets a few turns first. Each
 /// turn ends behind what was queued before it.
 void letPoolRunDry()
 {
-    for (int turn = 0; turn < 4; ++turn) {
-        const auto ended = std::make_shared<std::promise<void>>();
-        crossplat::threadpool::shared_instance().service().post([ended] { ended->set_value(); });
-        if (ended->get_future().wait_for(std::chrono::milliseconds(50)) != std::future_status::ready)
+    for (int i = 0; i < 4; ++i) {
+        const Turn turn = std::make_shared<std::promise<void>>();
+        auto owner = std::make_unique<Turn>(turn);
+        pplx::get_ambient_scheduler()->schedule(&endTurn, owner.get());
+        static_cast<void>(owner.release()); // the queue has it
+        if (turn->get_future().wait_for(std::chrono::milliseconds(50)) != std::future_status::ready)
             return; // its threads are busy with something else
     }
 }
@@ -52,13 +65,21 @@ struct EndOfProcess
         Permits& all = permits();
         std::unique_lock lock(all.mutex);
         all.processEnds = true;
+        lock.unlock();
+        quietly(&CallInProgress::cancelAll);
+        lock.lock();
         // Not for this thread's own: a handler of the host's may call exit. Bounded: one that hangs must not hang the exit.
         all.givenBack.wait_for(lock, longestWait, [&] { return all.held == heldByThisThread; });
         lock.unlock();
+        quietly(&letPoolRunDry);
+    }
+
+    static void quietly(void (*work)())
+    {
         try {
-            letPoolRunDry();
+            work();
         }
-        catch (const std::exception&) { // no memory for that; what is queued is dropped then
+        catch (const std::exception&) { // no memory for it; the process ends less tidily then
         }
     }
 };
