@@ -1,5 +1,6 @@
-#include "Projects/ProjectTestSupport.h"
 #include "Transfer/TransferTestSupport.h"
+#include "UploadJobs/PlatformHost.h"
+#include "support/WireTest.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
@@ -21,41 +22,11 @@ namespace {
 using FilePtr = std::shared_ptr<ICollaborationFile>;
 using platform::Fault;
 using platform::FaultKind;
-using platform::LocalPlatform;
-
-struct RunningPlatform : LocalPlatform
-{
-    RunningPlatform()
-    {
-        addUser({"user-1", "account-1", "token-secret-1"});
-        start();
-    }
-};
 
 class CollaborationPlatformTest : public testing::Test
 {
 protected:
-    CollaborationPlatformTest()
-    {
-        platform::ProjectSeed project;
-        project.id = "p-1";
-        project.name = "Tower";
-        project.ownerAccountId = "account-1";
-        platform.addProject(project);
-        platform::FolderSeed folder;
-        folder.id = "f-1";
-        folder.name = "图纸";
-        folder.parentId = rootFolder();
-        platform.addFolder(folder);
-    }
-
     static CollaborationFileManager& manager() { return dynamic_cast<CollaborationFileManager&>(*ICollaborationFileManager::Get()); }
-
-    std::string rootFolder() const
-    {
-        const auto roots = ICollaborationProject::Load(L"p-1")->GetFolders();
-        return utils::toString(roots.at(0)->GetId());
-    }
 
     std::wstring localFile(const std::string& name, const std::string& content) const
     {
@@ -112,8 +83,9 @@ protected:
     int strikes() const { return platform.faultCount(m_fault); }
 
     LogCapture log; // takes the lines of the setting up as well
-    RunningPlatform platform;
-    HostSetup host{platform.url()};
+    PlatformHost all;
+    platform::LocalPlatform& platform = all.platform;
+    HostSetup& host = all.host;
     RetryLimit retries{3};
     ErrorCode error;
 
@@ -181,7 +153,7 @@ TEST_F(CollaborationPlatformTest, existenceGoesByFolderAndExactName)
     EXPECT_TRUE(exists(L"Plan.dwg"));
     EXPECT_FALSE(exists(L"plan.dwg"));
     std::wstring dsId;
-    EXPECT_FALSE(ICollaborationFileManager::IsFileExistInProject("p-1", utils::toWstring(rootFolder()), L"Plan.dwg", dsId));
+    EXPECT_FALSE(ICollaborationFileManager::IsFileExistInProject("p-1", utils::toWstring(all.rootFolder()), L"Plan.dwg", dsId));
     EXPECT_FALSE(ICollaborationFileManager::IsFileExistInProject("p-1", L"no-such-folder", L"Plan.dwg", dsId));
     EXPECT_FALSE(ICollaborationFileManager::IsFileExistInProject("no-such-project", L"f-1", L"Plan.dwg", dsId));
     EXPECT_EQ(dsId, L"");

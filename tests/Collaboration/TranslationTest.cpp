@@ -1,4 +1,4 @@
-#include "Projects/ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/NetworkProject/TranslationWeb.h>

@@ -1,4 +1,4 @@
-#include "Projects/ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <BaseCommon/NativeText.h>
 #include <OrloProjectManager/SpaceConfig.h>

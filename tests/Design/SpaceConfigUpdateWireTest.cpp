@@ -1,5 +1,5 @@
 #include "CallerTree.h"
-#include "Projects/ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <BaseCommon/NativeText.h>
 #include <OrloProjectManager/Design/ISpaceConfig.h>

@@ -1,6 +1,6 @@
 #include "CallerTree.h"
-#include "Projects/ProjectTestSupport.h"
 #include "support/SmallStack.h"
+#include "support/WireTest.h"
 
 #include <BaseCommon/NativeText.h>
 #include <OrloProjectManager/SpaceConfig.h>

@@ -1,6 +1,6 @@
 #include "PlainPlatform.h"
-#include "Projects/ProjectTestSupport.h"
 #include "support/SmallStack.h"
+#include "support/WireTest.h"
 
 #include <OrloProjectManager/Project.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Projects/ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
 

@@ -1,4 +1,4 @@
-#include "ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
 

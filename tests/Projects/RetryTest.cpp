@@ -1,4 +1,4 @@
-#include "ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <BaseCommon/ErrorInfoManager.h>
 #include <OrloNetwork/NetworkCommon.h>

@@ -1,5 +1,5 @@
-#include "ProjectTestSupport.h"
 #include "support/RawServer.h"
+#include "support/WireTest.h"
 
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/NetworkProject/ProjectWeb.h>

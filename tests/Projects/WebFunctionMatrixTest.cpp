@@ -1,6 +1,6 @@
-#include "ProjectTestSupport.h"
 #include "WebFunctionRegistry.h"
 #include "support/RawServer.h"
+#include "support/WireTest.h"
 
 #include <OrloNetwork/NetworkCommon.h>
 

@@ -1,4 +1,4 @@
-#include "Projects/ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <OrloProjectManager/Project.h>
 

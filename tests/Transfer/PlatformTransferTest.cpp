@@ -1,11 +1,10 @@
 #include "TransferTestSupport.h"
+#include "UploadJobs/PlatformHost.h"
 
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/NetworkProject/StreamWeb.h>
-#include <OrloProjectManager/Projects/ICollaborationFolder.h>
-#include <OrloProjectManager/Projects/ICollaborationProject.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 
 #include <LocalPlatform/LocalPlatform.h>
@@ -17,17 +16,6 @@ namespace {
 
 using platform::Fault;
 using platform::FaultKind;
-using platform::LocalPlatform;
-
-struct RunningPlatform : LocalPlatform
-{
-    RunningPlatform()
-    {
-        addUser({"user-1", "account-1", "token-secret-1"});
-        addProject({"Tower", "account-1", "p-1"});
-        start();
-    }
-};
 
 class PlatformTransferTest : public testing::Test
 {
@@ -47,19 +35,12 @@ protected:
     }
     std::string back() const { return readFile(host.folder().path("back")); }
 
-    std::string addFolder()
-    {
-        platform::FolderSeed seed;
-        seed.name = "图纸";
-        seed.parentId = utils::toString(ICollaborationProject::Load(L"p-1")->GetFolders().at(0)->GetId());
-        return platform.addFolder(seed);
-    }
     std::vector<std::string> addBlocks(int count, std::size_t size)
     {
         platform::DatasetSeed dataset;
         dataset.id = "ds-1";
         dataset.name = "blocks";
-        dataset.folderId = addFolder();
+        dataset.folderId = "f-1";
         platform.addDataset(dataset);
         std::vector<std::string> seeds;
         for (int i = 0; i < count; ++i) {
@@ -89,8 +70,9 @@ protected:
         return platform.addFault(fault);
     }
 
-    RunningPlatform platform;
-    HostSetup host{platform.url()};
+    PlatformHost all;
+    platform::LocalPlatform& platform = all.platform;
+    HostSetup& host = all.host;
     const RetryLimit retries{3};
     LogCapture log;
     ErrorCode error;
@@ -223,9 +205,8 @@ TEST_F(PlatformTransferTest, aSecondSynchronousDownloadComesFromTheCache)
 
 TEST_F(PlatformTransferTest, aFileByArkivGoesUpTwiceAndBothVersionsComeBack)
 {
-    const std::wstring folder = utils::toWstring(addFolder());
     const auto uploaded = [&](const std::string& content) {
-        const PromiseData up = outcomeOf(HttpClient::uploadFileByArkiv(error, localFile("文件.dwg", content), folder, L"", L"", false));
+        const PromiseData up = outcomeOf(HttpClient::uploadFileByArkiv(error, localFile("文件.dwg", content), L"f-1", L"", L"", false));
         EXPECT_TRUE(up.success) << utils::toString(up.message);
         JsonWrapper told;
         EXPECT_TRUE(told.Parse(utils::toString(up.message)));

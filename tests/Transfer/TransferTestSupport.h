@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Network/Waiting.h"
-#include "Projects/ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <OrloProjectManager/Transfer/HttpClient.h>
 

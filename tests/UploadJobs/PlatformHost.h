@@ -15,6 +15,8 @@ class PlatformHost
 public:
     PlatformHost();
 
+    /// The folder's parent.
+    std::string rootFolder() const;
     /// The ids of the folder's datasets, by their names.
     std::multimap<std::string, std::string> datasets() const;
     std::vector<std::string> datasets(const std::string& name) const;
@@ -34,7 +36,6 @@ public:
 
 private:
     static std::string start(platform::LocalPlatform& platform);
-    std::string rootFolder() const;
 };
 
 } // namespace orlo::test

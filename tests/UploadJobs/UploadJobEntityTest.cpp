@@ -1,6 +1,6 @@
-#include "Projects/ProjectTestSupport.h"
 #include "support/LogCapture.h"
 #include "support/VirtualSlot.h"
+#include "support/WireTest.h"
 
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
 #include <OrloProjectManager/FileJob/UploadModuleJobEntity.h>

@@ -1,4 +1,4 @@
-#include "ProjectTestSupport.h"
+#include "support/WireTest.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
