@@ -4,6 +4,7 @@
 #include "support/Sockets.h"
 
 #include <OrloNetwork/SinkBuffer.h>
+#include <OrloNetwork/WorkPermit.h>
 
 #include <cpprest/http_client.h>
 #include <gtest/gtest.h>
@@ -23,6 +24,7 @@ using web::http::client::http_client;
 /// Downloads from a server into a sink.   Returns: the response, whose content is still to be waited for.
 web::http::http_response download(const std::string& url, SinkBuffer::Write write)
 {
+    const http::WorkPermit permit; // the end of the process lets cpprestsdk's queue run dry then
     http_client client{web::uri(url)};
     web::http::http_request request(web::http::methods::GET);
     request.set_response_stream(SinkBuffer::stream(std::move(write)));

@@ -3,6 +3,7 @@
 #include "CallInProgress.h"
 #include "CertificateStore.h"
 #include "SinkBuffer.h"
+#include "WorkPermit.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/NativeText.h>
@@ -87,6 +88,9 @@ std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri)
 
 std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri, http_client_config& config)
 {
+    // From here on the end of the process knows of requests.
+    if (const http::WorkPermit permit; !permit)
+        throw std::runtime_error("the process ends");
     applyHostConfiguration(config);
     return std::make_shared<http_client>(web::uri(utils::toNative(baseUri)), config);
 }

@@ -30,7 +30,7 @@ namespace OrloWebService {
 
 /// A client for one request. It follows no redirects, which would carry the access token to another host, verifies
 /// certificates always, and uses the proxy and the certificate file of the configuration.
-/// Throws std::invalid_argument for an empty or unusable address.
+/// Throws std::invalid_argument for an empty or unusable address, and std::runtime_error once the process ends.
 ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri);
 ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri,
                                                                               web::http::client::http_client_config& config);
