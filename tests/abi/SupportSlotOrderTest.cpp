@@ -1,3 +1,4 @@
+#include "support/EntitySlots.h"
 #include "support/VirtualSlot.h"
 
 #include <BaseCommon/BaseConfigManager.h>
@@ -79,32 +80,11 @@ TEST(SupportSlotOrder, ofTheJobManagerWhoseFourthOperationAddsAJob)
     EXPECT_EQ(virtualSlot(&IJobManager::AddJob), 4u);
 }
 
-template <class Entity>
-void expectEntityOrder()
-{
-    EXPECT_EQ(virtualSlot(&Entity::GetStatus), 2u);
-    EXPECT_EQ(virtualSlot(&Entity::GetType), 3u);
-    EXPECT_EQ(virtualSlot(&Entity::JobId), 4u);
-    EXPECT_EQ(virtualSlot(&Entity::ErrorInfo), 5u);
-    EXPECT_EQ(virtualSlot(&Entity::GetCreateTime), 6u);
-    EXPECT_EQ(virtualSlot(&Entity::Run), 7u);
-    EXPECT_EQ(virtualSlot(&Entity::IsCanRun), 8u);
-    EXPECT_EQ(virtualSlot(&Entity::SetStatus), 9u);
-    EXPECT_EQ(virtualSlot(&Entity::SetType), 10u);
-    EXPECT_EQ(virtualSlot(&Entity::GetPriorityJob), 11u);
-    EXPECT_EQ(virtualSlot(&Entity::remove), 12u);
-    EXPECT_EQ(virtualSlot(&Entity::GetJobTypeKey), 13u);
-    EXPECT_EQ(virtualSlot(&Entity::LoadFromJson), 14u);
-    EXPECT_EQ(virtualSlot(&Entity::ToJson), 15u);
-    EXPECT_EQ(virtualSlot(&Entity::save), 16u);
-    EXPECT_EQ(virtualSlot(&Entity::operator<), 17u);
-}
-
 TEST(SupportSlotOrder, ofTheJobEntitiesFromTheInterfaceDown)
 {
-    expectEntityOrder<IJobEntity>();
-    expectEntityOrder<JobEntity>();
-    expectEntityOrder<LocalDbJobEntity>();
+    expectEntitySlots<IJobEntity>();
+    expectEntitySlots<JobEntity>();
+    expectEntitySlots<LocalDbJobEntity>();
 }
 
 } // namespace
