@@ -2,9 +2,9 @@
 
 #include "Jobs/Sql.h"
 #include "Jobs/TestJob.h"
-#include "Network/Waiting.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
+#include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>
 

@@ -1,7 +1,8 @@
 #include "PlatformFixture.h"
 
+#include "support/Waiting.h"
+
 #include <chrono>
-#include <thread>
 
 namespace orlo::platform::test {
 
@@ -76,13 +77,7 @@ std::string PlatformTest::teamOf(const std::string& projectId) const
 
 bool eventually(const std::function<bool()>& condition)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
+    return orlo::test::waitUntil(condition, std::chrono::seconds(30));
 }
 
 std::string refusal(int status)

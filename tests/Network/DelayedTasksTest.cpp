@@ -1,5 +1,5 @@
 #include "ThreadShortage.h"
-#include "Waiting.h"
+#include "support/Waiting.h"
 
 #include <OrloNetwork/DelayedTasks.h>
 #include <OrloNetwork/WorkPermit.h>

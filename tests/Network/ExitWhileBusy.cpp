@@ -6,6 +6,7 @@
 //   between   one piece of work is done and the next one of the same work has yet to begin; it says so when it does
 
 #include "support/Sockets.h"
+#include "support/Waiting.h"
 
 #include <BaseCommon/NativeText.h>
 #include <BaseCommon/Text.h>
@@ -46,9 +47,14 @@ public:
 
 bool waitUntilReached(const std::atomic<int>& count, int wanted)
 {
-    for (int i = 0; i < 10000 && count < wanted; ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return count >= wanted;
+    return test::waitUntil([&] { return count >= wanted; }, std::chrono::seconds(10));
+}
+
+/// No more permits are given once the end of the process has come.
+bool processEnds()
+{
+    const http::WorkPermit permit;
+    return !permit;
 }
 
 /// Without the streams, which go with the process.
@@ -146,8 +152,7 @@ int leaveBetweenTwoPieces()
         baton.take();
     }
     std::thread([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // the end of the process has come by then
-        say("the second piece\n");
+        say(test::waitUntil(&processEnds) ? "the second piece\n" : "the process goes on\n");
         baton.drop();
     }).detach();
     return 0;

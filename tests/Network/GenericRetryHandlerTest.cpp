@@ -1,7 +1,7 @@
 #include "ChainProbe.h"
 #include "ThreadShortage.h"
-#include "Waiting.h"
 #include "support/LogCapture.h"
+#include "support/Waiting.h"
 
 #include <OrloNetwork/GenericRetryHandler.h>
 

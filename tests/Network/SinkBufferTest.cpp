@@ -1,7 +1,7 @@
-#include "Waiting.h"
 #include "support/HttpExchange.h"
 #include "support/RawServer.h"
 #include "support/Sockets.h"
+#include "support/Waiting.h"
 
 #include <OrloNetwork/SinkBuffer.h>
 #include <OrloNetwork/WorkPermit.h>

@@ -1,6 +1,6 @@
 #include "TlsServer.h"
 
-#include "Waiting.h"
+#include "support/Waiting.h"
 
 #include <httplib.h>
 #include <openssl/bio.h>

@@ -14,22 +14,6 @@ TEST(Bridge, isNullUntilTheProjectLibraryIsLoaded)
     EXPECT_EQ(IOrloBridge::m_pBridge, nullptr);
 }
 
-TEST(Bridge, keepsTheOrderOfItsOperations)
-{
-    // Row n stands in slot n + 1, behind the two entries of the destructor.
-    EXPECT_EQ(virtualSlot(&IOrloBridge::UpsertDatasetMeta), 2u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetDatasetMeta), 3u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfig), 4u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfigAllVersions), 5u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridConfig), 6u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridAllVersions), 7u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetProjectIdByModelingId), 8u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::CreateVersionByNumber), 9u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::MarkPublish), 10u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::TriggerSightlineTranslateWorkerByUploadJob), 11u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetFamilyFileUrl), 12u);
-}
-
 TEST(Bridge, numbersTheMetaKeysFromZero)
 {
     EXPECT_EQ(static_cast<int>(DatasetMetaKey::SpaceConfigVersion), 0);

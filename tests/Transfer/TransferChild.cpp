@@ -7,6 +7,8 @@
 //   leave-busy leaves main while a transfer of each kind waits for its answer, which the platform never gives
 //   unready    leaves main while the futures are gone already
 
+#include "support/Waiting.h"
+
 #include <BaseCommon/ErrorCode.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
@@ -20,7 +22,6 @@
 #include <csignal>
 #include <iostream>
 #include <sys/resource.h>
-#include <thread>
 
 /// What this program leaves behind when it ends in the middle of its work is no leak; for a build with the address sanitizer.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options()
@@ -43,9 +44,7 @@ public:
 
     bool waitForRequests(int count) const
     {
-        for (int i = 0; i < 10000 && m_requests < count; ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        return m_requests >= count;
+        return test::waitUntil([&] { return m_requests >= count; }, std::chrono::seconds(10));
     }
 
 private:

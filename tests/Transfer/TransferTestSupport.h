@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Network/Waiting.h"
+#include "support/Waiting.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Transfer/HttpClient.h>

@@ -1,7 +1,7 @@
 #include "Jobs/TestJob.h"
-#include "Network/Waiting.h"
 #include "support/HostSetup.h"
 #include "support/LogCapture.h"
+#include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>
 #include <OrloProjectManager/FileJob/UploadModuleJobEntity.h>

@@ -1,7 +1,7 @@
 #include "Jobs/FaultyFiles.h"
 #include "Jobs/TestJob.h"
-#include "Network/Waiting.h"
 #include "UploadJobs/UploadJobsTest.h"
+#include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>

@@ -1,8 +1,8 @@
 #include "Jobs/Sql.h"
 #include "Jobs/TestJob.h"
-#include "Network/Waiting.h"
 #include "support/HostSetup.h"
 #include "support/LogCapture.h"
+#include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>

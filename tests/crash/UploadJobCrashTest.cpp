@@ -1,11 +1,11 @@
 #include "Jobs/ChildProcess.h"
 #include "Jobs/Sql.h"
-#include "Network/Waiting.h"
 #include "UploadJobs/PlatformHost.h"
 #include "crash/Gateway.h"
 #include "crash/Kills.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
+#include "support/Waiting.h"
 
 #include <gmock/gmock.h>
 

@@ -13,6 +13,8 @@
 #include <OrloProjectManager/Resources/IModuleManager.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
 
+#include <algorithm>
+
 namespace orlo {
 
 ICollaborationModule::ICollaborationModule() = default;
@@ -67,14 +69,11 @@ Datasets GetFileInfoInFolder(const std::string& projectId, const std::wstring& f
     return folder ? folder->GetDatasets() : failedListing(site, L"can not find folder in web");
 }
 
-/// The id of the dataset with that very name; empty if there is none.
-std::string idOfName(const Datasets& datasets, const std::wstring& name)
+/// The first dataset with that very name; null if there is none.
+const DatasetInfo* findByName(const Datasets& datasets, const std::wstring& name)
 {
-    for (const auto& dataset : datasets) {
-        if (dataset->name == name)
-            return dataset->id;
-    }
-    return {};
+    const auto found = std::find_if(datasets.begin(), datasets.end(), [&](const auto& dataset) { return dataset->name == name; });
+    return found == datasets.end() ? nullptr : found->get();
 }
 
 /// Copies the file, saves its job, and hands it to the job manager. A job that can't be saved is not accepted.
@@ -108,14 +107,11 @@ bool ICollaborationFileManager::IsFileExistInProject(const std::string& projectI
                                                      std::wstring& dsId)
 {
     return CallFrame(ORLO_HERE("orlo::ICollaborationFileManager::IsFileExistInProject")).runAlone([&](ErrorCode&) {
-        const std::wstring name = FilePath(path).GetFileName();
-        for (const auto& dataset : GetFileInfoInFolder(projectId, folderId)) {
-            if (dataset->name != name)
-                continue;
-            dsId = utils::toWstring(dataset->id);
-            return true;
-        }
-        return false;
+        const Datasets datasets = GetFileInfoInFolder(projectId, folderId);
+        const DatasetInfo* const found = findByName(datasets, FilePath(path).GetFileName());
+        if (found)
+            dsId = utils::toWstring(found->id);
+        return found != nullptr;
     });
 }
 
@@ -161,7 +157,8 @@ bool ICollaborationFileManager::UploadFilesWithDsByJob(const std::string& projec
         const JobTarget target{projectId, folderId, dsId, dsVersion};
         for (const std::wstring& path : paths) {
             const std::wstring name = FilePath(path).GetFileName();
-            if (!submit(site, target, path, name, idOfName(datasets, name)))
+            const DatasetInfo* const found = findByName(datasets, name);
+            if (!submit(site, target, path, name, found ? found->id : std::string()))
                 return false;
         }
         return true;
