@@ -3,6 +3,7 @@
 #include "Log.h"
 
 #include <BaseCommon/ErrorCode.h>
+#include <OrloNetwork/Operation.h>
 
 #include <string>
 #include <type_traits>
@@ -11,7 +12,8 @@
 namespace orlo {
 
 /// The frame of every exported operation: it looks at the ErrorCode that it was handed, does the work, and catches every
-/// exception. After an exception the result is the empty one: false, null, an empty list or text.
+/// exception. After an exception the result is the empty one: false, null, an empty list or text. The end of the process waits for what is
+/// in a frame, and none begins any more then.
 ///
 ///     return CallFrame(ORLO_HERE("orlo::ProjectManager::GetAllProjects")).run(error, [&] { ... });
 class CallFrame
@@ -54,6 +56,7 @@ private:
     std::invoke_result_t<Work> framed(ErrorCode& error, Work&& work, Rungs rungs) const
     {
         try {
+            const http::Operation operation;
             checkEntry(error);
             return work();
         }

@@ -93,8 +93,8 @@ ICollaborationFileManager::~ICollaborationFileManager() = default;
 
 ICollaborationFileManager* ICollaborationFileManager::Get()
 {
-    static CollaborationFileManager manager;
-    return &manager;
+    static auto* const manager = new CollaborationFileManager; // never destroyed: operations go on until the process is gone
+    return manager;
 }
 
 CollaborationFile::CollaborationFile(std::string datasetId, ORLOHTTPPayloadDatasetVersion version)

@@ -70,8 +70,8 @@ IFileManager::~IFileManager() = default;
 
 IFileManager* IFileManager::Get()
 {
-    static FileManager manager;
-    return &manager;
+    static auto* const manager = new FileManager; // never destroyed: operations go on until the process is gone
+    return manager;
 }
 
 std::wstring IFileManager::DownloadFile(const std::string& dsId, const std::wstring& uri, ErrorCode& error)

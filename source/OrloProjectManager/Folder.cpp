@@ -16,8 +16,8 @@ namespace {
 
 int folderTypeOf(const std::wstring& text)
 {
-    static const TextTable<int> table({{1, L"Process"}, {2, L"Published"}, {3, L"ProjectShare"}, {4, L"OtherFiles"}, {5, L"TeamRelated"}},
-                                      0, Unknowns::join);
+    static const auto& table = *new const TextTable<int>(
+        {{1, L"Process"}, {2, L"Published"}, {3, L"ProjectShare"}, {4, L"OtherFiles"}, {5, L"TeamRelated"}}, 0, Unknowns::join);
     return table.valueOf(text);
 }
 

@@ -15,8 +15,8 @@ namespace {
 
 const TextTable<DatasetStatus>& datasetStatusTexts()
 {
-    static const TextTable<DatasetStatus> table({{DatasetStatus::Draft, L"draft"}, {DatasetStatus::Committed, L"committed"}},
-                                                DatasetStatus::Draft);
+    static const auto& table = *new const TextTable<DatasetStatus>(
+        {{DatasetStatus::Draft, L"draft"}, {DatasetStatus::Committed, L"committed"}}, DatasetStatus::Draft);
     return table;
 }
 

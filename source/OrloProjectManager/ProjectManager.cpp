@@ -92,8 +92,8 @@ ICollaborationProjectManager::~ICollaborationProjectManager() = default;
 
 ICollaborationProjectManager* ICollaborationProjectManager::Get()
 {
-    static ProjectManager manager;
-    return &manager;
+    static auto* const manager = new ProjectManager; // never destroyed: operations go on until the process is gone
+    return manager;
 }
 
 ProjectPtr ProjectManager::CreateProject(const std::wstring& name, ProjectStatus status, ErrorCode& error)

@@ -1,5 +1,6 @@
 #include "TransferChain.h"
 
+#include <BaseCommon/Interruption.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/WorkPermit.h>
 
@@ -19,11 +20,14 @@ std::future<PromiseData> failedFuture()
     return promise.get_future();
 }
 
-void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutcome>& outcome, const CallSite& site) noexcept
+/// interruption: that of whoever waits for the transfer; null where nobody does.
+void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutcome>& outcome, const CallSite& site,
+               const std::shared_ptr<Interruption>& interruption) noexcept
 {
-    const http::WorkPermit permit;
+    const http::WorkPermit permit(interruption != nullptr);
     if (!permit)
         return;
+    const Interruption::Scope scope(interruption);
     try {
         worker(outcome);
     }
@@ -91,11 +95,12 @@ void TransferOutcome::failAsCaught(const CallSite& site)
 
 std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker)
 {
+    // Asked before the frame, which would wait for itself.
+    const auto interruption = Interruption::current();
     std::future<PromiseData> future = CallFrame(site).run(error, [&] {
-        const http::WorkPermit permit; // from here on the end of the process knows of transfers
         const auto outcome = std::make_shared<TransferOutcome>(error);
         std::future<PromiseData> started = outcome->future();
-        std::thread([worker = std::move(worker), outcome, site] { runWorker(worker, outcome, site); }).detach();
+        std::thread([worker = std::move(worker), outcome, site, interruption] { runWorker(worker, outcome, site, interruption); }).detach();
         return started;
     });
     return future.valid() ? std::move(future) : failedFuture();

@@ -11,7 +11,7 @@
 #include <BaseCommon/NativeText.h>
 #include <BaseCommon/Text.h>
 #include <OrloLogging/ILogManager.h>
-#include <OrloNetwork/CallInProgress.h>
+#include <OrloNetwork/Operation.h>
 #include <OrloNetwork/GenericRetryHandler.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloNetwork/WebRequest.h>
@@ -82,7 +82,7 @@ int leaveDuringARequest()
     const std::wstring url = stallingServer();
     std::thread([url] {
         ErrorCode error;
-        const http::CallInProgress call;
+        const http::Operation operation;
         const auto client = OrloWebService::CreateClient(url);
         const web::uri path(utils::toNative(std::string("/thing")));
         try {
@@ -127,7 +127,7 @@ struct LateAsker
         if (!asks)
             return;
         try {
-            const http::CallInProgress call;
+            const http::Operation operation;
         }
         catch (const std::exception& refusal) {
             say(refusal.what());

@@ -1,17 +1,8 @@
-#include "Jobs/ChildProcess.h"
-#include "Jobs/Sql.h"
-#include "UploadJobs/PlatformHost.h"
-#include "crash/Gateway.h"
 #include "crash/Kills.h"
-#include "support/LogCapture.h"
-#include "support/TempFolder.h"
-#include "support/Waiting.h"
-
-#include <gmock/gmock.h>
+#include "crash/UploadJobHosts.h"
 
 #include <algorithm>
 #include <csignal>
-#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -21,52 +12,10 @@
 namespace orlo::test {
 namespace {
 
-namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
-class UploadJobCrash : public testing::Test
-{
-protected:
-    UploadJobCrash() { fs::create_directories(m_root.path("Local")); }
-
-    std::vector<std::string> process() const { return {UPLOAD_JOB_PROCESS, m_root.path().string(), gateway.url()}; }
-
-    /// Returns: the path of a file of the user's.
-    std::string localFile(const std::string& name, const std::string& bytes) const
-    {
-        writeFile(m_root.path("Local/" + name), bytes);
-        return m_root.path("Local/" + name).string();
-    }
-    std::vector<std::string> rows() const { return sqlTexts(m_root.path("Jobs/jobs.db"), "SELECT json FROM job"); }
-    /// The folders of copies.
-    std::size_t copies() const
-    {
-        const fs::path folder = m_root.path("Jobs/p-1");
-        return fs::exists(folder) ? static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator())) : 0;
-    }
-
-    /// Another host does what was left.
-    void finish()
-    {
-        gateway.watch(nullptr);
-        ChildProcess next(process());
-        ASSERT_EQ(next.ask("start"), "yes");
-        ASSERT_TRUE(waitUntil([&] { return next.ask("idle") == "yes"; }, std::chrono::seconds(100)));
-        ASSERT_EQ(next.ask("stop"), "yes");
-        EXPECT_EQ(next.ask("error"), "-");
-        EXPECT_THAT(rows(), IsEmpty());
-        EXPECT_THAT(sqlTexts(m_root.path("Jobs/jobs.db"), "PRAGMA integrity_check"), ElementsAre("ok"));
-    }
-
-    LogCapture log; // keeps the output free of what this process asks the platform in vain
-    PlatformHost place;
-    Gateway gateway{place.platform.url()};
-
-private:
-    TempFolder m_root;
-};
+class UploadJobCrash : public UploadJobHosts
+{};
 
 /// Where the host dies, and what there is when the next one is done.
 struct Point

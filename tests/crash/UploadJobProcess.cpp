@@ -11,15 +11,19 @@
 #include <OrloAuth/UserSession.h>
 #include <OrloCommon/OrloConfigManager.h>
 #include <OrloJobManager/IJobManager.h>
+#include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/FileJob/JobCopy.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
+#include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <string>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -110,11 +114,81 @@ std::string pour(const std::string& head)
     }
 }
 
+/// NUMBER HEAD: hands over so many small files that are named by the head and their number, each with its name in it.   Answers how many
+/// were accepted.
+std::string uploadMany(const std::string& argument)
+{
+    const std::size_t blank = argument.find(' ');
+    const int wanted = std::stoi(argument.substr(0, blank));
+    int accepted = 0;
+    for (int i = 0; i < wanted; ++i) {
+        const std::string name = argument.substr(blank + 1) + std::to_string(i);
+        const std::string path = root + "/Local/" + name;
+        std::ofstream(path, std::ios::binary) << name;
+        accepted += upload(path) == "yes" ? 1 : 0;
+    }
+    return std::to_string(accepted);
+}
+
+std::string startImpatient(const std::string&)
+{
+    JobManagerOptions options;
+    options.stopWithin = std::chrono::milliseconds(1);
+    return yesOrNo(IJobManager::Start(options));
+}
+
+/// Between a failed request and the next attempt there is an hour.
+std::string pauseLong(const std::string&)
+{
+    http::setRetryPolicy({3, 3600});
+    return "yes";
+}
+
+std::string signOut(const std::string&)
+{
+    UserSession::SignOut();
+    return "yes";
+}
+
+/// Signs out while another thread waits in Stop.
+std::string stopAndSignOut(const std::string&)
+{
+    bool result = false;
+    std::thread stopping([&] { result = IJobManager::Stop(); });
+    while (IJobManager::Get())
+        std::this_thread::yield();
+    UserSession::SignOut();
+    stopping.join();
+    return yesOrNo(result);
+}
+
+std::string exitElsewhere(const std::string&)
+{
+    std::thread([] { std::exit(0); }).detach();
+    for (;;)
+        ::pause();
+}
+
+/// Asks the platform for something.
+std::string askForProjects(const std::string&)
+{
+    ErrorCode error;
+    ICollaborationProjectManager::Get()->GetAllProjects(error);
+    return yesOrNo(error.isClear());
+}
+
 const test::HostCommands commands = {
     {"upload", upload},
     {"upload-with", uploadWith},
     {"upload-dying", uploadDying},
     {"pour", pour},
+    {"upload-many", uploadMany},
+    {"start-impatient", startImpatient},
+    {"pause-long", pauseLong},
+    {"sign-out", signOut},
+    {"stop-and-sign-out", stopAndSignOut},
+    {"exit-elsewhere", exitElsewhere},
+    {"projects", askForProjects},
 };
 
 } // namespace

@@ -1,4 +1,5 @@
 #include <BaseCommon/Callbacks.h>
+#include <BaseCommon/Interruption.h>
 
 #include <utility>
 
@@ -11,7 +12,7 @@ IOrloFileCallback::IOrloFileCallback() = default;
 IOrloFileCallback::~IOrloFileCallback() = default;
 
 OrloCallbackContext::OrloCallbackContext(std::shared_ptr<IOrloCallback> chainHandler, bool furtherStepFollows)
-    : handler(std::move(chainHandler)), propagate(furtherStepFollows)
+    : handler(std::move(chainHandler)), propagate(furtherStepFollows), interruption(Interruption::current())
 {}
 
 OrloCallbackContext::~OrloCallbackContext() = default;

@@ -10,6 +10,7 @@
 namespace orlo {
 
 class ErrorCode;
+class Interruption;
 class OrloCallbackContext;
 
 /// Hears the outcome of each step of a chain of asynchronous steps.
@@ -57,6 +58,8 @@ public:
     std::shared_ptr<IOrloCallback> handler;
     /// Another step of this chain is still to run. Atomic, since the parallel streams of a batch share one context.
     std::atomic<bool> propagate;
+    /// Breaks the chain off: that of whoever began it and waits for its end; null where nobody does.
+    const std::shared_ptr<Interruption> interruption;
 };
 
 } // namespace orlo

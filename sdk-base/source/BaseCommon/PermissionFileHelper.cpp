@@ -96,8 +96,8 @@ bool save(const std::wstring& folder, const Tokens& tokens)
 
 PermissionFileHelper* PermissionFileHelper::GetInstance()
 {
-    static PermissionFileHelper helper;
-    return &helper;
+    static auto* const helper = new PermissionFileHelper; // never destroyed: it is asked until the process is gone
+    return helper;
 }
 
 std::wstring PermissionFileHelper::TokenFolder()

@@ -41,14 +41,19 @@ bool BoundedThreads::start(std::function<void()> body)
     }
 }
 
+bool BoundedThreads::awaitBy(Clock::time_point end) const
+{
+    std::unique_lock<std::mutex> lock(m_ends->mutex);
+    return m_ends->changed.wait_until(lock, end, [this] {
+        return std::all_of(m_threads.begin(), m_threads.end(), [](const One& one) { return *one.hasEnded || one.isOwn(); });
+    });
+}
+
 bool BoundedThreads::endBy(Clock::time_point end)
 {
-    const auto isOwn = [](const One& one) { return one.thread.get_id() == std::this_thread::get_id(); };
+    awaitBy(end);
     std::vector<One> threads = std::exchange(m_threads, {});
     std::unique_lock<std::mutex> lock(m_ends->mutex);
-    m_ends->changed.wait_until(lock, end, [&] {
-        return std::all_of(threads.begin(), threads.end(), [&](const One& one) { return *one.hasEnded || isOwn(one); });
-    });
     bool haveAllEnded = true;
     std::vector<std::thread> ended;
     for (One& one : threads) {

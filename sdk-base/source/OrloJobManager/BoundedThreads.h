@@ -23,13 +23,17 @@ public:
     /// Returns: false if the system has no thread to give.
     bool start(std::function<void()> body);
 
-    /// Waits for all of them but the one that calls, which is let go at once.   Returns: whether all have ended.
+    /// Waits for all of them but the one that calls.   Returns: whether those have ended.
+    bool awaitBy(Clock::time_point end) const;
+    /// The same, and lets go of those that have not, and of the one that calls.   Returns: whether all have ended.
     bool endBy(Clock::time_point end);
 
 private:
     struct Ends;
     struct One
     {
+        bool isOwn() const { return thread.get_id() == std::this_thread::get_id(); }
+
         std::thread thread;
         std::shared_ptr<bool> hasEnded;
     };

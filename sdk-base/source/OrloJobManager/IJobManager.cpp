@@ -1,6 +1,7 @@
 #include "JobLog.h"
 #include "JobRunner.h"
 
+#include <BaseCommon/ProcessEnd.h>
 #include <OrloJobManager/IJobManager.h>
 
 #include <atomic>
@@ -17,7 +18,9 @@ class JobManager : public IJobManager
 public:
     bool start(const JobManagerOptions& options);
     bool stop();
-    void abandon();
+    /// For the end of the process.
+    void breakOff();
+    void awaitBrokenOff();
     bool isStarted() const { return m_isStarted; }
 
     IJobEntity::List GetJobs() const override;
@@ -29,12 +32,14 @@ public:
 
 private:
     std::shared_ptr<JobRunner> runner() const;
-    void setRunner(std::shared_ptr<JobRunner> runner);
+    /// Returns: false once the end of the process has come; the runner stays then as it is.
+    bool setRunner(std::shared_ptr<JobRunner> runner);
 
     /// Start and Stop, one at a time.
     std::mutex m_lifeMutex;
     mutable std::mutex m_runnerMutex;
     std::shared_ptr<JobRunner> m_runner;
+    bool m_doesProcessEnd = false;
     std::atomic<bool> m_isStarted{false};
 };
 
@@ -45,15 +50,17 @@ JobManager& manager()
     return instance;
 }
 
-/// A process that ends without Stop takes the ground from under its jobs: at least no new one starts.
-struct EndOfProcess
+// A process that ends without Stop breaks its jobs off.
+void watchEndOfProcess()
 {
-    ~EndOfProcess() { manager().abandon(); }
-};
+    ProcessEnd::at(ProcessEnd::Step::breakOffJobs, [] { manager().breakOff(); });
+    ProcessEnd::at(ProcessEnd::Step::awaitJobs, [] { manager().awaitBrokenOff(); });
+    static const ProcessEnd::Watch watch{};
+}
 
 bool JobManager::start(const JobManagerOptions& options)
 {
-    static const EndOfProcess endOfProcess;
+    watchEndOfProcess();
     const std::lock_guard<std::mutex> lock(m_lifeMutex);
     if (m_isStarted) {
         joblog::warning(L"the job manager runs already, with the options of its first start");
@@ -63,7 +70,8 @@ bool JobManager::start(const JobManagerOptions& options)
     if (!starting->open())
         return false;
     // Before the rows are read: whoever saves a job from here on has somebody to hand it to.
-    setRunner(starting);
+    if (!setRunner(starting))
+        return false;
     m_isStarted = true;
     if (starting->start())
         return true;
@@ -82,11 +90,25 @@ bool JobManager::stop()
     return isEnded;
 }
 
-void JobManager::abandon()
+void JobManager::breakOff()
+{
+    std::shared_ptr<JobRunner> ending;
+    {
+        const std::lock_guard<std::mutex> lock(m_runnerMutex);
+        m_doesProcessEnd = true;
+        ending = m_runner;
+    }
+    if (ending)
+        ending->breakOff();
+}
+
+void JobManager::awaitBrokenOff()
 {
     const std::unique_lock<std::mutex> lock(m_lifeMutex, std::try_to_lock);
     const auto ending = runner();
-    if (lock.owns_lock() && ending)
+    if (ending)
+        ending->awaitBrokenOff();
+    if (lock.owns_lock() && ending) // otherwise a Stop on another thread has them
         ending->abandon();
 }
 
@@ -96,10 +118,13 @@ std::shared_ptr<JobRunner> JobManager::runner() const
     return m_runner;
 }
 
-void JobManager::setRunner(std::shared_ptr<JobRunner> runner)
+bool JobManager::setRunner(std::shared_ptr<JobRunner> runner)
 {
     const std::lock_guard<std::mutex> lock(m_runnerMutex);
+    if (m_doesProcessEnd)
+        return false;
     m_runner.swap(runner);
+    return true;
 }
 
 IJobEntity::List JobManager::GetJobs() const

@@ -12,11 +12,12 @@ namespace orlo {
 /// Something that happened to a job.
 struct JobEvent
 {
-    enum class Kind { Added, Started, Ended };
+    /// CutOff: the run was broken off, by Stop or because the user signed out, and says nothing of the job, which waits again.
+    enum class Kind { Added, Started, Ended, CutOff };
 
     Kind kind = Kind::Added;
     std::string jobId;
-    /// The state that the event brought: Waiting, Running, and at the end Succeeded or Failed.
+    /// The state that the event brought: Waiting, Running, and at the end Succeeded or Failed; Waiting for a run that was cut off.
     JobState state = JobState::Waiting;
     /// Of an ended job: what its ErrorInfo() gives, or the exception that left its Run().
     ErrorCode error;
@@ -27,7 +28,7 @@ struct JobManagerOptions
 {
     /// How many jobs run at once; at least one does.
     unsigned workers = 2;
-    /// How long Stop waits for the jobs that run.
+    /// How long Stop waits for the jobs that run before it breaks them off.
     std::chrono::milliseconds stopWithin{10000};
     /// Told of every event, one at a time and in order, on a thread of its own: it may take its time and holds no job up.
     /// What it throws is dropped.
@@ -56,9 +57,11 @@ public:
     /// Returns: false, with a line in the log, if the database can't be opened or no thread can be made.   Threads: any.
     static bool Start(const JobManagerOptions& options);
 
-    /// Starts no more jobs and waits for those that run, as long as the options allow. The rows of jobs that wait, and of those that don't
-    /// end in time, stay for the next start. A job that outlasts Stop keeps the database's jobs from being run by anybody else until it
-    /// ends. Returns: false if a job or the event callback was still busy.   Threads: any; from a job or the event callback too.
+    /// Starts no more jobs and waits for those that run, as long as the options allow; what has not ended then is broken off, its requests
+    /// are cancelled, and it gets two more seconds to come back. The rows of jobs that wait, and of those that were broken off, stay for
+    /// the next start. A job that outlasts even that keeps the database's jobs from being run by anybody else until it ends. A process that
+    /// ends without Stop breaks its jobs off in the same way. Returns: false if a job had to be broken off, or the event callback was still
+    /// busy.   Threads: any; from a job or the event callback too, which are not waited for then.
     static bool Stop();
 
     /// Returns: the job manager; null before Start and after Stop. The object is never destroyed: a pointer from before Stop leads to

@@ -82,8 +82,20 @@ Job JobBoard::choose(const std::vector<Job>& arrivals, bool hasEnded, const IJob
 void JobBoard::ended(const Job& job)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_running.erase(std::remove(m_running.begin(), m_running.end(), job.entity), m_running.end());
     m_known.erase(job.id);
+    leaveRunning(job);
+}
+
+void JobBoard::putBack(const Job& job)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_arrivals.push_back(job);
+    leaveRunning(job);
+}
+
+void JobBoard::leaveRunning(const Job& job)
+{
+    m_running.erase(std::remove(m_running.begin(), m_running.end(), job.entity), m_running.end());
     m_hasEnded = true;
     m_hasNews = true;
     m_changed.notify_all();
@@ -140,6 +152,12 @@ bool JobBoard::waitForIdle(std::chrono::milliseconds atMost)
 bool JobBoard::waitForJob(const std::string& id, std::chrono::milliseconds atMost)
 {
     return waitFor(atMost, [&] { return m_known.count(id) == 0; });
+}
+
+bool JobBoard::waitForRunning(std::size_t atMostJobs, std::chrono::milliseconds atMost)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    return m_changed.wait_for(lock, bounded(atMost), [&] { return m_running.size() <= atMostJobs; });
 }
 
 } // namespace orlo

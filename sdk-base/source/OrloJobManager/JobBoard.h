@@ -24,6 +24,8 @@ public:
     Job next();
     /// The job neither waits nor runs any more.
     void ended(const Job& job);
+    /// The job runs no more, and waits again.
+    void putBack(const Job& job);
 
     /// From now on no job starts.
     void stop();
@@ -38,6 +40,8 @@ public:
     /// Returns: false if the time ran out, or the board was stopped, first.
     bool waitForIdle(std::chrono::milliseconds atMost);
     bool waitForJob(const std::string& id, std::chrono::milliseconds atMost);
+    /// Waits until no more than so many jobs run; the stop of the board doesn't end this.
+    bool waitForRunning(std::size_t atMostJobs, std::chrono::milliseconds atMost);
 
 private:
     struct Known
@@ -48,6 +52,7 @@ private:
 
     Job pick(std::unique_lock<std::mutex>& lock);
     Job choose(const std::vector<Job>& arrivals, bool hasEnded, const IJobEntity::List& running);
+    void leaveRunning(const Job& job);
     template <typename Condition>
     bool waitFor(std::chrono::milliseconds atMost, const Condition& condition);
 

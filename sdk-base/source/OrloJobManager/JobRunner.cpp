@@ -15,8 +15,10 @@ namespace {
 constexpr std::chrono::milliseconds watchInterval{1000};
 constexpr unsigned mostWorkers = 64;
 
-// Threads that have nothing to do need a moment to end, even where nobody wants to wait.
+// Threads that have nothing to do need a moment to end, even where nobody wants to wait; and jobs that are broken off need one to come
+// back.
 constexpr std::chrono::milliseconds leastPatience{200};
+constexpr std::chrono::milliseconds patienceWithBrokenOff{2000};
 
 // A job that was saved before the manager started is found by its row, and may have ended before it is added.
 bool hasRunAlready(const Job& job)
@@ -72,9 +74,8 @@ bool JobRunner::stop()
     using Clock = BoundedThreads::Clock;
     const auto end = Clock::now() + std::clamp<std::chrono::milliseconds>(m_options.stopWithin, leastPatience, std::chrono::hours(24));
     m_board.stop();
-    const bool haveJobsEnded = m_workers.endBy(end);
-    if (!haveJobsEnded)
-        joblog::warning(L"jobs outlast the stop of the job manager; their rows stay until they end");
+    const bool haveJobsEnded = endJobs(end);
+    const bool areWorkersGone = m_workers.endBy(end);
     m_events.close();
     const bool isAllTold = m_teller.endBy(std::max(end, Clock::now() + leastPatience));
     if (!isAllTold)
@@ -82,17 +83,41 @@ bool JobRunner::stop()
     JobStore::setManagers(nullptr);
     m_store->expectHandovers(false);
     // Otherwise the last of the threads gives the jobs free.
-    if (m_watcher.endBy(std::max(end, Clock::now() + leastPatience)) && haveJobsEnded) {
+    if (m_watcher.endBy(std::max(end, Clock::now() + leastPatience)) && areWorkersGone) {
         m_store->close();
         m_claim.release();
     }
-    return haveJobsEnded && isAllTold;
+    return haveJobsEnded && areWorkersGone && isAllTold;
+}
+
+/// Breaks off what doesn't end in time.   Returns: whether there was nothing to break off.
+bool JobRunner::endJobs(BoundedThreads::Clock::time_point end)
+{
+    if (m_workers.awaitBy(end))
+        return true;
+    m_runs.breakOff();
+    if (m_workers.awaitBy(BoundedThreads::Clock::now() + patienceWithBrokenOff))
+        joblog::warning(L"jobs were cut off by the stop of the job manager; the next start runs them again");
+    else
+        joblog::warning(L"jobs outlast the stop of the job manager; their rows stay until they end");
+    return false;
+}
+
+void JobRunner::breakOff()
+{
+    m_board.stop();
+    m_events.silence();
+    m_runs.breakOff();
+}
+
+void JobRunner::awaitBrokenOff()
+{
+    const std::size_t own = JobRun::current() ? 1 : 0; // a job may call exit
+    m_board.waitForRunning(own, patienceWithBrokenOff);
 }
 
 void JobRunner::abandon()
 {
-    m_board.stop();
-    m_events.silence();
     const auto end = BoundedThreads::Clock::now() + leastPatience;
     m_workers.endBy(end);
     m_watcher.endBy(end);
@@ -139,13 +164,34 @@ void JobRunner::work()
 
 void JobRunner::run(const Job& job)
 {
+    const JobRun thisRun(m_runs);
+    if (thisRun.isCutOff())
+        m_board.putBack(job);
+    else
+        runWhole(job, thisRun);
+}
+
+void JobRunner::runWhole(const Job& job, const JobRun& thisRun)
+{
     setStatus(job, JobState::Running);
     tell(JobEvent::Kind::Started, job, JobState::Running);
     const Outcome outcome = outcomeOf(job);
+    if (isCutOff(job, thisRun, outcome)) {
+        setStatus(job, JobState::Waiting);
+        tell(JobEvent::Kind::CutOff, job, JobState::Waiting);
+        m_board.putBack(job);
+        return;
+    }
     setStatus(job, outcome.state);
     dropRow(job);
     tell(JobEvent::Kind::Ended, job, outcome.state, outcome.error);
     m_board.ended(job);
+}
+
+// A job that has dropped its row, or never had one, has ended all the same.
+bool JobRunner::isCutOff(const Job& job, const JobRun& thisRun, const Outcome& outcome)
+{
+    return outcome.state == JobState::Failed && thisRun.isCutOff() && m_store->contains(job.id).value_or(true);
 }
 
 JobRunner::Outcome JobRunner::outcomeOf(const Job& job)

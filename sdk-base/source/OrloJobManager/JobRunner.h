@@ -3,6 +3,7 @@
 #include "BoundedThreads.h"
 #include "EventDispatcher.h"
 #include "JobBoard.h"
+#include "JobRun.h"
 #include "JobStore.h"
 
 #include <BaseCommon/Platform.h>
@@ -28,7 +29,11 @@ public:
     bool open() { return m_store->open(); }
     bool start();
     bool stop();
-    /// For the end of the process: from now on no job starts and nobody is told anything. Only threads without a job are waited for.
+    /// For the end of the process: from now on no job starts, nobody is told anything, and the jobs that run are broken off.
+    void breakOff();
+    /// Waits a moment for those.
+    void awaitBrokenOff();
+    /// Lets go of the threads.
     void abandon();
 
     void add(std::shared_ptr<IJobEntity> entity);
@@ -43,9 +48,12 @@ private:
     };
 
     bool startThreads();
+    bool endJobs(BoundedThreads::Clock::time_point end);
 
     void work();
     void run(const Job& job);
+    void runWhole(const Job& job, const JobRun& thisRun);
+    bool isCutOff(const Job& job, const JobRun& thisRun, const Outcome& outcome);
     static Outcome outcomeOf(const Job& job);
     void dropRow(const Job& job);
     void tell(JobEvent::Kind kind, const Job& job, JobState state, const ErrorCode& error = {});
@@ -64,6 +72,7 @@ private:
     const JobManagerOptions m_options;
     const std::shared_ptr<JobStore> m_store;
     JobBoard m_board;
+    JobRuns m_runs;
     EventDispatcher m_events;
     BoundedThreads m_workers;
     BoundedThreads m_watcher;

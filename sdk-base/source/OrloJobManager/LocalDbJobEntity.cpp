@@ -1,4 +1,5 @@
 #include "JobLog.h"
+#include "JobRun.h"
 #include "JobStore.h"
 
 #include <OrloJobManager/LocalDbJobEntity.h>
@@ -52,6 +53,12 @@ bool LocalDbJobEntity::save()
     catch (...) {
         return failed("orlo::LocalDbJobEntity::save", __LINE__);
     }
+}
+
+bool LocalDbJobEntity::isRunCutOff()
+{
+    const JobRun* const run = JobRun::current();
+    return run && run->isCutOff();
 }
 
 bool LocalDbJobEntity::isRowGone() const

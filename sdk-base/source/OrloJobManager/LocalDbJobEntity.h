@@ -23,6 +23,11 @@ public:
     /// Whether this object wrote a row which is there no more. False where the database can't be read.
     bool isRowGone() const;
 
+protected:
+    /// Whether the run that this thread is in was cut off: by the end of the process, by Stop, or because whoever was signed in when it
+    /// began has gone. What fails then is no outcome, and a Run that gives false and leaves the row alone is done again.
+    static bool isRunCutOff();
+
 private:
     /// Where the row was written, so that it can be deleted there whatever the place of the moment is.
     std::shared_ptr<JobStore> m_store;

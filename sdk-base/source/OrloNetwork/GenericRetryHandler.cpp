@@ -4,12 +4,22 @@
 #include "NetworkCommon.h"
 #include "WebRequest.h"
 
+#include <BaseCommon/Interruption.h>
 #include <BaseCommon/Text.h>
 #include <OrloLogging/ILogManager.h>
 
 #include <utility>
 
 namespace orlo::http {
+
+namespace {
+
+bool isBrokenOff(const OrloCallbackContext& context)
+{
+    return context.interruption && context.interruption->isRequested();
+}
+
+} // namespace
 
 GenericRetryHandler::GenericRetryHandler() : m_limit(getRetryLimitation()), m_pauseSeconds(getRetryInterval())
 {}
@@ -57,9 +67,9 @@ void GenericRetryHandler::on_complete(int status, const std::wstring& body, cons
         handler->on_complete(status, body, stepKey, context, error);
 }
 
-bool GenericRetryHandler::deservesAnotherAttempt(int status, ErrorCode& error) const
+bool GenericRetryHandler::deservesAnotherAttempt(int status, const OrloCallbackContext& context, ErrorCode& error) const
 {
-    if (status == 200 || m_repeated == m_limit || !m_request)
+    if (status == 200 || m_repeated == m_limit || !m_request || isBrokenOff(context))
         return false;
     const auto failure = std::dynamic_pointer_cast<HttpError>(error.GetCategory());
     return failure && CalculateIsNeedRetryRequest(failure.get(), error);
@@ -67,7 +77,7 @@ bool GenericRetryHandler::deservesAnotherAttempt(int status, ErrorCode& error) c
 
 bool GenericRetryHandler::repeats(int status, const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
 {
-    if (!deservesAnotherAttempt(status, error))
+    if (!deservesAnotherAttempt(status, *context, error))
         return false;
     try {
         repeatLater(context, error);
@@ -84,11 +94,13 @@ void GenericRetryHandler::repeatLater(const std::shared_ptr<OrloCallbackContext>
     ++m_repeated;
     ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::GenericRetryHandler - retry attempts[" + std::to_wstring(m_repeated) +
                                    L"]");
-    runAfter(std::chrono::seconds(m_pauseSeconds), [self = shared_from_this(), context, &error] {
+    const auto repeat = [self = shared_from_this(), context, &error] {
+        const Interruption::Scope scope(context->interruption);
         context->propagate = self->m_originalPropagation;
         error.Clear();
         self->run(context, error);
-    });
+    };
+    runAfter(std::chrono::seconds(m_pauseSeconds), repeat, context->interruption);
 }
 
 void GenericRetryHandler::run(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)

@@ -37,7 +37,7 @@ public:
                      std::shared_ptr<OrloCallbackContext> context, ErrorCode& error) override;
 
 private:
-    bool deservesAnotherAttempt(int status, ErrorCode& error) const;
+    bool deservesAnotherAttempt(int status, const OrloCallbackContext& context, ErrorCode& error) const;
     /// Plans another attempt if there is to be one.
     bool repeats(int status, const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error);
     void repeatLater(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error);

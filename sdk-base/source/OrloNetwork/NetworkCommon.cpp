@@ -3,6 +3,7 @@
 #include "WebRequest.h"
 
 #include <BaseCommon/ErrorInfoManager.h>
+#include <BaseCommon/Interruption.h>
 #include <BaseCommon/Text.h>
 #include <OrloLogging/ILogManager.h>
 
@@ -50,6 +51,15 @@ void attemptOnce(ErrorCode& errorCode, const std::function<void()>& attempt)
         errorCode.Assign(error::exception, std::make_shared<HttpError>(L"unknown exception", L"", 5556, 0));
         logCaught(__LINE__, L"unknown exception occurred");
     }
+}
+
+/// Returns: whether the work still goes on.
+bool pause(std::chrono::seconds length)
+{
+    if (const auto interruption = Interruption::current())
+        return !interruption->waitFor(length);
+    std::this_thread::sleep_for(length);
+    return true;
 }
 
 void reportExhausted()
@@ -112,7 +122,7 @@ namespace detail {
 void attemptWithRetry(ErrorCode& errorCode, const std::function<void()>& attempt)
 {
     const unsigned limit = getRetryLimitation();
-    const std::chrono::seconds pause(getRetryInterval());
+    const std::chrono::seconds interval(getRetryInterval());
     unsigned repeated = 0;
     while (true) {
         errorCode.Clear();
@@ -123,7 +133,8 @@ void attemptWithRetry(ErrorCode& errorCode, const std::function<void()>& attempt
         ++repeated;
         ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[" +
                                        std::to_wstring(repeated) + L"]");
-        std::this_thread::sleep_for(pause);
+        if (!pause(interval))
+            break;
     }
     // Intended: a call that succeeds with its very last attempt is reported as exhausted all the same.
     if (repeated == limit)

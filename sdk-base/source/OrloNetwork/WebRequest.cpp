@@ -1,7 +1,7 @@
 #include "WebRequest.h"
 
-#include "CallInProgress.h"
 #include "CertificateStore.h"
+#include "Operation.h"
 #include "SinkBuffer.h"
 #include "WorkPermit.h"
 
@@ -118,7 +118,7 @@ http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_req
             throw std::length_error("the answer is too large");
         body->append(reinterpret_cast<const char*>(bytes), count);
     }));
-    http_response response = client.request(*request, http::CallInProgress::token()).get();
+    http_response response = client.request(*request, http::Operation::token()).get();
     response.content_ready().get();
 
     if (response.status_code() >= 400)
@@ -154,13 +154,13 @@ web::json::value ReadJson(const http_response& response)
 
 bool IsMarkedSuccess(const web::json::value& envelope)
 {
-    static const utility::string_t code = utils::toNative(std::string("code"));
+    static const utility::string_t& code = *new utility::string_t(utils::toNative(std::string("code")));
     return envelope.has_integer_field(code) && envelope.at(code).as_number().to_int64() == 10000;
 }
 
 bool ExtractSuccData(const http_response& response, web::json::value& data)
 {
-    static const utility::string_t dataKey = utils::toNative(std::string("data"));
+    static const utility::string_t& dataKey = *new utility::string_t(utils::toNative(std::string("data")));
     if (response.status_code() != web::http::status_codes::OK)
         return false;
     web::json::value envelope = ReadJson(response);

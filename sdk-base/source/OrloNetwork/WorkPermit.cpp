@@ -1,17 +1,20 @@
 #include "WorkPermit.h"
 
-#include "CallInProgress.h"
+#include <BaseCommon/ProcessEnd.h>
 
 #include <openssl/crypto.h>
 #include <pplx/pplx.h>
 #include <pplx/threadpool.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
+#include <functional>
 #include <future>
-#include <memory>
 #include <mutex>
+#include <utility>
+#include <vector>
 
 namespace orlo::http {
 
@@ -19,12 +22,16 @@ namespace {
 
 constexpr std::chrono::seconds longestWait{10};
 
+enum class Phase { open, ending, over };
+
 struct Permits
 {
     std::mutex mutex;
     std::condition_variable givenBack;
-    unsigned held = 0;
-    bool processEnds = false;
+    Phase phase = Phase::open;
+    unsigned pieces = 0;
+    /// One for each operation.
+    std::vector<std::shared_ptr<Interruption>> operations;
 };
 
 // Never destroyed: they are asked for until the process is gone.
@@ -34,7 +41,8 @@ Permits& permits()
     return instance;
 }
 
-thread_local unsigned heldByThisThread = 0;
+thread_local unsigned piecesOfThisThread = 0;
+thread_local unsigned operationsOfThisThread = 0;
 
 using Turn = std::shared_ptr<std::promise<void>>;
 
@@ -58,31 +66,43 @@ void letPoolRunDry()
     }
 }
 
-struct EndOfProcess
+void quietly(const std::function<void()>& work) noexcept
 {
-    ~EndOfProcess()
+    try {
+        work();
+    }
+    catch (const std::exception&) { // no memory for it; the process ends less tidily then
+    }
+}
+
+void breakOffCalls()
+{
+    std::vector<std::shared_ptr<Interruption>> operations;
     {
         Permits& all = permits();
-        std::unique_lock lock(all.mutex);
-        all.processEnds = true;
-        lock.unlock();
-        quietly(&CallInProgress::cancelAll);
-        lock.lock();
-        // Not for this thread's own: a handler of the host's may call exit. Bounded: one that hangs must not hang the exit.
-        all.givenBack.wait_for(lock, longestWait, [&] { return all.held == heldByThisThread; });
-        lock.unlock();
-        quietly(&letPoolRunDry);
+        const std::lock_guard lock(all.mutex);
+        all.phase = Phase::ending;
+        quietly([&] { operations = all.operations; });
     }
+    // Without the lock: what is broken off may come back at once.
+    for (const auto& operation : operations)
+        quietly([&] { operation->request(); });
+}
 
-    static void quietly(void (*work)())
+/// First those that wait for others, then the others. Not for this thread's own: a handler of the host's may call exit. Bounded: one that
+/// hangs must not hang the exit.
+void awaitCalls()
+{
+    Permits& all = permits();
+    const auto end = std::chrono::steady_clock::now() + longestWait;
     {
-        try {
-            work();
-        }
-        catch (const std::exception&) { // no memory for it; the process ends less tidily then
-        }
+        std::unique_lock lock(all.mutex);
+        all.givenBack.wait_until(lock, end, [&] { return all.operations.size() == operationsOfThisThread; });
+        all.phase = Phase::over;
+        all.givenBack.wait_until(lock, end, [&] { return all.pieces == piecesOfThisThread; });
     }
-};
+    quietly(&letPoolRunDry);
+}
 
 /// What the work uses is made first, so that it goes last: OpenSSL, and cpprestsdk's pool, whose threads use OpenSSL.
 bool makeWhatIsUsed()
@@ -93,45 +113,30 @@ bool makeWhatIsUsed()
     }
     catch (const std::exception&) { // no thread to be had; the work itself will say so
     }
+    ProcessEnd::at(ProcessEnd::Step::breakOffCalls, &breakOffCalls);
+    ProcessEnd::at(ProcessEnd::Step::awaitCalls, &awaitCalls);
     return true;
 }
 
 void watchEndOfProcess()
 {
     static const bool isMade = makeWhatIsUsed();
-    static const EndOfProcess watch;
+    static const ProcessEnd::Watch watch{};
     static_cast<void>(isMade);
 }
 
 } // namespace
 
-WorkPermit::WorkPermit()
+WorkPermit::WorkPermit(bool isAwaited)
 {
     watchEndOfProcess();
     Permits& all = permits();
     const std::lock_guard lock(all.mutex);
-    m_given = !all.processEnds || heldByThisThread > 0;
+    m_given = all.phase == Phase::open || piecesOfThisThread + operationsOfThisThread > 0 || (isAwaited && all.phase == Phase::ending);
     if (!m_given)
         return;
-    ++all.held;
-    ++heldByThisThread;
-}
-
-void WorkBaton::take()
-{
-    Permits& all = permits();
-    const std::lock_guard lock(all.mutex);
-    all.held += m_taken ? 0 : 1;
-    m_taken = true;
-}
-
-void WorkBaton::drop()
-{
-    Permits& all = permits();
-    const std::lock_guard lock(all.mutex);
-    all.held -= m_taken ? 1 : 0;
-    m_taken = false;
-    all.givenBack.notify_all();
+    ++all.pieces;
+    ++piecesOfThisThread;
 }
 
 WorkPermit::~WorkPermit()
@@ -140,8 +145,55 @@ WorkPermit::~WorkPermit()
         return;
     Permits& all = permits();
     const std::lock_guard lock(all.mutex);
-    --heldByThisThread;
-    --all.held;
+    --piecesOfThisThread;
+    --all.pieces;
+    all.givenBack.notify_all();
+}
+
+bool WorkPermit::doesProcessEnd()
+{
+    Permits& all = permits();
+    const std::lock_guard lock(all.mutex);
+    return all.phase != Phase::open;
+}
+
+OperationPermit::OperationPermit(std::shared_ptr<Interruption> interruption) : m_interruption(std::move(interruption))
+{
+    watchEndOfProcess();
+    Permits& all = permits();
+    const std::lock_guard lock(all.mutex);
+    m_given = all.phase == Phase::open;
+    if (!m_given)
+        return;
+    all.operations.push_back(m_interruption);
+    ++operationsOfThisThread;
+}
+
+OperationPermit::~OperationPermit()
+{
+    if (!m_given)
+        return;
+    Permits& all = permits();
+    const std::lock_guard lock(all.mutex);
+    all.operations.erase(std::find(all.operations.begin(), all.operations.end(), m_interruption));
+    --operationsOfThisThread;
+    all.givenBack.notify_all();
+}
+
+void WorkBaton::take()
+{
+    Permits& all = permits();
+    const std::lock_guard lock(all.mutex);
+    all.pieces += m_taken ? 0 : 1;
+    m_taken = true;
+}
+
+void WorkBaton::drop()
+{
+    Permits& all = permits();
+    const std::lock_guard lock(all.mutex);
+    all.pieces -= m_taken ? 1 : 0;
+    m_taken = false;
     all.givenBack.notify_all();
 }
 

@@ -32,7 +32,10 @@ ErrorCode UploadJobEntity::ErrorInfo() const
 
 bool UploadJobEntity::Run()
 {
+    m_wasCutOff = false;
     const bool succeeded = resumeExcution();
+    if (m_wasCutOff)
+        return false;
     if (succeeded)
         tellHost();
     remove();
@@ -72,6 +75,13 @@ bool UploadJobEntity::succeed(const std::wstring& words)
 {
     m_outcome.set(true, 200, words);
     return true;
+}
+
+// Decided here and once: what cuts the run off behind a failure has no part in it.
+bool UploadJobEntity::fail(const ErrorCode& error)
+{
+    m_wasCutOff = isRunCutOff();
+    return !m_wasCutOff && m_outcome.fail(error);
 }
 
 bool UploadJobEntity::missing(const wchar_t* name, const std::wstring& words)

@@ -17,7 +17,8 @@ public:
 
     /// Waits for the outcome if the job has failed.
     ErrorCode ErrorInfo() const override;
-    /// Uploads, then drops the row and the copy, however the upload ended.
+    /// Uploads, then drops the row and the copy, however the upload ended. An upload that was cut off hasn't ended: it leaves both, and no
+    /// outcome.
     bool Run() override;
     bool LoadFromJson(const std::string& text) override;
 
@@ -37,7 +38,7 @@ protected:
     virtual bool fromJsonForCloudify(const JsonWrapper& document) = 0;
 
     bool succeed(const std::wstring& words);
-    bool fail(const ErrorCode& error) { return m_outcome.fail(error); }
+    bool fail(const ErrorCode& error);
     /// Fails for want of a manager.   name: the class of the job.
     bool missing(const wchar_t* name, const std::wstring& words);
 
@@ -50,6 +51,7 @@ private:
     void tellHost() const;
 
     JobOutcome m_outcome;
+    bool m_wasCutOff = false;
 };
 
 /// Whether a job was created before another of its class.

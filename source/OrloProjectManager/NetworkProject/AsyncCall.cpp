@@ -1,6 +1,7 @@
 #include "AsyncCall.h"
 
 #include <BaseCommon/Text.h>
+#include <OrloNetwork/Operation.h>
 #include <OrloNetwork/SinkBuffer.h>
 #include <OrloNetwork/WebRequest.h>
 #include <OrloNetwork/WorkPermit.h>
@@ -34,11 +35,36 @@ void noteStatus(ErrorCode& error, const http_response& response, const std::stri
 
 namespace {
 
+/// What breaks the step's chain off; null where nobody waits for the chain, which is just dropped when the process ends.
+const std::shared_ptr<Interruption>& interruptionOf(const Step& step)
+{
+    return step.context->interruption;
+}
+
+void goOnUnlessBrokenOff(const Step& step)
+{
+    if (interruptionOf(step) && interruptionOf(step)->isRequested())
+        throw std::runtime_error("the work was broken off");
+}
+
+/// A piece of the step's work on a thread of the pool.
+class Piece
+{
+public:
+    explicit Piece(const Step& step) : m_permit(interruptionOf(step) != nullptr), m_scope(interruptionOf(step)) {}
+
+    explicit operator bool() const { return static_cast<bool>(m_permit); }
+
+private:
+    const http::WorkPermit m_permit;
+    const Interruption::Scope m_scope;
+};
+
 void reportFailure(const pplx::task<void>& ended, const Step& step, http::WorkBaton& baton)
 {
-    const http::WorkPermit permit;
+    const Piece piece(step);
     baton.drop();
-    if (permit)
+    if (piece)
         return http::HandleCasablancaException(ended, step.context, step.key, *step.error);
     try {
         ended.get();
@@ -61,14 +87,16 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, std::f
     const auto baton = std::make_shared<http::WorkBaton>();
     const auto fail = [step, baton](const pplx::task<void>& ended) { reportFailure(ended, step, *baton); };
     try {
+        goOnUnlessBrokenOff(step);
         const Exchange made = prepare();
         made.request->set_response_stream(http::SinkBuffer::stream(std::move(sink)));
         OrloWebService::LogRequest(*made.client, *made.request);
-        made.client->request(*made.request)
+        const auto cancellation = std::make_shared<const http::Cancellation>(interruptionOf(step));
+        made.client->request(*made.request, cancellation->token())
             .then([made](const http_response& response) { return response.content_ready(); })
-            .then([made, step, baton, answered = std::move(answered)](const http_response& response) {
-                const http::WorkPermit permit;
-                if (!permit)
+            .then([made, cancellation, step, baton, answered = std::move(answered)](const http_response& response) {
+                const Piece piece(step);
+                if (!piece)
                     return;
                 // The outcome may stand and the process end before the last continuation has had its turn.
                 const PassOn pass{*baton};

@@ -4,7 +4,7 @@ namespace orlo {
 
 const TextTable<SpaceType>& spaceTypeTexts()
 {
-    static const TextTable<SpaceType> table(
+    static const auto& table = *new const TextTable<SpaceType>(
         {{SpaceType::Site, L"Site"}, {SpaceType::Building, L"Building"}, {SpaceType::Region, L"Region"}, {SpaceType::Floor, L"Floor"}},
         SpaceType::Site);
     return table;
@@ -12,20 +12,20 @@ const TextTable<SpaceType>& spaceTypeTexts()
 
 const TextTable<ConfigScope>& configScopeTexts()
 {
-    static const TextTable<ConfigScope> table({{ConfigScope::Project, L"Project"}}, ConfigScope::Project);
+    static const auto& table = *new const TextTable<ConfigScope>({{ConfigScope::Project, L"Project"}}, ConfigScope::Project);
     return table;
 }
 
 const TextTable<ConfigType>& configTypeTexts()
 {
     // The first of two rows with one text is the value that the text reads as.
-    static const TextTable<ConfigType> table({{ConfigType::SpaceConfig, L"SpaceConfig"},
-                                              {ConfigType::GridConfig, L"GridConfig"},
-                                              {ConfigType::SubItem, L"SubItem"},
-                                              {ConfigType::ItemElevationSet, L"SpaceConfig"},
-                                              {ConfigType::ItemGridConfig, L"GridConfig"},
-                                              {ConfigType::Coordinate, L"Coordinate"}},
-                                             ConfigType::SpaceConfig);
+    static const auto& table = *new const TextTable<ConfigType>({{ConfigType::SpaceConfig, L"SpaceConfig"},
+                                                                 {ConfigType::GridConfig, L"GridConfig"},
+                                                                 {ConfigType::SubItem, L"SubItem"},
+                                                                 {ConfigType::ItemElevationSet, L"SpaceConfig"},
+                                                                 {ConfigType::ItemGridConfig, L"GridConfig"},
+                                                                 {ConfigType::Coordinate, L"Coordinate"}},
+                                                                ConfigType::SpaceConfig);
     return table;
 }
 

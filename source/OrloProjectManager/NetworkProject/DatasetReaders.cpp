@@ -9,13 +9,13 @@ using http::ORLOHTTPPayloadDatasetVersion;
 
 DatasetKind datasetKindOf(const std::wstring& type)
 {
-    static const TextTable<DatasetKind> table({{DatasetKind::Standard, L"workunit"},
-                                               {DatasetKind::Standard, L"standard"},
-                                               {DatasetKind::Standard, L"zok"},
-                                               {DatasetKind::NoneStandard, L"noneStandard"},
-                                               {DatasetKind::NoneStandard, L"cloudify"},
-                                               {DatasetKind::NoneStandard, L"dwg"}},
-                                              DatasetKind::Other);
+    static const auto& table = *new const TextTable<DatasetKind>({{DatasetKind::Standard, L"workunit"},
+                                                                  {DatasetKind::Standard, L"standard"},
+                                                                  {DatasetKind::Standard, L"zok"},
+                                                                  {DatasetKind::NoneStandard, L"noneStandard"},
+                                                                  {DatasetKind::NoneStandard, L"cloudify"},
+                                                                  {DatasetKind::NoneStandard, L"dwg"}},
+                                                                 DatasetKind::Other);
     return table.valueOf(type);
 }
 
@@ -54,7 +54,7 @@ void readRefInfo(const web::json::value& json, ORLOHTTPPayloadDatasetVersion& ve
 
 const RecordTable<DatasetInfo>& datasetInfoFields()
 {
-    static const RecordTable<DatasetInfo> table{
+    static const auto& table = *new const RecordTable<DatasetInfo>{
         {L"id", &DatasetInfo::id},
         {L"modelingDatasetId", &DatasetInfo::modelingDatasetId},
         {L"name", &DatasetInfo::name},
@@ -70,7 +70,7 @@ const RecordTable<DatasetInfo>& datasetInfoFields()
 
 const RecordTable<ORLOHTTPPayloadDataset>& datasetFields()
 {
-    static const RecordTable<ORLOHTTPPayloadDataset> table{
+    static const auto& table = *new const RecordTable<ORLOHTTPPayloadDataset>{
         {L"folderId", &ORLOHTTPPayloadDataset::folderId},
         {L"id", &ORLOHTTPPayloadDataset::id},
         {L"name", &ORLOHTTPPayloadDataset::name},
@@ -92,7 +92,7 @@ const RecordTable<ORLOHTTPPayloadDatasetVersion>& datasetVersionFields()
 {
     using Version = ORLOHTTPPayloadDatasetVersion;
     // Intended: `versionStatus` has no row. Of "size" and "length" the first wins, so it is read last.
-    static const RecordTable<Version> table{
+    static const auto& table = *new const RecordTable<Version>{
         {L"id", &Version::id},
         {L"version", &Version::version},
         {L"dataSetId", &Version::dataSetId},

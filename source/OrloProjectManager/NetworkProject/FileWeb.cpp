@@ -13,7 +13,7 @@ constexpr const wchar_t* fileOfProjectPath = L"/projects/{projectId}/files/{file
 
 const RecordTable<RelatedDatasetInfo>& relatedDatasetFields()
 {
-    static const RecordTable<RelatedDatasetInfo> table{
+    static const auto& table = *new const RecordTable<RelatedDatasetInfo>{
         {L"datasetId", &RelatedDatasetInfo::datasetId},
         {L"datasetName", &RelatedDatasetInfo::datasetName},
         {L"datasetVersion", &RelatedDatasetInfo::datasetVersion},

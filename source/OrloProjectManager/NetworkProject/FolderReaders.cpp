@@ -10,7 +10,7 @@ namespace {
 
 void readTeamStatus(const web::json::value& json, CollaborationTeamInfo& team)
 {
-    static const TextTable<CollaborationTeamStatus> table(
+    static const auto& table = *new const TextTable<CollaborationTeamStatus>(
         {{CollaborationTeamStatus::Working, L"Working"}, {CollaborationTeamStatus::Paused, L"Paused"}}, CollaborationTeamStatus::Working,
         Unknowns::join);
     if (std::wstring text; readField(json, text))
@@ -21,7 +21,7 @@ void readTeamStatus(const web::json::value& json, CollaborationTeamInfo& team)
 
 const RecordTable<ORLOHTTPPayloadFolder>& folderFields()
 {
-    static const RecordTable<ORLOHTTPPayloadFolder> table{
+    static const auto& table = *new const RecordTable<ORLOHTTPPayloadFolder>{
         {L"id", &ORLOHTTPPayloadFolder::id},
         {L"name", &ORLOHTTPPayloadFolder::name},
         {L"folderType", &ORLOHTTPPayloadFolder::folderType},
@@ -34,7 +34,7 @@ const RecordTable<ORLOHTTPPayloadFolder>& folderFields()
 
 const RecordTable<CollaborationTeamInfo>& teamFields()
 {
-    static const RecordTable<CollaborationTeamInfo> table{
+    static const auto& table = *new const RecordTable<CollaborationTeamInfo>{
         {L"id", &CollaborationTeamInfo::id},
         {L"projectId", &CollaborationTeamInfo::projectId},
         {L"linkedFolderId", &CollaborationTeamInfo::linkedFolderId},

@@ -16,7 +16,7 @@ constexpr const wchar_t* fontDownloadPath = L"/style-family/font/project/downloa
 
 const RecordTable<ORLOHTTPPayloadFontInfo>& fontFields()
 {
-    static const RecordTable<ORLOHTTPPayloadFontInfo> table{
+    static const auto& table = *new const RecordTable<ORLOHTTPPayloadFontInfo>{
         {L"id", &ORLOHTTPPayloadFontInfo::id},
         {L"name", &ORLOHTTPPayloadFontInfo::name},
         {L"projectId", &ORLOHTTPPayloadFontInfo::projectId},
@@ -31,7 +31,7 @@ const RecordTable<ORLOHTTPPayloadFontInfo>& fontFields()
 
 const RecordTable<ORLOHTTPPayloadFontInfoAck>& fontsAckFields()
 {
-    static const RecordTable<ORLOHTTPPayloadFontInfoAck> table{
+    static const auto& table = *new const RecordTable<ORLOHTTPPayloadFontInfoAck>{
         {L"code", &ORLOHTTPPayloadFontInfoAck::code},
         {L"msg", &ORLOHTTPPayloadFontInfoAck::msg},
         {L"data", [](const web::json::value& data, ORLOHTTPPayloadFontInfoAck& ack) { fontFields().readList(data, ack.fonts); }},
@@ -41,7 +41,7 @@ const RecordTable<ORLOHTTPPayloadFontInfoAck>& fontsAckFields()
 
 const RecordTable<ORLOHTTPPayloadFontUriAck>& fontUriAckFields()
 {
-    static const RecordTable<ORLOHTTPPayloadFontUriAck> table{
+    static const auto& table = *new const RecordTable<ORLOHTTPPayloadFontUriAck>{
         {L"code", &ORLOHTTPPayloadFontUriAck::code},
         {L"msg", &ORLOHTTPPayloadFontUriAck::msg},
         {L"data",

@@ -62,7 +62,7 @@ void readDoubleValue(const value& json, ORLOProjectStandardProperty& property)
 
 const RecordTable<ORLOHTTPPayloadProject>& projectFields()
 {
-    static const RecordTable<ORLOHTTPPayloadProject> table{
+    static const auto& table = *new const RecordTable<ORLOHTTPPayloadProject>{
         {L"creationTime", &ORLOHTTPPayloadProject::creationTime},
         {L"description", &ORLOHTTPPayloadProject::description},
         {L"id", &ORLOHTTPPayloadProject::id},
@@ -79,7 +79,7 @@ const RecordTable<ORLOHTTPPayloadProject>& projectFields()
 const RecordTable<ORLOProjectStandardProperty>& standardPropertyFields()
 {
     // A later key that is present wins.
-    static const RecordTable<ORLOProjectStandardProperty> table{
+    static const auto& table = *new const RecordTable<ORLOProjectStandardProperty>{
         {L"propertyId", &ORLOProjectStandardProperty::propertyId},
         {L"valueType", &ORLOProjectStandardProperty::valueType},
         {L"stringValue", &ORLOProjectStandardProperty::value},
@@ -91,7 +91,7 @@ const RecordTable<ORLOProjectStandardProperty>& standardPropertyFields()
 
 const RecordTable<ORLOHTTPPayloadSpecialty>& specialtyFields()
 {
-    static const RecordTable<ORLOHTTPPayloadSpecialty> table{
+    static const auto& table = *new const RecordTable<ORLOHTTPPayloadSpecialty>{
         {L"id", &ORLOHTTPPayloadSpecialty::id},
         {L"name", &ORLOHTTPPayloadSpecialty::name},
         {L"projectId", &ORLOHTTPPayloadSpecialty::projectId},

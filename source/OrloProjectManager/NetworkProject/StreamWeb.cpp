@@ -10,8 +10,8 @@
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
 #include <OrloLogging/TimeCostingHelper.h>
-#include <OrloNetwork/CallInProgress.h>
 #include <OrloNetwork/Inflate.h>
+#include <OrloNetwork/Operation.h>
 #include <OrloNetwork/SinkBuffer.h>
 #include <OrloNetwork/TempFile.h>
 #include <OrloNetwork/WebRequest.h>
@@ -285,13 +285,13 @@ void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const s
 
 bool DownloadFileFromUrl(ErrorCode& error, const std::wstring& url, const std::wstring& target)
 try {
-    const http::CallInProgress call;
+    const http::Operation operation;
     const auto stream = std::make_shared<StreamTarget>(target);
     const Exchange made = signedExchange(methods::GET, url, bytesOf(Pieces::small));
     made.request->set_response_stream(
         http::SinkBuffer::stream([stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); }));
     LogRequest(*made.client, *made.request);
-    const http_response response = made.client->request(*made.request, http::CallInProgress::token()).get();
+    const http_response response = made.client->request(*made.request, http::Operation::token()).get();
     response.content_ready().get();
     LogResponse(response, *made.request, error);
     noteStatus(error, response, stream->head);

@@ -4,7 +4,7 @@
 
 #include <BaseCommon/Text.h>
 #include <OrloCommon/OrloConfigManager.h>
-#include <OrloNetwork/CallInProgress.h>
+#include <OrloNetwork/Operation.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <chrono>
@@ -207,7 +207,7 @@ WebAnswer WebCall::answer(const web::http::http_response& response, const ErrorC
 
 WebAnswer WebCall::send(ErrorCode& error) const
 {
-    const http::CallInProgress call;
+    const http::Operation operation;
     const Exchange made = prepare();
     return answer(OrloWebService::ExecuteRequest(*made.client, made.request, error), error);
 }

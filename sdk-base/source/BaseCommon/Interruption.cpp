@@ -1,0 +1,87 @@
+#include <BaseCommon/Interruption.h>
+
+#include <utility>
+
+namespace orlo {
+
+namespace {
+
+// A plain pointer: it may be asked for while the thread's own objects go.
+thread_local const Interruption::Scope* innermost = nullptr;
+
+} // namespace
+
+Interruption::Interruption() = default;
+Interruption::~Interruption() = default;
+
+void Interruption::request()
+{
+    Listeners listeners;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (std::exchange(m_isRequested, true))
+            return;
+        listeners.swap(m_listeners);
+        m_requested.notify_all();
+    }
+    // Without the lock: what is broken off may come back at once.
+    for (const auto& [number, heard] : listeners)
+        heard();
+}
+
+bool Interruption::isRequested() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_isRequested;
+}
+
+bool Interruption::waitFor(std::chrono::milliseconds atMost) const
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    return m_requested.wait_for(lock, atMost, [this] { return m_isRequested; });
+}
+
+std::shared_ptr<Interruption> Interruption::current() noexcept
+{
+    return innermost ? innermost->m_interruption : nullptr;
+}
+
+Interruption::Scope::Scope(std::shared_ptr<Interruption> interruption)
+    : m_interruption(std::move(interruption)), m_outer(std::exchange(innermost, this))
+{}
+
+Interruption::Scope::~Scope()
+{
+    innermost = m_outer;
+}
+
+Interruption::Listener::Listener(std::shared_ptr<Interruption> interruption, std::function<void()> heard)
+    : m_interruption(std::move(interruption))
+{
+    if (!m_interruption)
+        return;
+    {
+        const std::lock_guard<std::mutex> lock(m_interruption->m_mutex);
+        if (!m_interruption->m_isRequested) {
+            m_number = ++m_interruption->m_lastNumber;
+            m_interruption->m_listeners.emplace(m_number, std::move(heard));
+            return;
+        }
+    }
+    heard();
+}
+
+Interruption::Listener::~Listener()
+{
+    if (!m_interruption)
+        return;
+    std::function<void()> heard; // goes without the lock
+    const std::lock_guard<std::mutex> lock(m_interruption->m_mutex);
+    const auto found = m_interruption->m_listeners.find(m_number);
+    if (found == m_interruption->m_listeners.end())
+        return;
+    heard = std::move(found->second);
+    m_interruption->m_listeners.erase(found);
+}
+
+} // namespace orlo

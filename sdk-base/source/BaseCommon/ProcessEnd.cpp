@@ -1,0 +1,35 @@
+#include <BaseCommon/ProcessEnd.h>
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+
+namespace orlo {
+
+namespace {
+
+constexpr std::size_t steps = static_cast<std::size_t>(ProcessEnd::Step::awaitCalls) + 1;
+
+// Never destroyed, and made before any code runs.
+std::array<std::atomic<void (*)()>, steps> workOfSteps{};
+std::atomic<bool> hasBegun{false};
+
+} // namespace
+
+void ProcessEnd::at(Step step, void (*work)())
+{
+    void (*none)() = nullptr;
+    workOfSteps[static_cast<std::size_t>(step)].compare_exchange_strong(none, work);
+}
+
+ProcessEnd::Watch::~Watch()
+{
+    if (hasBegun.exchange(true))
+        return;
+    for (const auto& step : workOfSteps) {
+        if (const auto work = step.load())
+            work();
+    }
+}
+
+} // namespace orlo

@@ -1,0 +1,241 @@
+#include "crash/UploadJobHosts.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <future>
+#include <iostream>
+#include <map>
+#include <set>
+
+// A host leaves in every way there is while its files are on their way. What it had handed over is on the platform, or has its row and its
+// copy, and the next host does it.
+namespace orlo::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// A way of leaving: what the host is told, one line after the other, behind its start. The last line ends it.
+struct Way
+{
+    const char* name;
+    const char* start;
+    std::vector<std::string> lines;
+};
+
+const std::vector<Way> ways = {
+    {"returnsFromMain", "start", {"leave"}},
+    {"exitsOnAnotherThread", "start", {"exit-elsewhere"}},
+    {"stopsImpatientlyAndReturns", "start-impatient", {"stop", "leave"}},
+    {"stopsImpatientlyAndSignsOut", "start-impatient", {"stop", "sign-out", "leave"}},
+    {"signsOutWhileStopWaits", "start", {"stop-and-sign-out", "leave"}},
+};
+
+/// Tells a host to go, and waits until it has.   Returns: its exit code.
+int leave(ChildProcess& host, const Way& way)
+{
+    for (std::size_t i = 0; i + 1 < way.lines.size(); ++i)
+        host.ask(way.lines[i]);
+    host.tell(way.lines.back());
+    return host.wait();
+}
+
+/// Holds a request up at a moment, for as long as the test wants.
+class Barrier
+{
+public:
+    Gateway::Watch at(int request, Gateway::Moment moment)
+    {
+        return [this, request, moment](int number, Gateway::Moment now) {
+            if (number != request || now != moment)
+                return true;
+            m_reached.set_value();
+            m_opened.wait();
+            return false;
+        };
+    }
+    bool isReached() { return m_reachedFuture.wait_for(std::chrono::seconds(20)) == std::future_status::ready; }
+    void open() { m_open.set_value(); }
+
+private:
+    std::promise<void> m_reached;
+    std::future<void> m_reachedFuture = m_reached.get_future();
+    std::promise<void> m_open;
+    std::shared_future<void> m_opened = m_open.get_future().share();
+};
+
+/// The requests of an upload.
+enum Request { authority = 1, put, dataset, version };
+
+class UploadJobExit : public UploadJobHosts
+{
+protected:
+    /// The job is as it was handed over, and the next host carries it out.
+    void expectTheJobIsThereAndGoesOn()
+    {
+        EXPECT_THAT(copiesOfRows(), ElementsAre("图.dwg"));
+        finish();
+        EXPECT_TRUE(place.holds("图.dwg", "bytes"));
+        EXPECT_EQ(copies(), 0u);
+    }
+};
+
+class UploadJobExitIn : public UploadJobExit, public testing::WithParamInterface<std::tuple<Way, Request, Gateway::Moment>>
+{};
+
+TEST_P(UploadJobExitIn, aRequestLosesNothing)
+{
+    const auto& [way, request, moment] = GetParam();
+    ChildProcess host(process());
+    Barrier barrier;
+    gateway.watch(barrier.at(request, moment));
+    ASSERT_EQ(host.ask(way.start), "yes");
+    ASSERT_EQ(host.ask("upload " + localFile("图.dwg", "bytes")), "yes");
+    ASSERT_TRUE(barrier.isReached());
+    if (way.lines.front() == "stop-and-sign-out") { // it waits for the answer, which comes without a user
+        host.tell("stop-and-sign-out");
+        barrier.open();
+        host.tell("leave");
+        EXPECT_EQ(host.wait(), 0);
+    }
+    else {
+        EXPECT_EQ(leave(host, way), 0);
+        barrier.open();
+    }
+    expectTheJobIsThereAndGoesOn();
+}
+
+std::string nameOf(const testing::TestParamInfo<std::tuple<Way, Request, Gateway::Moment>>& tested)
+{
+    static const std::map<Request, std::string> requests{
+        {authority, "TheAuthority"}, {put, "ThePut"}, {dataset, "TheDataset"}, {version, "TheVersion"}};
+    const auto& [way, request, moment] = tested.param;
+    return way.name + ("In" + requests.at(request)) + (moment == Gateway::Moment::asked ? "Asked" : "CarriedOut");
+}
+
+INSTANTIATE_TEST_SUITE_P(UploadJobExit, UploadJobExitIn,
+                         testing::Combine(testing::ValuesIn(ways), testing::Values(authority, put, dataset, version),
+                                          testing::Values(Gateway::Moment::asked, Gateway::Moment::carriedOut)),
+                         nameOf);
+
+/// The way alone, for what takes no request along.
+class UploadJobExitWay : public UploadJobExit, public testing::WithParamInterface<Way>
+{};
+
+TEST_P(UploadJobExitWay, betweenTwoRequestsLosesNothing)
+{
+    for (const Request request : {authority, put, dataset}) {
+        SCOPED_TRACE(request);
+        const std::string name = "图-" + std::to_string(request) + ".dwg";
+        ChildProcess host(process());
+        std::promise<void> answered;
+        gateway.watch([&](int number, Gateway::Moment moment) {
+            if (number == request && moment == Gateway::Moment::answered)
+                answered.set_value();
+            return true;
+        });
+        ASSERT_EQ(host.ask(GetParam().start), "yes");
+        ASSERT_EQ(host.ask("upload " + localFile(name, "bytes")), "yes");
+        ASSERT_EQ(answered.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        EXPECT_EQ(leave(host, GetParam()), 0);
+        finish();
+        EXPECT_TRUE(place.holds(name, "bytes"));
+        EXPECT_EQ(copies(), 0u);
+    }
+}
+
+TEST_P(UploadJobExitWay, inThePauseBeforeARepetitionLosesNothing)
+{
+    for (const Request request : {authority, put, dataset, version}) {
+        SCOPED_TRACE(request);
+        const std::string name = "图-" + std::to_string(request) + ".dwg";
+        ChildProcess host(process());
+        std::promise<void> dropped;
+        gateway.watch([&](int number, Gateway::Moment moment) {
+            if (number == request && moment == Gateway::Moment::asked)
+                dropped.set_value();
+            return number < request;
+        });
+        ASSERT_EQ(host.ask("pause-long"), "yes");
+        ASSERT_EQ(host.ask(GetParam().start), "yes");
+        ASSERT_EQ(host.ask("upload " + localFile(name, "bytes")), "yes");
+        ASSERT_EQ(dropped.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        if (GetParam().lines.front() != "stop-and-sign-out") { // that would wait for the end of the pause
+            EXPECT_EQ(leave(host, GetParam()), 0);
+            EXPECT_THAT(copiesOfRows(), ElementsAre(name));
+        }
+        host.kill();
+        finish();
+        EXPECT_TRUE(place.holds(name, "bytes"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(UploadJobExit, UploadJobExitWay, testing::ValuesIn(ways),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+/// How often the hosts leave: as often as ORLO_EXITS says, or 3 times for each way and order.
+int wantedExits()
+{
+    const char* const wanted = std::getenv("ORLO_EXITS");
+    return wanted ? std::atoi(wanted) : 3;
+}
+
+/// Whether the first request comes before the job manager starts.
+enum class Order { startFirst, requestFirst };
+
+class UploadJobExits : public UploadJobHosts, public testing::WithParamInterface<std::tuple<Way, Order>>
+{
+protected:
+    /// One life of a host.
+    void live(const std::string& head, std::set<std::string>& accepted)
+    {
+        constexpr int files = 60;
+        const auto& [way, order] = GetParam();
+        ChildProcess host(process());
+        if (order == Order::requestFirst) {
+            ASSERT_EQ(host.ask("projects"), "yes");
+        }
+        ASSERT_EQ(host.ask(way.start), "yes");
+        ASSERT_EQ(host.ask("upload-many " + std::to_string(files) + " " + head), std::to_string(files));
+        for (int i = 0; i < files; ++i)
+            accepted.insert(head + std::to_string(i));
+        ASSERT_EQ(leave(host, way), 0);
+    }
+
+    /// Every file is on the platform, or has its row and its copy.
+    void expectAllAreThere(const std::set<std::string>& accepted)
+    {
+        const std::vector<std::string> left = copiesOfRows();
+        EXPECT_THAT(rows(), SizeIs(left.size()));
+        std::set<std::string> all(left.begin(), left.end());
+        for (const auto& [name, bytes] : place.contents()) {
+            EXPECT_EQ(name, bytes);
+            all.insert(name);
+        }
+        std::vector<std::string> lost;
+        std::set_difference(accepted.begin(), accepted.end(), all.begin(), all.end(), std::back_inserter(lost));
+        EXPECT_THAT(lost, IsEmpty());
+    }
+};
+
+TEST_P(UploadJobExits, loseNothingThatWasAccepted)
+{
+    std::set<std::string> accepted;
+    for (int i = 0; i < wantedExits() && !HasFailure(); ++i) {
+        live("plan-" + std::to_string(i) + "-", accepted);
+        expectAllAreThere(accepted);
+    }
+    finish();
+    expectAllAreThere(accepted);
+}
+
+INSTANTIATE_TEST_SUITE_P(UploadJobExit, UploadJobExits,
+                         testing::Combine(testing::ValuesIn(ways), testing::Values(Order::startFirst, Order::requestFirst)),
+                         [](const auto& tested) {
+                             return std::get<0>(tested.param).name +
+                                    std::string(std::get<1>(tested.param) == Order::startFirst ? "StartFirst" : "RequestFirst");
+                         });
+
+} // namespace
+} // namespace orlo::test
