@@ -101,7 +101,7 @@ TEST_F(JobDatabase, isTheOwnersAloneAndKeepsAWriteAheadLog)
     for (const char* name : {"jobs.db", "jobs.db-wal", "jobs.db-shm"})
         EXPECT_EQ(fs::status(jobsFolder() / name).permissions(), fs::perms::owner_read | fs::perms::owner_write) << name;
     EXPECT_THAT(sqlTexts(database(), "PRAGMA journal_mode"), ElementsAre("wal"));
-    EXPECT_THAT(sqlTexts(database(), "PRAGMA user_version"), ElementsAre("1"));
+    EXPECT_THAT(sqlTexts(database(), "PRAGMA user_version"), ElementsAre("2"));
 }
 
 TEST_F(JobDatabase, isOneFileAgainAfterStop)
@@ -299,7 +299,7 @@ TEST_F(JobDatabase, rowsOfTheFirstSchemaAreRun)
 TEST_F(JobDatabase, ofANewerVersionIsNotTouched)
 {
     fs::create_directories(jobsFolder());
-    sqlRun(database(), "CREATE TABLE work (id TEXT); INSERT INTO work VALUES ('x'); PRAGMA user_version = 2");
+    sqlRun(database(), "CREATE TABLE work (id TEXT); INSERT INTO work VALUES ('x'); PRAGMA user_version = 3");
     EXPECT_FALSE(IJobManager::Start({}));
     EXPECT_EQ(IJobManager::Get(), nullptr);
     EXPECT_FALSE(TestJob("roof").save());

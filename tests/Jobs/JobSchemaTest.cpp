@@ -1,3 +1,5 @@
+#include "Jobs/FirstSchema.h"
+
 #include <OrloJobManager/JobSchema.h>
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -22,8 +24,29 @@ protected:
 TEST_F(JobSchema, aNewDatabaseTakesAllSteps)
 {
     migrate(database, jobSchemaSteps());
-    EXPECT_EQ(version(), 1);
+    EXPECT_EQ(version(), 2);
     EXPECT_TRUE(database.tableExists("job"));
+}
+
+TEST_F(JobSchema, jobsOfTheFirstSchemaGetAnAccountAndKeepTheRest)
+{
+    database.exec(firstSchema);
+    database.exec("INSERT INTO job VALUES (7, 'id7', 'test job', '{\"a\":1}', 1234567890123, 2), (9, 'id9', 'odd', '', 0, -1)");
+    migrate(database, jobSchemaSteps());
+    EXPECT_EQ(version(), 2);
+    SQLite::Statement rows(database, "SELECT * FROM job ORDER BY rank");
+    ASSERT_EQ(rows.getColumnCount(), 7);
+    EXPECT_STREQ(rows.getColumnName(6), "account");
+    for (const char* row : {"7|id7|test job|{\"a\":1}|1234567890123|2|", "9|id9|odd||0|-1|"}) {
+        ASSERT_TRUE(rows.executeStep());
+        std::string text = rows.getColumn(0).getString();
+        for (int column = 1; column < 7; ++column)
+            text += "|" + rows.getColumn(column).getString();
+        EXPECT_EQ(text, row);
+    }
+    // Ranks go on where they were.
+    database.exec("INSERT INTO job (id, typeKey, json, createTime, jobType, account) VALUES ('new', '', '', 0, 0, 'a')");
+    EXPECT_EQ(database.execAndGet("SELECT rank FROM job WHERE account = 'a'").getInt(), 10);
 }
 
 TEST_F(JobSchema, anOlderDatabaseTakesTheStepsItLacksAndKeepsItsRows)

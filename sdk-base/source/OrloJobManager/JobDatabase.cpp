@@ -66,7 +66,15 @@ JobRow readRow(SQLite::Statement& statement)
     row.json = statement.getColumn(3).getString();
     row.createTime = statement.getColumn(4).getInt64();
     row.jobType = statement.getColumn(5).getInt();
+    row.account = statement.getColumn(6).getString();
     return row;
+}
+
+/// The columns of a row; one of the first schema has no account.
+std::string columnsIn(SQLite::Database& database)
+{
+    SQLite::Statement account(database, "SELECT 1 FROM pragma_table_info('job') WHERE name = 'account'");
+    return std::string("rank, id, typeKey, json, createTime, jobType, ") + (account.executeStep() ? "account" : "''");
 }
 
 /// Returns: whether all rows could be read.
@@ -74,8 +82,7 @@ bool readUpToDamage(const std::wstring& path, const std::string& order, std::vec
 {
     try {
         SQLite::Database database(systemName(path), SQLite::OPEN_READONLY, busyMilliseconds);
-        SQLite::Statement statement(database,
-                                    "SELECT rank, id, typeKey, json, createTime, jobType FROM job NOT INDEXED ORDER BY rank " + order);
+        SQLite::Statement statement(database, "SELECT " + columnsIn(database) + " FROM job NOT INDEXED ORDER BY rank " + order);
         while (statement.executeStep())
             rows.push_back(readRow(statement));
         return true;
@@ -85,19 +92,23 @@ bool readUpToDamage(const std::wstring& path, const std::string& order, std::vec
     }
 }
 
-// A row that is there already keeps its rank, and so its place.
-void putRow(SQLite::Database& database, const JobRow& row)
+// A row that is there already keeps its rank, and so its place, and the account of whoever handed it over.
+std::string putRow(SQLite::Database& database, const JobRow& row)
 {
     SQLite::Statement statement(
-        database, "INSERT INTO job (id, typeKey, json, createTime, jobType) VALUES (?, ?, ?, ?, ?) ON CONFLICT (id) DO UPDATE "
+        database, "INSERT INTO job (id, typeKey, json, createTime, jobType, account) VALUES (?, ?, ?, ?, ?, ?) ON CONFLICT (id) DO UPDATE "
                   "SET typeKey = excluded.typeKey, json = excluded.json, createTime = excluded.createTime, jobType = "
-                  "excluded.jobType");
+                  "excluded.jobType RETURNING account");
     statement.bind(1, row.id);
     statement.bind(2, row.typeKey);
     statement.bind(3, row.json);
     statement.bind(4, row.createTime);
     statement.bind(5, row.jobType);
-    statement.exec();
+    statement.bind(6, row.account);
+    std::string account;
+    while (statement.executeStep())
+        account = statement.getColumn(0).getString();
+    return account;
 }
 
 } // namespace
@@ -109,9 +120,10 @@ JobDatabase::JobDatabase(const std::wstring& path)
         keepAsItIs();
         check();
         configure();
-        migrate(m_database, jobSchemaSteps());
-        if (!m_database.tableExists("job"))
+        const std::size_t seen = stepsSeenBy(m_database);
+        if (seen > 0 && seen <= jobSchemaSteps().size() && !m_database.tableExists("job"))
             throw DamagedDatabase("it has no jobs");
+        migrate(m_database, jobSchemaSteps());
         sqlite3_db_config(m_database.getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
     });
 }
@@ -148,6 +160,16 @@ std::vector<JobRow> JobDatabase::salvage(const std::wstring& path)
     return front;
 }
 
+std::string JobDatabase::put(const JobRow& row)
+{
+    return guarded([&] {
+        SQLite::Transaction transaction(m_database, SQLite::TransactionBehavior::IMMEDIATE);
+        std::string account = putRow(m_database, row);
+        transaction.commit();
+        return account;
+    });
+}
+
 void JobDatabase::put(const std::vector<JobRow>& rows)
 {
     guarded([&] {
@@ -180,8 +202,8 @@ std::vector<JobRow> JobDatabase::rowsAfter(std::int64_t rank, std::size_t atMost
 {
     return guarded([&] {
         std::vector<JobRow> rows;
-        SQLite::Statement statement(m_database,
-                                    "SELECT rank, id, typeKey, json, createTime, jobType FROM job WHERE rank > ? ORDER BY rank LIMIT ?");
+        SQLite::Statement statement(
+            m_database, "SELECT rank, id, typeKey, json, createTime, jobType, account FROM job WHERE rank > ? ORDER BY rank LIMIT ?");
         statement.bind(1, rank);
         statement.bind(2, static_cast<std::int64_t>(atMost));
         while (statement.executeStep())

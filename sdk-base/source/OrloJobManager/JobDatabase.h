@@ -17,6 +17,8 @@ struct JobRow
     std::string json;
     std::int64_t createTime = 0;
     int jobType = 0;
+    /// Who handed the job over; empty where nobody was signed in.
+    std::string account;
     /// Given by the database: rises from row to row.
     std::int64_t rank = 0;
 };
@@ -38,7 +40,9 @@ public:
     /// The rows in front of and behind the damage of a database, which stays as it is.
     static std::vector<JobRow> salvage(const std::wstring& path);
 
-    /// Writes rows, or replaces them; all or none.
+    /// Writes a row, or replaces it; one that is there already keeps its rank and its account.   Returns: the account that the row has.
+    std::string put(const JobRow& row);
+    /// The same for many; all or none.
     void put(const std::vector<JobRow>& rows);
     void erase(const std::string& id);
     bool contains(const std::string& id);

@@ -300,6 +300,7 @@ std::shared_ptr<IJobEntity> JobRunner::entityOf(const JobRow& row)
             return nullptr;
         }
         entity->SetType(static_cast<JobType>(row.jobType));
+        entity->setAccount(row.account);
         return entity;
     }
     catch (...) {

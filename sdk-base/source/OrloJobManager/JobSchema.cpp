@@ -21,10 +21,8 @@ CREATE TABLE job (
     jobType INTEGER NOT NULL);
 )sql";
 
-std::size_t stepsSeenBy(SQLite::Database& database)
-{
-    return static_cast<std::size_t>(database.execAndGet("PRAGMA user_version").getUInt());
-}
+// Who handed the job over; empty where nobody was signed in, and for rows from before this step.
+constexpr const char* accountColumn = "ALTER TABLE job ADD COLUMN account TEXT NOT NULL DEFAULT ''";
 
 // Another process may have taken the step since: the number is read again inside the transaction.
 void take(SQLite::Database& database, std::size_t step, const char* words)
@@ -39,6 +37,11 @@ void take(SQLite::Database& database, std::size_t step, const char* words)
 
 } // namespace
 
+std::size_t stepsSeenBy(SQLite::Database& database)
+{
+    return static_cast<std::size_t>(database.execAndGet("PRAGMA user_version").getUInt());
+}
+
 void migrate(SQLite::Database& database, const std::vector<const char*>& steps)
 {
     const std::size_t seen = stepsSeenBy(database);
@@ -50,7 +53,7 @@ void migrate(SQLite::Database& database, const std::vector<const char*>& steps)
 
 const std::vector<const char*>& jobSchemaSteps()
 {
-    static const std::vector<const char*>& steps = *new std::vector<const char*>{firstSchema};
+    static const std::vector<const char*>& steps = *new std::vector<const char*>{firstSchema, accountColumn};
     return steps;
 }
 

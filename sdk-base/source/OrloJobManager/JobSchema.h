@@ -2,9 +2,13 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace orlo {
+
+/// How many steps the database has seen.
+std::size_t stepsSeenBy(SQLite::Database& database);
 
 /// Runs the steps that the database hasn't seen yet, each in a transaction of its own; `user_version` counts them. Throws if the database
 /// has seen more steps than there are.

@@ -102,17 +102,18 @@ void JobStore::close()
     m_database.reset();
 }
 
-bool JobStore::put(const JobRow& row)
+std::optional<std::string> JobStore::put(const JobRow& row)
 {
     {
         const std::lock_guard<std::mutex> lock(m_handoverMutex);
         if (m_expectsHandovers)
             m_awaited.insert(row.id);
     }
-    const bool isWritten = attempt(L"can't take a job", [&](JobDatabase& database) { database.put({row}); });
-    if (!isWritten)
-        handedOver(row.id);
-    return isWritten;
+    std::string account;
+    if (attempt(L"can't take a job", [&](JobDatabase& database) { account = database.put(row); }))
+        return account;
+    handedOver(row.id);
+    return std::nullopt;
 }
 
 bool JobStore::erase(const std::string& id)

@@ -43,7 +43,8 @@ public:
 
     bool open();
     void close();
-    bool put(const JobRow& row);
+    /// Returns: the account that the row has on disk; empty where the row can't be written.
+    std::optional<std::string> put(const JobRow& row);
     bool erase(const std::string& id);
     /// Empty where the database can't be read.
     std::optional<bool> contains(const std::string& id);

@@ -2,11 +2,18 @@
 #include "JobRun.h"
 #include "JobStore.h"
 
+#include <OrloAuth/UserSession.h>
 #include <OrloJobManager/LocalDbJobEntity.h>
 
 namespace orlo {
 
 namespace {
+
+std::string signedInAccount()
+{
+    const std::shared_ptr<UserSession> session = UserSession::GetInstance();
+    return session ? utils::toString(session->getAccountId()) : std::string();
+}
 
 JobRow rowOf(const LocalDbJobEntity& job)
 {
@@ -43,11 +50,14 @@ bool LocalDbJobEntity::remove()
 bool LocalDbJobEntity::save()
 {
     try {
-        const JobRow row = rowOf(*this);
+        JobRow row = rowOf(*this);
+        row.account = m_account ? *m_account : signedInAccount();
         const std::shared_ptr<JobStore> store = JobStore::current();
-        if (!store->put(row))
+        const std::optional<std::string> account = store->put(row);
+        if (!account)
             return false;
         m_store = store;
+        m_account = account;
         return true;
     }
     catch (...) {
@@ -59,6 +69,16 @@ bool LocalDbJobEntity::isRunCutOff()
 {
     const JobRun* const run = JobRun::current();
     return run && run->isCutOff();
+}
+
+std::string LocalDbJobEntity::account() const
+{
+    return m_account.value_or(std::string());
+}
+
+void LocalDbJobEntity::setAccount(const std::string& account)
+{
+    m_account = account;
 }
 
 bool LocalDbJobEntity::isRowGone() const

@@ -3,6 +3,9 @@
 #include <OrloJobManager/JobEntity.h>
 
 #include <functional>
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace orlo {
 
@@ -18,8 +21,13 @@ public:
 
     /// Returns: whether the job has no row any more.
     bool remove() override;
-    /// Writes the row, or replaces it.   Returns: whether it is on disk.
+    /// Writes the row, or replaces it. The first time the job becomes that of the account that is signed in, and stays so whoever saves it
+    /// again.   Returns: whether it is on disk.
     bool save() override;
+    /// The account that handed the job over, as its row has it; empty where nobody was signed in, and before the first save.
+    std::string account() const;
+    /// For a job that is rebuilt from its row: its account is that of the row.
+    void setAccount(const std::string& account);
     /// Whether this object wrote a row which is there no more. False where the database can't be read.
     bool isRowGone() const;
 
@@ -31,6 +39,7 @@ protected:
 private:
     /// Where the row was written, so that it can be deleted there whatever the place of the moment is.
     std::shared_ptr<JobStore> m_store;
+    std::optional<std::string> m_account;
 };
 
 /// Makes an empty job, which LoadFromJson fills.
