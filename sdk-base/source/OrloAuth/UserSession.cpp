@@ -1,3 +1,4 @@
+#include <OrloAuth/SessionWatch.h>
 #include <OrloAuth/UserSession.h>
 #include <OrloLogging/SecretGuard.h>
 
@@ -12,6 +13,7 @@ struct State
 {
     std::mutex mutex;
     std::shared_ptr<UserSession> session;
+    SessionWatch watch = nullptr;
 };
 
 // Never destroyed: transfers may still ask while the process ends.
@@ -21,13 +23,33 @@ State& state()
     return *instance;
 }
 
-void replaceSession(std::shared_ptr<UserSession> session)
+void put(std::shared_ptr<UserSession> session)
 {
     const std::lock_guard<std::mutex> lock(state().mutex);
     state().session.swap(session);
 }
 
+void replaceSession(const std::shared_ptr<UserSession>& session)
+{
+    SessionWatch watch = nullptr;
+    {
+        const std::lock_guard<std::mutex> lock(state().mutex);
+        watch = state().watch;
+    }
+    const auto replace = [&] { put(session); };
+    if (watch)
+        watch(session, replace);
+    else
+        replace();
+}
+
 } // namespace
+
+void watchSessions(SessionWatch watch)
+{
+    const std::lock_guard<std::mutex> lock(state().mutex);
+    state().watch = watch;
+}
 
 UserSession::UserSession(UserIdentity identity) : m_identity(std::move(identity))
 {}

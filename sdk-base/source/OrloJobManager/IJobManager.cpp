@@ -2,6 +2,7 @@
 #include "JobRunner.h"
 
 #include <BaseCommon/ProcessEnd.h>
+#include <OrloAuth/SessionWatch.h>
 #include <OrloJobManager/IJobManager.h>
 
 #include <atomic>
@@ -18,6 +19,7 @@ class JobManager : public IJobManager
 public:
     bool start(const JobManagerOptions& options);
     bool stop();
+    void changeSession(const std::shared_ptr<UserSession>& next, const std::function<void()>& replace);
     /// For the end of the process.
     void breakOff();
     void awaitBrokenOff();
@@ -61,6 +63,7 @@ void watchEndOfProcess()
 bool JobManager::start(const JobManagerOptions& options)
 {
     watchEndOfProcess();
+    watchSessions([](const auto& next, const auto& replace) { manager().changeSession(next, replace); });
     const std::lock_guard<std::mutex> lock(m_lifeMutex);
     if (m_isStarted) {
         joblog::warning(L"the job manager runs already, with the options of its first start");
@@ -88,6 +91,14 @@ bool JobManager::stop()
     const bool isEnded = !ending || ending->stop();
     setRunner(nullptr);
     return isEnded;
+}
+
+void JobManager::changeSession(const std::shared_ptr<UserSession>& next, const std::function<void()>& replace)
+{
+    if (const auto current = runner())
+        current->changeSession(next, replace);
+    else
+        replace();
 }
 
 void JobManager::breakOff()

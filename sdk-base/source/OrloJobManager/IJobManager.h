@@ -40,8 +40,9 @@ struct JobManagerOptions
 ///
 /// Jobs of one class start in the order of their operator <, and where that sees no difference in the order of their addition; the
 /// classes among each other go by create time. IsCanRun is asked before, with the jobs that run and the other ones that wait, and
-/// asked again whenever a job has ended. If a job that may start has a waiting GetPriorityJob(), that one is tried first.
-/// The database is "jobs.db" below utils::getLocalDbCachePath(). A job that ended, well or badly, has no row any more.
+/// asked again whenever a job has ended. A job that was saved while somebody was signed in runs while that account is signed in, and waits
+/// otherwise: a sign-out, or a sign-in of another account, breaks its run off. If a job that may start has a waiting GetPriorityJob(), that
+/// one is tried first. The database is "jobs.db" below utils::getLocalDbCachePath(). A job that ended, well or badly, has no row any more.
 class ORLO_JOB_API IJobManager
 {
 public:
@@ -76,7 +77,8 @@ public:
     /// saved before the manager started and has been run by its row since is not run again.
     virtual void AddJob(std::shared_ptr<IJobEntity> job) = 0;
 
-    /// Waits until no job waits or runs.   Returns: false if the time ran out or the manager was stopped with jobs left.
+    /// Waits until no job runs or could run now: those of accounts that aren't signed in don't count.   Returns: false if the time ran out
+    /// or the manager was stopped with jobs left.
     virtual bool WaitForIdle(std::chrono::milliseconds atMost) = 0;
     /// Waits until the job has ended; one that the manager doesn't know counts as ended.   Returns: as above.
     virtual bool WaitForJob(const std::string& jobId, std::chrono::milliseconds atMost) = 0;

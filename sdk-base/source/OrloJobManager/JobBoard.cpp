@@ -1,6 +1,7 @@
 #include "JobBoard.h"
 
 #include "JobLog.h"
+#include "JobRun.h"
 
 #include <algorithm>
 #include <utility>
@@ -20,7 +21,7 @@ std::chrono::milliseconds bounded(std::chrono::milliseconds time)
 bool JobBoard::add(const Job& job)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_known.try_emplace(job.id, Known{job.entity, m_lastNumber + 1}).second)
+    if (!m_known.try_emplace(job.id, Known{job.entity, m_lastNumber + 1, job.account}).second)
         return false;
     ++m_lastNumber;
     m_arrivals.push_back(job);
@@ -146,7 +147,23 @@ bool JobBoard::waitFor(std::chrono::milliseconds atMost, const Condition& condit
 
 bool JobBoard::waitForIdle(std::chrono::milliseconds atMost)
 {
-    return waitFor(atMost, [this] { return m_known.empty(); });
+    return waitFor(atMost, [this] { return isIdle(); });
+}
+
+bool JobBoard::isIdle() const
+{
+    const std::string account = m_known.empty() ? std::string() : signedInAccount();
+    return m_running.empty() && std::none_of(m_known.begin(), m_known.end(), [&](const auto& known) {
+               return known.second.account.empty() || known.second.account == account;
+           });
+}
+
+void JobBoard::retryAll()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_hasEnded = true;
+    m_hasNews = true;
+    m_changed.notify_all();
 }
 
 bool JobBoard::waitForJob(const std::string& id, std::chrono::milliseconds atMost)

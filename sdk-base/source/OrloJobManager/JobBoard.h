@@ -37,6 +37,10 @@ public:
     std::shared_ptr<IJobEntity> find(const std::string& id) const;
     /// In the order of their addition.
     IJobEntity::List jobs() const;
+    /// Somebody has signed in or out, so that other jobs may run now.
+    void retryAll();
+
+    /// Waits until no job runs or could run; those of accounts that aren't signed in don't count.
     /// Returns: false if the time ran out, or the board was stopped, first.
     bool waitForIdle(std::chrono::milliseconds atMost);
     bool waitForJob(const std::string& id, std::chrono::milliseconds atMost);
@@ -48,11 +52,13 @@ private:
     {
         std::shared_ptr<IJobEntity> entity;
         std::uint64_t number;
+        std::string account;
     };
 
     Job pick(std::unique_lock<std::mutex>& lock);
     Job choose(const std::vector<Job>& arrivals, bool hasEnded, const IJobEntity::List& running);
     void leaveRunning(const Job& job);
+    bool isIdle() const;
     template <typename Condition>
     bool waitFor(std::chrono::milliseconds atMost, const Condition& condition);
 

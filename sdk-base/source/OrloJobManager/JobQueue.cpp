@@ -1,6 +1,7 @@
 #include "JobQueue.h"
 
 #include "JobLog.h"
+#include "JobRun.h"
 
 #include <typeinfo>
 #include <utility>
@@ -134,6 +135,8 @@ JobQueue::Entry& JobQueue::preferredTo(Entry& entry, const IJobEntity::List& run
 // The job's own place is hidden from it.
 bool JobQueue::mayRun(Entry& entry, const IJobEntity::List& running)
 {
+    if (!mayRunNow(entry.job.account))
+        return false;
     const std::size_t place = entry.place;
     const std::shared_ptr<IJobEntity> entity = entry.job.entity;
     m_waiting[place].swap(m_waiting.back());

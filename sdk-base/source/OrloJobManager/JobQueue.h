@@ -20,6 +20,8 @@ struct Job
     std::string id;
     std::int64_t createTime = 0;
     std::shared_ptr<IJobEntity> entity;
+    /// That handed it over; empty where nobody was signed in then.
+    std::string account;
 };
 
 /// The jobs that wait, and the choice of the one that starts next. Calls the jobs' own operations, so it must be used without a lock that

@@ -1,5 +1,6 @@
 #include "JobRun.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloAuth/UserSession.h>
 
 #include <algorithm>
@@ -10,23 +11,21 @@ namespace {
 
 thread_local const JobRun* ofThisThread = nullptr;
 
-} // namespace
-
-void JobRuns::add(const std::shared_ptr<Interruption>& run)
+std::string accountOf(const std::shared_ptr<UserSession>& session)
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_runs.push_back(run);
-        if (!m_areBrokenOff)
-            return;
-    }
-    run->request();
+    return session ? utils::toString(session->getAccountId()) : std::string();
 }
 
-void JobRuns::drop(const std::shared_ptr<Interruption>& run)
+} // namespace
+
+std::string signedInAccount()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_runs.erase(std::find(m_runs.begin(), m_runs.end(), run));
+    return accountOf(UserSession::GetInstance());
+}
+
+bool mayRunNow(const std::string& account)
+{
+    return account.empty() || account == signedInAccount();
 }
 
 void JobRuns::breakOff()
@@ -34,28 +33,55 @@ void JobRuns::breakOff()
     std::vector<std::shared_ptr<Interruption>> runs;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        runs = m_runs;
         m_areBrokenOff = true;
+        for (const JobRun* const run : m_runs) {
+            if (run != JobRun::current())
+                runs.push_back(run->m_interruption);
+        }
     }
-    const auto own = Interruption::current();
     // Without the lock: what is broken off may come back at once.
-    for (const auto& run : runs) {
-        if (run != own)
-            run->request();
-    }
+    for (const auto& run : runs)
+        run->request();
 }
 
-JobRun::JobRun(JobRuns& all)
-    : m_all(all), m_interruption(std::make_shared<Interruption>()), m_session(UserSession::GetInstance()), m_scope(m_interruption)
+// With the lock: no run may begin between the two, and take the one session for the other.
+void JobRuns::changeSession(const std::shared_ptr<UserSession>& next, const std::function<void()>& replace)
 {
-    m_all.add(m_interruption);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::string account = accountOf(next);
+    for (const JobRun* const run : m_runs) {
+        if (run->m_account != account)
+            run->m_interruption->request();
+    }
+    replace();
+}
+
+void JobRuns::add(JobRun& run)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    run.m_session = UserSession::GetInstance();
+    run.m_account = accountOf(run.m_session);
+    m_runs.push_back(&run);
+    if (m_areBrokenOff)
+        run.m_interruption->request(); // nobody listens yet
+}
+
+void JobRuns::drop(const JobRun& run)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_runs.erase(std::find(m_runs.begin(), m_runs.end(), &run));
+}
+
+JobRun::JobRun(JobRuns& all) : m_all(all), m_interruption(std::make_shared<Interruption>()), m_scope(m_interruption)
+{
+    m_all.add(*this);
     ofThisThread = this;
 }
 
 JobRun::~JobRun()
 {
     ofThisThread = nullptr;
-    m_all.drop(m_interruption);
+    m_all.drop(*this);
 }
 
 bool JobRun::isCutOff() const

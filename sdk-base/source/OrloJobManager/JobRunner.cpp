@@ -27,6 +27,12 @@ bool hasRunAlready(const Job& job)
     return saved && saved->isRowGone();
 }
 
+std::string accountOf(const IJobEntity& entity)
+{
+    const auto* const saved = dynamic_cast<const LocalDbJobEntity*>(&entity);
+    return saved ? saved->account() : std::string();
+}
+
 void setStatus(const Job& job, JobState state)
 {
     try {
@@ -103,6 +109,12 @@ bool JobRunner::endJobs(BoundedThreads::Clock::time_point end)
     return false;
 }
 
+void JobRunner::changeSession(const std::shared_ptr<UserSession>& next, const std::function<void()>& replace)
+{
+    m_runs.changeSession(next, replace);
+    m_board.retryAll();
+}
+
 void JobRunner::breakOff()
 {
     m_board.stop();
@@ -126,7 +138,7 @@ void JobRunner::abandon()
 
 void JobRunner::add(std::shared_ptr<IJobEntity> entity)
 {
-    const Job job{entity->JobId(), entity->GetCreateTime(), entity};
+    const Job job{entity->JobId(), entity->GetCreateTime(), entity, accountOf(*entity)};
     const std::lock_guard<std::mutex> lock(m_addMutex);
     m_store->handedOver(job.id);
     if (m_board.isStopped())
@@ -165,7 +177,7 @@ void JobRunner::work()
 void JobRunner::run(const Job& job)
 {
     const JobRun thisRun(m_runs);
-    if (thisRun.isCutOff())
+    if (thisRun.isCutOff() || !thisRun.isOf(job.account))
         m_board.putBack(job);
     else
         runWhole(job, thisRun);
@@ -278,7 +290,7 @@ void JobRunner::load(const JobRow& row)
         return;
     const std::lock_guard<std::mutex> lock(m_addMutex);
     if (!m_board.knows(row.id) && !m_board.isStopped())
-        addKnown({row.id, row.createTime, entity});
+        addKnown({row.id, row.createTime, entity, row.account});
 }
 
 bool JobRunner::isExpectedElsewhere(const std::string& id)

@@ -29,6 +29,9 @@ public:
     bool open() { return m_store->open(); }
     bool start();
     bool stop();
+    /// Makes the change; what runs for another account is broken off before, and what waits for this one is looked at behind it.
+    void changeSession(const std::shared_ptr<UserSession>& next, const std::function<void()>& replace);
+
     /// For the end of the process: from now on no job starts, nobody is told anything, and the jobs that run are broken off.
     void breakOff();
     /// Waits a moment for those.

@@ -2,18 +2,11 @@
 #include "JobRun.h"
 #include "JobStore.h"
 
-#include <OrloAuth/UserSession.h>
 #include <OrloJobManager/LocalDbJobEntity.h>
 
 namespace orlo {
 
 namespace {
-
-std::string signedInAccount()
-{
-    const std::shared_ptr<UserSession> session = UserSession::GetInstance();
-    return session ? utils::toString(session->getAccountId()) : std::string();
-}
 
 JobRow rowOf(const LocalDbJobEntity& job)
 {
