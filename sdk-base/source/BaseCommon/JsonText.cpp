@@ -5,6 +5,8 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <vector>
 
@@ -18,21 +20,64 @@ using rapidjson::Value;
 
 constexpr unsigned deepestNesting = 1000;
 
-// Stands between the parser and the document: refuses what is nested too deep, for others that read the text after us, and repairs the
-// lone surrogates that the parser lets through as escapes.
-class ParseGuard
+template <typename Number>
+std::errc readWhole(std::string_view text, Number& number)
+{
+    const char* const end = text.data() + text.size();
+    const std::from_chars_result result = std::from_chars(text.data(), end, number);
+    return result.ec == std::errc() && result.ptr != end ? std::errc::invalid_argument : result.ec;
+}
+
+// Whether the text of a number other than 0 tells one below 1.
+bool isBelowOne(std::string_view number)
+{
+    const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
+    const std::string_view digits = number.substr(0, mark);
+    const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+    const auto first = static_cast<std::int64_t>(digits.find_first_of("123456789"));
+    std::string_view power = number.substr(std::min(mark + 1, number.size()));
+    power.remove_prefix(!power.empty() && power.front() == '+' ? 1 : 0);
+    std::int64_t exponent = 0;
+    if (readWhole(power, exponent) == std::errc::result_out_of_range)
+        return power.front() == '-';
+    // The digits before the point count up, the zeros behind it down.
+    const std::int64_t places = first < point ? point - first : point - first + 1;
+    return places + exponent <= 0;
+}
+
+// What is too small for a double is 0, what is too large no number.
+bool readDouble(std::string_view text, double& number)
+{
+    const std::errc failure = readWhole(text, number);
+    if (failure == std::errc::result_out_of_range && isBelowOne(text))
+        number = text.front() == '-' ? -0.0 : 0.0;
+    else if (failure != std::errc())
+        return false;
+    return std::isfinite(number);
+}
+
+// Stands between the parser and the document: refuses what is nested too deep, for others that read the text after us, repairs the
+// lone surrogates that the parser lets through as escapes, and reads the numbers, which the parser at its full precision gets wrong.
+class ParseGuard : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, ParseGuard>
 {
 public:
     explicit ParseGuard(Document& target) : m_target(target) {}
 
+    bool Default() { return false; } // the events that read numbers never come
     bool Null() { return m_target.Null(); }
     bool Bool(bool value) { return m_target.Bool(value); }
-    bool Int(int value) { return m_target.Int(value); }
-    bool Uint(unsigned value) { return m_target.Uint(value); }
-    bool Int64(std::int64_t value) { return m_target.Int64(value); }
-    bool Uint64(std::uint64_t value) { return m_target.Uint64(value); }
-    bool Double(double value) { return m_target.Double(value); }
-    bool RawNumber(const char* text, SizeType size, bool copy) { return m_target.RawNumber(text, size, copy); }
+    bool RawNumber(const char* text, SizeType size, bool /*copy*/)
+    {
+        const std::string_view number(text, size);
+        std::int64_t negative = 0;
+        std::uint64_t natural = 0;
+        double fraction = 0;
+        if (readWhole(number, natural) == std::errc())
+            return m_target.Uint64(natural);
+        if (readWhole(number, negative) == std::errc())
+            return m_target.Int64(negative);
+        return readDouble(number, fraction) && m_target.Double(fraction);
+    }
     bool Key(const char* text, SizeType size, bool copy) { return String(text, size, copy); }
     bool StartObject() { return enter() && m_target.StartObject(); }
     bool StartArray() { return enter() && m_target.StartArray(); }
@@ -138,9 +183,10 @@ void ValidText::repair()
 
 bool parseJson(const std::string& text, Document& out)
 {
-    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag;
-    // The stream ends at the first NUL, so one inside would hide what follows it.
-    if (text.size() >= std::numeric_limits<SizeType>::max() || text.find('\0') != std::string::npos)
+    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+    // The stream ends at the first NUL, so one inside would hide what follows it. The parser's own check of the encoding reads past the
+    // end of a text that stops within a character.
+    if (text.size() >= std::numeric_limits<SizeType>::max() || text.find('\0') != std::string::npos || !utils::isValidUtf8(text))
         return false;
     bool isGood = false;
     auto generate = [&](Document& document) {

@@ -36,7 +36,8 @@ public:
     JsonWrapper& operator=(JsonWrapper&& other) noexcept;
     virtual ~JsonWrapper();
 
-    /// Replaces the value with the one that the text holds. False leaves it as it was: no JSON, no UTF-8, or nested deeper than 1000.
+    /// Replaces the value with the one that the text holds. False leaves it as it was: no JSON, no UTF-8, nested deeper than 1000, or a
+    /// number beyond the largest double. Other numbers are read to the last bit.
     bool Parse(const std::string& text);
     /// The value as JSON without blanks; "null" for nothing. Doubles are written with as many digits as reading them back needs.
     std::string ToString() const;
