@@ -17,7 +17,7 @@ web::json::value jsonOrNull(const std::wstring& body)
     try {
         return web::json::value::parse(utils::toNative(body));
     }
-    catch (const web::json::json_exception&) {
+    catch (const std::exception&) { // half a surrogate pair is told by another type than the rest
         return web::json::value::null();
     }
 }

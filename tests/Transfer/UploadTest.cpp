@@ -227,6 +227,18 @@ TEST_F(UploadTest, aStoreThatAnswersNoJsonGivesTheBareRemotePath)
     }
 }
 
+TEST_F(UploadTest, aStoreThatAnswersJsonWhichCannotBeReadGivesTheBareRemotePath)
+{
+    const std::string deep(1000, '[');
+    for (const std::string& answer :
+         {std::string(R"(["\ud800\u0041"])"), std::string(R"(["\ud800"])"), std::string(R"(["\udc00"])"), std::string("[1] \xF0"),
+          std::string("[\"\xE6\x96"), std::string("[1e999]"), std::string("[1.11111111111111111111E-335]"), std::string("[0e67]"), deep}) {
+        authorityGives(atStore("/b"));
+        store.expect("PUT", "/b").anyBody().reply(200, answer);
+        expectOutcome(upload(file), true, 200, L"remote/plan.dwg");
+    }
+}
+
 TEST_F(UploadTest, aStoreThatAnswersNothingGivesTheBareRemotePath)
 {
     authorityGives(atStore("/b"));

@@ -97,7 +97,7 @@ std::wstring jsonOrNothing(const std::string& body)
         return body.empty() || !utils::isValidUtf8(body) ? std::wstring()
                                                          : utils::fromNative(web::json::value::parse(utils::toNative(body)).serialize());
     }
-    catch (const web::json::json_exception&) {
+    catch (const std::exception&) { // half a surrogate pair is told by another type than the rest
         return {};
     }
 }
