@@ -46,6 +46,20 @@ TEST_F(ConfigRoutes, WhatIsNotThereOrNotAllowedIsRefused)
     EXPECT_THAT(demo().get(std::string(kSpace) + "/versions").body, IsJson("[]"));
 }
 
+TEST_F(ConfigRoutes, NumbersOfAnyLengthAreTakenUnlessNoDoubleCanHoldThem)
+{
+    for (const char* number : {"1.11111111111111111E-335", "0e67", "1.11111111111111111e-2147483639", "-0.0", "18446744073709551616"})
+        EXPECT_EQ(demo().post(kSpace, "{\"a\":" + std::string(number) + "}").status, 200) << number;
+    for (const char* number : {"1e999", "-1.7976931348623159e308", "01", "1.", "nan"})
+        EXPECT_EQ(demo().post(kSpace, "{\"a\":" + std::string(number) + "}").status, 400) << number;
+}
+
+TEST_F(ConfigRoutes, TextThatIsNotOneJsonInUtf8IsRefused)
+{
+    for (const std::string& body : {std::string("{}\0{}", 5), std::string("{}\0", 3), std::string("{\"a\":\"\xF0"), std::string("{} \xC3")})
+        EXPECT_EQ(demo().post(kSpace, body).status, 400) << body;
+}
+
 TEST_F(ConfigRoutes, WritingNeedsARightToWrite)
 {
     const Caller second = other();

@@ -64,6 +64,14 @@ TEST_F(Control, ChangesProjects)
     EXPECT_EQ(nobody().patch("/_control/projects/none", "{}").status, 404);
 }
 
+TEST_F(Control, KeepsTheNumbersOfPropertiesToTheirLastDigit)
+{
+    project("p1");
+    EXPECT_EQ(nobody().patch("/_control/projects/p1", R"({"standardProperties":[123456789.12345679,2.225073858507201e-308,0e67]})").status,
+              200);
+    EXPECT_THAT(demo().get("/projects").body, testing::HasSubstr("[123456789.12345679,2.225073858507201e-308,0.0]"));
+}
+
 TEST_F(Control, GrantsPermissions)
 {
     project("p1");

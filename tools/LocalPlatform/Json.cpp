@@ -3,20 +3,65 @@
 #include "Answer.h"
 
 #include <rapidjson/document.h>
+#include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <string_view>
 
 namespace orlo::platform::json {
 
 namespace {
 
-// Iterative: a deeply nested body must not exhaust the stack.
-constexpr unsigned kParseFlags = rapidjson::kParseValidateEncodingFlag | rapidjson::kParseIterativeFlag;
+// Iterative: a deeply nested body must not exhaust the stack. Numbers as texts: the parser's own reading of them rounds, and breaks on
+// exponents beyond all bounds.
+constexpr unsigned kParseFlags =
+    rapidjson::kParseValidateEncodingFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+
+template <typename Number>
+bool readWhole(std::string_view text, Number& number)
+{
+    const char* const end = text.data() + text.size();
+    const auto [read, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && read == end;
+}
+
+// A document that reads its numbers itself, and refuses those that no double can hold.
+class Tree : public rapidjson::Document
+{
+public:
+    bool RawNumber(const char* text, rapidjson::SizeType size, bool /*copy*/)
+    {
+        const std::string_view number(text, size);
+        std::uint64_t natural = 0;
+        std::int64_t integer = 0;
+        if (readWhole(number, natural))
+            return Uint64(natural);
+        if (readWhole(number, integer))
+            return Int64(integer);
+        const double fraction = std::strtod(text, nullptr);
+        return std::isfinite(fraction) && Double(fraction);
+    }
+};
 
 bool parse(const std::string& text, rapidjson::Document& document)
 {
-    document.Parse<kParseFlags>(text.data(), text.size());
-    return !document.HasParseError();
+    Tree tree;
+    bool isGood = false;
+    auto generate = [&](rapidjson::Document&) {
+        rapidjson::Reader reader;
+        rapidjson::MemoryStream bytes(text.data(), text.size());
+        rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
+        isGood = !reader.Parse<kParseFlags>(stream, tree).IsError() && bytes.Tell() == text.size();
+        return isGood;
+    };
+    tree.Populate(generate);
+    if (isGood)
+        document.Swap(tree);
+    return isGood;
 }
 
 std::string serialised(const rapidjson::Value& value)
