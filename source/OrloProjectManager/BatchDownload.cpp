@@ -19,6 +19,7 @@ namespace orlo {
 namespace {
 
 constexpr size_t width = 6;
+constexpr const wchar_t* leavesTheCache = L"invalid seed which leaves the cache folder";
 
 /// Batches whose future stays pending. They are kept for good, so that no broken promise surfaces.
 void keepStalled(std::shared_ptr<DownloadBatchFilesHandler> batch)
@@ -134,8 +135,8 @@ void DownloadBatchFilesHandler::start(const Entry& entry, OrloCallbackContext& c
     const std::wstring root = utils::toWstring(normalised(utils::toString(FilePath::Combine(cache, utils::toWstring(m_datasetId)))));
     const std::wstring folder = FilePath::Combine(root, utils::toWstring(m_folder));
     const std::wstring target = FilePath::Combine(folder, entry.datasetFilePath.substr(slash + 1));
-    if (!utils::isPathInside(cache, root) || !utils::isPathInside(root, target))
-        return refuseEntry(context, L"invalid seed which leaves the cache folder");
+    if (utils::holdsNul(entry.datasetFilePath) || !utils::leadsInside(cache, root) || !utils::isPlaceInside(root, target))
+        return refuseEntry(context, leavesTheCache);
     stream(entry, target, context.propagate);
 }
 
@@ -200,6 +201,10 @@ std::future<PromiseData> downloadBatch(ErrorCode& error, const std::string& fold
         if (seeds.empty()) {
             log::error(L"empty seed passed into worker_download_batch_files");
             return outcome->refuse(L"no download seed");
+        }
+        if (utils::holdsNul(utils::toWstring(datasetId)) || utils::holdsNul(utils::toWstring(folder))) {
+            log::error(leavesTheCache);
+            return outcome->refuse(leavesTheCache);
         }
         const auto batch = std::make_shared<DownloadBatchFilesHandler>(outcome, normalised(folder), datasetId, callerContext, emptyBatch);
         startChain(batch, [datasetId, asked = normalised(seeds)](ErrorCode& chainError, const auto& context) {

@@ -20,6 +20,8 @@ const CallSite here = ORLO_HERE("DownloadFileHandler::on_complete");
 
 void download(const std::shared_ptr<TransferOutcome>& outcome, std::wstring localPath, FirstStep acquire)
 {
+    if (utils::holdsNul(localPath))
+        return outcome->refuse(L"invalid file path");
     if (localPath.empty())
         utils::GenerateNewFile(localPath);
     startChain(std::make_shared<DownloadFileHandler>(outcome, std::move(localPath)), std::move(acquire));

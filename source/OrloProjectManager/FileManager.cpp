@@ -36,6 +36,12 @@ bool parse(const std::wstring& uri, DatasetUri& parsed)
     return true;
 }
 
+/// A link that leads out of the cache is no file of it.
+bool isCached(const std::wstring& cache, const std::wstring& path)
+{
+    return utils::fileExists(path) && utils::leadsInside(cache, path);
+}
+
 std::wstring failed(const std::wstring& words)
 {
     log::error(words);
@@ -50,10 +56,10 @@ std::wstring downloadThroughCache(const std::string& dsId, const std::wstring& u
         return failed(L"invalid uri: " + uri);
     const std::wstring target = FilePath::Combine(cache, parsed.relative);
     // Without a dataset it is the batch that refuses, in its own words.
-    const bool isCacheOfDataset = dsId.empty() || utils::isPathInside(utils::getLocalFileCachePath(), cache);
-    if (!isCacheOfDataset || !utils::isPathInside(cache, target))
+    const bool isCacheOfDataset = dsId.empty() || utils::leadsInside(utils::getLocalFileCachePath(), cache);
+    if (!isCacheOfDataset || !utils::isPlaceInside(cache, target))
         return failed(L"invalid uri: " + uri);
-    if (utils::fileExists(target))
+    if (isCached(cache, target))
         return target;
     const std::wstring folder = FilePath::Combine(cache, parsed.folder);
     if (!utils::hasDirectory(folder) && !utils::createDirectoryRecursively(folder))

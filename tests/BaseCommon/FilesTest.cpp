@@ -2,11 +2,14 @@
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Platform.h>
+#include <BaseCommon/Text.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -152,10 +155,26 @@ TEST(FilePathTest, PathsKeepTextBeyondAsciiWithoutALocale)
     EXPECT_EQ(makePath(text).u8string(), "/tmp/\xE9\xA1\xB9\xE7\x9B\xAE \xF0\x9F\x8F\x97/\xE5\xB9\xB3\xE9\x9D\xA2\xE5\x9B\xBE.dwg");
 }
 
-TEST(FilePathTest, ANulCannotCutAPathShort)
+TEST(FilePathTest, APathWithANulLiesNowhere)
 {
-    EXPECT_EQ(makePath(std::wstring(L"/a\0b", 4)).u8string(), "/a\xEF\xBF\xBD"
-                                                              "b");
+    EXPECT_FALSE(isPathInside(L"/cache", std::wstring(L"/cache/a\0b", 10)));
+    EXPECT_FALSE(isPathInside(L"/cache", std::wstring(L"/x\0/../cache/a", 14)));
+    EXPECT_FALSE(isPathInside(std::wstring(L"/cache\0", 7), std::wstring(L"/cache\0/a", 9)));
+    EXPECT_TRUE(holdsNul(std::wstring(L"\0", 1)));
+    EXPECT_FALSE(holdsNul(L""));
+}
+
+TEST(FilePathTest, TellsWhatWindowsTakesForMoreOrLessThanAName)
+{
+    for (const wchar_t* name :
+         {L"plan.dwg", L"图 一.dwg", L".hidden", L"..a", L"console", L"com", L"com10", L"lpt", L"null", L"a'b", L"con1"})
+        EXPECT_TRUE(isNameOnWindows(name)) << toString(name);
+    for (const wchar_t* name :
+         {L"",        L".",        L"..",      L"...", L"a.",   L"a ",       L".. ",       L"C:",     L"C:x",    L"a:stream",
+          L"a/b",     L"a\\b",     L"a*",      L"a?",  L"a|b",  L"<a>",      L"\"a\"",     L"a\tb",   L"con",    L"NUL",
+          L"nul.txt", L"Con .txt", L"aux.a.b", L"prn", L"COM1", L"lpt9.dwg", L"com\x00B9", L"CONIN$", L"conout$"})
+        EXPECT_FALSE(isNameOnWindows(name)) << toString(name);
+    EXPECT_FALSE(isNameOnWindows(std::wstring(L"a\0", 2)));
 }
 
 TEST_F(Files, TellsFilesFromFolders)
@@ -175,10 +194,81 @@ TEST_F(Files, TellsFilesFromFolders)
     }
 }
 
-TEST_F(Files, ANameWithANulIsNotTheFileInFrontOfIt)
+TEST_F(Files, APathWithANulIsRefusedByEveryCallAndTheFileInFrontOfItStays)
 {
-    writeFile(at("a"), "x");
-    EXPECT_FALSE(hasFile(wide("a") + std::wstring(L"\0.dwg", 5)));
+    writeFile(at("a"), "untouched");
+    writeFile(at("from"), "x");
+    fs::create_directory(at("folder"));
+    for (const wchar_t* end : {L"", L".dwg", L"/b", L"/../from"}) {
+        const std::wstring cut = wide("a") + std::wstring(1, L'\0') + end;
+        EXPECT_FALSE(fileExists(cut) || hasFile(cut) || hasDirectory(cut));
+        EXPECT_FALSE(createDirectory(cut) || createDirectoryRecursively(cut));
+        EXPECT_FALSE(copyFile(wide("from"), cut) || moveFile(wide("from"), cut) || copyFile(cut, wide("b")) || moveFile(cut, wide("b")));
+        EXPECT_FALSE(removeFile(cut) || removeEmptyDirectory(cut));
+        EXPECT_FALSE(writeFileAtomically(cut, "y") || writeNewFile(cut, "y", false) || renameOver(wide("from"), cut) ||
+                     renameOver(cut, wide("b")));
+        EXPECT_FALSE(flushFile(cut) || flushFolder(cut) || setHiddenAttribute(cut));
+        EXPECT_FALSE(FileLock().acquire(cut, 0));
+        EXPECT_EQ(md5(cut), "");
+        std::string bytes = "old";
+        EXPECT_FALSE(readWholeFile(cut, bytes));
+        EXPECT_EQ(bytes, "old");
+        std::wstring taken = cut;
+        EXPECT_FALSE(GenerateNewFile(taken));
+        EXPECT_EQ(taken, cut);
+        std::ofstream(makePath(cut)) << "y";
+        removeHalfMadeFiles(cut);
+    }
+    const std::wstring folder = wide("folder") + std::wstring(1, L'\0');
+    std::vector<std::wstring> files;
+    EXPECT_FALSE(hasDirectory(folder) || removeEmptyDirectory(folder) || getSubFiles(folder, files));
+    EXPECT_EQ(readFile(at("a")), "untouched");
+    EXPECT_EQ(entries(), 3U);
+}
+
+TEST_F(Files, ALocalRootWithANulGivesNoPlaceForAnything)
+{
+    fs::create_directory(at("root"));
+    setLocalRoot(wide("root") + std::wstring(L"\0/x", 3));
+    const std::wstring temp = getTempPath();
+    std::wstring path;
+    EXPECT_TRUE(GenerateNewFile(path)); // a name only
+    EXPECT_FALSE(writeFileAtomically(path, "x"));
+    setLocalRoot(L"");
+    EXPECT_FALSE(hasDirectory(temp));
+    EXPECT_TRUE(fs::is_empty(at("root")));
+    EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(Files, SeesWhereLinksLead)
+{
+    const test::TempFolder outside;
+    fs::create_directories(at("cache/ds/real"));
+    writeFile(at("cache/ds/real/file"), "x");
+    writeFile(outside.path("file"), "x");
+    fs::create_directory_symlink(outside.path(), at("cache/ds/out"));
+    fs::create_directory_symlink("real", at("cache/ds/in"));
+    fs::create_directory_symlink(outside.path("none"), at("cache/ds/nowhere"));
+    fs::create_directory_symlink("loop", at("cache/ds/loop"));
+    fs::create_symlink(outside.path("file"), at("cache/ds/fileOut"));
+    fs::create_symlink("real/file", at("cache/ds/fileIn"));
+    fs::create_directory_symlink(at("cache"), at("way"));
+    for (const std::string folder : {"cache/ds", "way/ds", "cache/none/../ds"}) {
+        SCOPED_TRACE(folder);
+        const auto leads = [&](const std::string& path) { return leadsInside(wide(folder), wide(folder + "/" + path)); };
+        const auto lies = [&](const std::string& path) { return isPlaceInside(wide(folder), wide(folder + "/" + path)); };
+        for (const char* path : {"real", "real/file", "in", "in/file", "new/deep/file", "real/../in/file", "new/../in/file", "fileIn"})
+            EXPECT_TRUE(leads(path) && lies(path)) << path;
+        for (const char* path :
+             {"out/file", "out/new/file", "in/../out/file", "new/../out/file", "out/../x", "nowhere/x", "loop/x", "../x"})
+            EXPECT_FALSE(leads(path) || lies(path)) << path;
+        for (const char* path : {"out", "nowhere", "loop", "fileOut"})
+            EXPECT_TRUE(!leads(path) && lies(path)) << path;
+        EXPECT_FALSE(leadsInside(wide(folder), wide(folder)) || isPlaceInside(wide(folder), wide(folder)));
+        EXPECT_FALSE(lies("new/x/.."));
+    }
+    // The same place by another way is another text.
+    EXPECT_FALSE(leadsInside(wide("way"), wide("cache/ds")));
 }
 
 TEST_F(Files, MakesFolders)
@@ -410,10 +500,11 @@ TEST_F(Files, HalfMadeFilesAreRemovedAndOthersStay)
     writeFile(at(".~8d78b598-f02a-40ad-9984-17126a4d3b38"), "half");
     writeFile(at("file"), "x");
     writeFile(at(".hidden"), "x");
+    writeFile(at(".~lock.plan.odt#"), "x");
     removeHalfMadeFiles(m_folder.wide());
     std::vector<std::wstring> files;
     EXPECT_TRUE(getSubFiles(m_folder.wide(), files));
-    EXPECT_THAT(files, ElementsAre(wide(".hidden"), wide("file")));
+    EXPECT_THAT(files, ElementsAre(wide(".hidden"), wide(".~lock.plan.odt#"), wide("file")));
 }
 
 TEST_F(Files, PathsBeyond260CharactersWork)

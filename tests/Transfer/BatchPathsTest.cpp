@@ -5,6 +5,8 @@
 namespace orlo::test {
 namespace {
 
+namespace fs = std::filesystem;
+
 class BatchPathsTest : public TransferTest
 {
 protected:
@@ -22,7 +24,7 @@ protected:
         store.expect("GET", "/a").reply(fileReply("x"));
         EXPECT_TRUE(downloadEntry(path, folder).success);
         EXPECT_EQ(filesBelow(host.folder().path("Files")), std::vector<std::string>{place});
-        std::filesystem::remove_all(host.folder().path("Files"));
+        fs::remove_all(host.folder().path("Files"));
     }
 
     void expectRefused(const PromiseData& outcome, const std::wstring& words)
@@ -100,6 +102,80 @@ TEST_F(BatchPathsTest, refusesADatasetThatLeavesTheCache)
     platform.always("POST", "/datasets/../blockFiles/readSAS").reply(200, batchReply({{"blocks/a", atStore("/a")}}));
     platform.always("POST", "/blockFiles/readSAS").reply(200, batchReply({{"blocks/a", atStore("/a")}}));
     expectRefused(outcomeOf(HttpClient::downloadBatchFiles(error, "blocks", "..", {"blocks/a"}, nullptr)), leaves);
+}
+
+TEST_F(BatchPathsTest, aNulDoesNotCutThePathOfAnEntryShort)
+{
+    const fs::path victim = host.folder().path("victim");
+    for (const char* path : {"x/../../../victim\\u0000/../Files/ds-1/ok", "x/../victim\\u0000", "x/\\u0000", "x/a\\u0000/b", "\\u0000/a"}) {
+        writeFile(victim, "untouched");
+        const PromiseData outcome = downloadEntry(path);
+        EXPECT_EQ(readFile(victim), "untouched") << path;
+        fs::remove(victim);
+        expectRefused(outcome, leaves);
+    }
+}
+
+TEST_F(BatchPathsTest, aNulInTheFolderOrTheDatasetIsRefusedBeforeAnyRequest)
+{
+    const auto expectRefusal = [&](const std::string& folder, const std::string& dataset) {
+        expectOutcome(outcomeOf(HttpClient::downloadBatchFiles(error, folder, dataset, {"blocks/a"}, nullptr)), false, 400, leaves);
+        EXPECT_EQ(log.lines(), Lines{std::wstring(L"E [ORLOSDK]") + leaves});
+        log.clear();
+    };
+    expectRefusal(std::string("blo\0cks", 7), "ds-1");
+    expectRefusal("blocks", std::string("ds\0", 3));
+    EXPECT_EQ(platform.requestCount(), 0U);
+}
+
+TEST_F(BatchPathsTest, aLinkThatLeadsOutOfTheCacheIsNotFollowed)
+{
+    const TempFolder outside;
+    writeFile(outside.path("a"), "untouched");
+    fs::create_directories(cached("ds-1", "blocks"));
+    fs::create_directory_symlink(outside.path(), cached("ds-1", "blocks/link"));
+    fs::create_directory_symlink(outside.path("none"), cached("ds-1", "blocks/nowhere"));
+    fs::create_directory_symlink(outside.path(), host.folder().path("Files/ds-2"));
+    for (const char* path : {"x/link/a", "x/link/deep/a", "x/deep/../link/a", "x/link/../ds-1/a", "x/nowhere/a"})
+        expectRefused(downloadEntry(path), leaves);
+    expectRefused(downloadEntry("blocks/a", "blocks/link"), leaves);
+    expectRefused(downloadEntry("blocks/a", "blocks", "ds-2"), leaves);
+    EXPECT_EQ(filesBelow(outside.path()), std::vector<std::string>{"a"});
+    EXPECT_EQ(readFile(outside.path("a")), "untouched");
+}
+
+TEST_F(BatchPathsTest, aLinkToAnotherDatasetIsNotFollowed)
+{
+    fs::create_directories(cached("ds-2", "blocks"));
+    fs::create_directories(cached("ds-1", ""));
+    fs::create_directory_symlink(cached("ds-2", "blocks"), cached("ds-1", "blocks"));
+    expectRefused(downloadEntry("blocks/a"), leaves);
+}
+
+TEST_F(BatchPathsTest, aLinkThatStaysInTheDatasetIsFollowed)
+{
+    fs::create_directories(cached("ds-1", "real"));
+    fs::create_directory_symlink("real", cached("ds-1", "blocks"));
+    expectLandsAt("x/deep/../a", "blocks", "ds-1/real/a");
+}
+
+TEST_F(BatchPathsTest, aLinkInPlaceOfTheFileIsReplacedByIt)
+{
+    const TempFolder outside;
+    writeFile(outside.path("a"), "untouched");
+    fs::create_directories(cached("ds-1", "blocks"));
+    fs::create_symlink(outside.path("a"), cached("ds-1", "blocks/a"));
+    expectLandsAt("x/a", "blocks", "ds-1/blocks/a");
+    EXPECT_EQ(readFile(outside.path("a")), "untouched");
+}
+
+TEST_F(BatchPathsTest, theCacheItselfMayLieBehindALink)
+{
+    const TempFolder elsewhere;
+    fs::create_directory_symlink(elsewhere.path(), host.folder().path("Files"));
+    store.expect("GET", "/a").reply(fileReply("x"));
+    EXPECT_TRUE(downloadEntry("blocks/deep/a").success);
+    EXPECT_EQ(readFile(elsewhere.path("ds-1/blocks/deep/a")), "x");
 }
 
 TEST_F(BatchPathsTest, aBadSeedAmongGoodOnesFailsTheBatchAndTheOthersArrive)

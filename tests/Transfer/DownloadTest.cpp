@@ -49,6 +49,18 @@ TEST_F(DownloadTest, asksForAnAddressAndWritesTheFile)
     expectClear(error);
 }
 
+TEST_F(DownloadTest, aLocalPathWithANulIsRefusedBeforeAnyRequest)
+{
+    writeFile(localPath("plan.dwg"), "untouched");
+    const std::wstring cut = target + std::wstring(1, L'\0') + L".dwg";
+    expectOutcome(download(cut), false, 400, L"invalid file path");
+    expectOutcome(outcomeOf(HttpClient::DownloadFileByArkiv(L"f-1", 1, cut, error)), false, 400, L"invalid file path");
+    expectOutcome(outcomeOf(HttpClient::downloadModuleFile(L"{}", cut, L"", L"", L"", error)), false, 400, L"invalid file path");
+    expectOutcome(outcomeOf(HttpClient::uploadFile(error, cut, L"", L"", false)), false, 400, L"invalid file path");
+    EXPECT_EQ(platform.requestCount(), 0U);
+    EXPECT_EQ(readFile(localPath("plan.dwg")), "untouched");
+}
+
 TEST_F(DownloadTest, logsItsStepsInOrder)
 {
     expectFile(fileReply("bytes"));

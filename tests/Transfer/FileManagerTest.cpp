@@ -82,6 +82,49 @@ TEST_F(FileManagerTest, refusesAUriThatLeavesTheCache)
     expectRefused("../x", L"blocks/a?f=1", L"invalid uri: ");
 }
 
+TEST_F(FileManagerTest, refusesAUriOrADatasetWithANul)
+{
+    for (const std::wstring& uri :
+         {std::wstring(L"blocks/a\0?f=1", 13), std::wstring(L"blocks\0/../../x/a?f=1", 21), std::wstring(L"\0/a?f=1", 8)})
+        expectRefused("ds-1", uri, L"invalid uri: ");
+    expectRefused(std::string("ds\0", 3), L"blocks/a?f=1", L"invalid uri: ");
+    EXPECT_EQ(platform.requestCount(), 0U);
+}
+
+TEST_F(FileManagerTest, refusesAUriWhoseFolderIsALinkThatLeadsOut)
+{
+    const TempFolder outside;
+    writeFile(outside.path("a"), "not of the cache");
+    std::filesystem::create_directories(cached("ds-1", ""));
+    std::filesystem::create_directory_symlink(outside.path(), cached("ds-1", "blocks"));
+    std::filesystem::create_directory_symlink(outside.path(), host.folder().path("Files/ds-2"));
+    for (const wchar_t* uri : {L"blocks/a?f=1", L"blocks/new?f=1", L"x/../blocks/a?f=1"})
+        expectRefused("ds-1", uri, L"invalid uri: ");
+    expectRefused("ds-2", L"blocks/a?f=1", L"invalid uri: ");
+    EXPECT_EQ(filesBelow(outside.path()), std::vector<std::string>{"a"});
+}
+
+TEST_F(FileManagerTest, aLinkThatLeadsOutIsNoCachedFileAndIsReplaced)
+{
+    const TempFolder outside;
+    writeFile(outside.path("secret"), "not of the cache");
+    std::filesystem::create_directories(cached("ds-1", "blocks"));
+    std::filesystem::create_symlink(outside.path("secret"), cached("ds-1", "blocks/a"));
+    expectFile("blocks/a", "content");
+    EXPECT_EQ(IFileManager::DownloadFile("ds-1", L"blocks/a?f=1", error), wideCached("ds-1", "blocks/a"));
+    EXPECT_EQ(readFile(cached("ds-1", "blocks/a")), "content");
+    EXPECT_EQ(readFile(outside.path("secret")), "not of the cache");
+}
+
+TEST_F(FileManagerTest, aCacheBehindALinkIsTrusted)
+{
+    const TempFolder elsewhere;
+    std::filesystem::create_directory_symlink(elsewhere.path(), host.folder().path("Files"));
+    std::filesystem::create_directories(elsewhere.path("ds-1/blocks"));
+    writeFile(elsewhere.path("ds-1/blocks/a"), "old");
+    EXPECT_EQ(IFileManager::DownloadFile("ds-1", L"blocks/a?f=1", error), wideCached("ds-1", "blocks/a"));
+}
+
 TEST_F(FileManagerTest, anEmptyDatasetFailsInTheBatch)
 {
     expectRefused("", L"blocks/a?f=1", L"failed to download file from uri: ");

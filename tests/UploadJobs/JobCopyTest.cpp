@@ -32,7 +32,7 @@ protected:
 
     const Lines noFolder{L"E@orlo::CopyFileToTempPath 创建文件路径失败"};
     const std::wstring file = localFile("图 一.dwg", "bytes");
-    const std::vector<std::string> filesBefore = filesBelow(host.folder().path());
+    std::vector<std::string> filesBefore = filesBelow(host.folder().path());
 };
 
 TEST_F(JobCopy, standsAloneInAFolderOfItsOwnBelowTheProject)
@@ -97,6 +97,53 @@ TEST_F(JobCopy, aNameThatLeadsOutOfTheFolderIsRefused)
     EXPECT_THAT(copies(), IsEmpty());
 }
 
+TEST_F(JobCopy, aNulIsRefusedWhereverItStands)
+{
+    const std::wstring victim = localFile("victim", "untouched");
+    filesBefore = filesBelow(host.folder().path());
+    const std::wstring nul(1, L'\0');
+    for (const std::string& project : {std::string("\0", 1), std::string("p\0/x", 4), std::string("../Local/victim\0/../../Jobs/p", 30)})
+        expectRefusal(project, L"", noFolder);
+    for (const std::wstring& name : {nul, L"a" + nul, L"../../../Local/victim" + nul + L"/../../../Jobs/p-1/x", nul + L"a"})
+        expectRefusal("p-1", name, {});
+    EXPECT_THAT(copies(), IsEmpty());
+    std::wstring copy;
+    EXPECT_FALSE(CopyFileToTempPath(file + nul, "p-1", L"a", copy));
+    EXPECT_EQ(readFile(fs::u8path(utils::toString(victim))), "untouched");
+}
+
+TEST_F(JobCopy, aProjectsFolderThatIsALinkOutOfTheCopiesIsRefused)
+{
+    const TempFolder outside;
+    fs::create_directories(jobsFolder());
+    fs::create_directory_symlink(outside.path(), jobsFolder() / "p-1");
+    fs::create_directory_symlink(outside.path("none"), jobsFolder() / "p-2");
+    for (const char* project : {"p-1", "p-1/deep", "p-2", "x/../p-1"})
+        expectRefusal(project, L"", noFolder);
+    EXPECT_TRUE(fs::is_empty(outside.path()));
+}
+
+TEST_F(JobCopy, theCopiesMayLieBehindALink)
+{
+    const TempFolder elsewhere;
+    fs::create_directory_symlink(elsewhere.path(), jobsFolder());
+    const std::wstring copy = make("p-1");
+    EXPECT_EQ(filesBelow(elsewhere.path()).size(), 1U);
+    deleteJobCopy(copy);
+    EXPECT_EQ(filesBelow(elsewhere.path()).size(), 0U);
+}
+
+TEST_F(JobCopy, whatALinkLeadsToIsNeverDeleted)
+{
+    const TempFolder outside;
+    writeFile(outside.path("thesis.dwg"), "mine");
+    fs::create_directories(jobsFolder() / "p-1");
+    fs::create_directory_symlink(outside.path(), jobsFolder() / "p-1/folder");
+    deleteJobCopy(fromUtf8(jobsFolder() / "p-1/folder/thesis.dwg"));
+    EXPECT_EQ(readFile(outside.path("thesis.dwg")), "mine");
+    EXPECT_TRUE(fs::is_symlink(jobsFolder() / "p-1/folder"));
+}
+
 TEST_F(JobCopy, ofWhatIsNoFileIsRefusedAndLeavesNothing)
 {
     std::wstring copy;
@@ -151,9 +198,11 @@ TEST_F(JobCopy, nothingThatIsNoCopyIsEverDeleted)
     writeFile(host.folder().path("Jobs-of-mine"), "mine");
     const std::vector<std::string> before = filesBelow(host.folder().path());
     const std::wstring jobs = fromUtf8(jobsFolder());
+    const std::wstring nul(1, L'\0');
     for (const std::wstring& path :
-         {file, std::wstring(), std::wstring(L"/"), std::wstring(L"."), jobs, jobs + L"/jobs.db", jobs + L"/p-1/../jobs.db",
-          jobs + L"/../Jobs-of-mine", jobs + L"-of-mine", jobs + L"/p-1/../../Local/图 一.dwg", jobs + L"/p-1", std::wstring(L"图 一.dwg")})
+         {file + nul + L"/../../Jobs/p-1/u/x", jobs + L"/jobs.db" + nul + L"/x/y", jobs + L"/p-1/u" + nul, file, std::wstring(),
+          std::wstring(L"/"), std::wstring(L"."), jobs, jobs + L"/jobs.db", jobs + L"/p-1/../jobs.db", jobs + L"/../Jobs-of-mine",
+          jobs + L"-of-mine", jobs + L"/p-1/../../Local/图 一.dwg", jobs + L"/p-1", std::wstring(L"图 一.dwg")})
         deleteJobCopy(path);
     EXPECT_EQ(filesBelow(host.folder().path()), before);
 }

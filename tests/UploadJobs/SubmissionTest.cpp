@@ -170,6 +170,22 @@ TEST_F(Submission, aFileThatCannotBeCopiedIsRefused)
     expectNothingSubmitted();
 }
 
+TEST_F(Submission, aNameOrAProjectWithANulIsRefused)
+{
+    const std::wstring file = localFile("plan.dwg", "bytes");
+    const std::wstring victim = localFile("victim", "untouched");
+    const std::wstring nul(1, L'\0');
+    const std::wstring name = L"../../../Local/victim" + nul + L"/../../../Jobs/p-1/x";
+    EXPECT_FALSE(Files::UploadFileByJob("p-1", L"f-1", file, name));
+    EXPECT_FALSE(Files::UploadFileByJob("p-1", L"f-1", file + nul));
+    EXPECT_EQ(log.lines(), (Lines{L"E@orlo::ICollaborationFileManager::UploadFileByJob copy file failed",
+                                  L"E@orlo::ICollaborationFileManager::UploadFileByJob copy file failed"}));
+    EXPECT_FALSE(Files::UploadFileByJob(std::string("../Local/victim\0/../../Jobs/p-1", 32), L"f-1", file));
+    EXPECT_THAT(rows(), IsEmpty());
+    EXPECT_THAT(copies(), IsEmpty());
+    EXPECT_EQ(readFile(fs::u8path(utils::toString(victim))), "untouched");
+}
+
 TEST_F(Submission, whereTheFolderCannotBeMadeIsRefused)
 {
     EXPECT_FALSE(Files::UploadFileByJob("../p-1", L"f-1", plan));

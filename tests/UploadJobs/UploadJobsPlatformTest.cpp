@@ -114,6 +114,22 @@ TEST_F(UploadJobsPlatform, ofManyFilesThoseWithAKnownNameAreUpdates)
     EXPECT_THAT(copies(), IsEmpty());
 }
 
+TEST_F(UploadJobsPlatform, aRowWhoseCopyHasANulInItsPathFailsAndHarmsNobody)
+{
+    localFile("victim", "untouched");
+    UploadFileJobEntity("p-1", L"f-1", L"COPY", L"plan.dwg", "", "", -1).save();
+    sqlRun(jobs() / "jobs.db", "UPDATE job SET json = replace(json, 'COPY', '" + jobs().u8string() +
+                                   R"(/../Local/victim\u0000/../../Jobs/p-1/folder/plan.dwg'))");
+    ASSERT_THAT(rows(), ElementsAre(testing::HasSubstr("victim\\u0000/..")));
+    start();
+    finish();
+    EXPECT_THAT(states, ElementsAre(0, 1, 3));
+    EXPECT_EQ(std::dynamic_pointer_cast<UploadJobEntity>(ended.at(0))->future().get().message, L"上传文件失败：");
+    EXPECT_THAT(rows(), IsEmpty());
+    EXPECT_TRUE(place.contents().empty());
+    EXPECT_EQ(readFile(place.host.folder().path("Local/victim")), "untouched");
+}
+
 TEST_F(UploadJobsPlatform, withADatasetEveryFileIsBoundToItsVersion)
 {
     const std::string model = place.addDataset("model");

@@ -35,7 +35,7 @@ ORLO_PROJECT_API std::future<PromiseData> uploadFileByArkiv(ErrorCode& error, co
 /// Brings one file to the local disk, through memory. The file appears under its name only when it is whole.
 /// remotePath: not empty.   localPath: empty for a new file in the temporary folder.
 /// Message: the local path. A remote file without content fails with status 200 and makes no file.
-/// Failures: 400 "invalid remote uri path"; a status of the platform; 5555.   Requests: two.
+/// Failures: 400 "invalid remote uri path", "invalid file path"; a status of the platform; 5555.   Requests: two.
 ORLO_PROJECT_API std::future<PromiseData> downloadFile(const std::wstring& remotePath, const std::wstring& localPath, ErrorCode& error);
 
 /// The same for a version of a file in the document store.   Failures: as above, with "invalid fileId".

@@ -10,6 +10,7 @@
 #include <array>
 #include <fstream>
 #include <memory>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
@@ -93,7 +94,7 @@ bool isNameFree(const std::wstring& path)
     return fs::symlink_status(makePath(path), error).type() == fs::file_type::not_found;
 }
 
-constexpr wchar_t halfMadeHead[] = L".~";
+constexpr std::wstring_view halfMadeHead = L".~";
 
 // A name in the same folder, so that a rename can bring it to `path`. Empty if no random name can be had.
 std::wstring temporaryBeside(const std::wstring& path)
@@ -101,7 +102,7 @@ std::wstring temporaryBeside(const std::wstring& path)
     const std::wstring guid = generateGuid();
     if (guid.empty())
         return {};
-    return path.substr(0, path.size() - getFileName(path).size()) + halfMadeHead + guid;
+    return path.substr(0, path.size() - getFileName(path).size()).append(halfMadeHead) + guid;
 }
 
 std::wstring numbered(const std::wstring& stem, int number, const std::wstring& extension)
@@ -133,6 +134,51 @@ std::vector<std::wstring> stepsOf(const std::wstring& path)
             steps.pop_back();
     }
     return steps;
+}
+
+// What Windows takes for a device in whatever folder, whatever stands behind the dot.
+bool isDevice(const std::wstring& name)
+{
+    const std::wstring stem = LowerString(name.substr(0, name.find(L'.')));
+    const std::wstring bare = stem.substr(0, stem.find_last_not_of(L' ') + 1);
+    for (const wchar_t* device : {L"con", L"prn", L"aux", L"nul", L"conin$", L"conout$"}) {
+        if (bare == device)
+            return true;
+    }
+    constexpr std::wstring_view digits = L"0123456789\x00B9\x00B2\x00B3";
+    return bare.size() == 4 && (bare.compare(0, 3, L"com") == 0 || bare.compare(0, 3, L"lpt") == 0) &&
+           digits.find(bare.back()) != std::wstring_view::npos;
+}
+
+// Whether a step of a path can name something below a folder.
+bool isName(const std::wstring& step)
+{
+#if defined(_WIN32)
+    return isNameOnWindows(step);
+#else
+    return !step.empty() && step != L"..";
+#endif
+}
+
+// Where the system comes to at the end of a path. What isn't there counts as a folder that may be made. Empty at a link to nothing.
+fs::path whereItLeads(const fs::path& path)
+{
+    std::error_code error;
+    const fs::path whole = fs::absolute(path, error);
+    fs::path at = whole.root_path();
+    for (const fs::path& step : whole.relative_path()) {
+        const fs::path next = step == ".." ? at.parent_path() : step == "." || step.empty() ? at : at / step;
+        at = fs::symlink_status(next, error).type() == fs::file_type::symlink ? fs::canonical(next, error) : next;
+        if (at.empty())
+            return {};
+    }
+    return at;
+}
+
+bool isBelow(const fs::path& folder, const fs::path& path)
+{
+    const auto [outer, inner] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
+    return !folder.empty() && path.is_absolute() && outer == folder.end() && inner != path.end();
 }
 
 // Piece by piece from a buffer that stays in the processor's cache: the text's memory is touched once, and not cleared before.
@@ -173,11 +219,7 @@ bool feedFile(EVP_MD_CTX* digest, std::ifstream& file)
 
 fs::path makePath(const std::wstring& text)
 {
-    if (text.find(L'\0') == std::wstring::npos)
-        return toSystemPath(text);
-    std::wstring whole = text;
-    std::replace(whole.begin(), whole.end(), L'\0', L'\xFFFD');
-    return toSystemPath(whole);
+    return toSystemPath(text);
 }
 
 std::wstring fromPath(const fs::path& path)
@@ -213,12 +255,42 @@ std::wstring getFileName(const std::wstring& path)
     return FilePath(path).GetFileName();
 }
 
+bool holdsNul(const std::wstring& text)
+{
+    return text.find(L'\0') != std::wstring::npos;
+}
+
+bool isNameOnWindows(const std::wstring& name)
+{
+    constexpr wchar_t firstVisible = 0x20;
+    const auto isRefused = [](wchar_t c) {
+        return c < firstVisible || std::wstring_view(L"<>:\"/\\|?*").find(c) != std::wstring_view::npos;
+    };
+    return !name.empty() && name.back() != L'.' && name.back() != L' ' && std::none_of(name.begin(), name.end(), isRefused) &&
+           !isDevice(name);
+}
+
 bool isPathInside(const std::wstring& folder, const std::wstring& path)
 {
     const std::vector<std::wstring> outer = stepsOf(folder);
     const std::vector<std::wstring> inner = stepsOf(path);
-    return inner.size() > outer.size() && std::equal(outer.begin(), outer.end(), inner.begin()) && !inner[outer.size()].empty() &&
-           inner[outer.size()] != L"..";
+    if (holdsNul(folder) || holdsNul(path) || inner.size() <= outer.size() || !std::equal(outer.begin(), outer.end(), inner.begin()))
+        return false;
+    return std::all_of(inner.begin() + static_cast<std::ptrdiff_t>(outer.size()), inner.end(), isName);
+}
+
+bool leadsInside(const std::wstring& folder, const std::wstring& path)
+{
+    return isPathInside(folder, path) && isBelow(whereItLeads(makePath(folder)), whereItLeads(makePath(path)));
+}
+
+bool isPlaceInside(const std::wstring& folder, const std::wstring& path)
+{
+    if (!isPathInside(folder, path))
+        return false;
+    std::error_code error;
+    const fs::path place = fs::absolute(makePath(path), error);
+    return place.filename() != ".." && isBelow(whereItLeads(makePath(folder)), whereItLeads(place.parent_path()) / place.filename());
 }
 
 bool fileExists(const std::wstring& path)
@@ -366,12 +438,17 @@ bool writeFileAtomically(const std::wstring& path, std::string_view bytes, FileA
     return flushFolder(folderOf(path));
 }
 
+bool isHalfMadeName(const std::wstring& name)
+{
+    return name.compare(0, halfMadeHead.size(), halfMadeHead) == 0 && uuid::IsValidGUID(toString(name.substr(halfMadeHead.size())));
+}
+
 void removeHalfMadeFiles(const std::wstring& folder)
 {
     std::vector<std::wstring> files;
     getSubFiles(folder, files);
     for (const std::wstring& file : files) {
-        if (getFileName(file).compare(0, 2, halfMadeHead) == 0)
+        if (isHalfMadeName(getFileName(file)))
             removeFile(file);
     }
 }

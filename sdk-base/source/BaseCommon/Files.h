@@ -39,7 +39,8 @@ private:
 namespace orlo::utils {
 
 /// The only ways between wide text and the paths of the standard library, which would otherwise go through the C locale.
-/// A NUL in the text becomes U+FFFD, so that it can't cut the path short; bytes of a name that are no UTF-8 do so on the way back.
+/// A text with a NUL, where a system call would stop reading, gives a path at which no file can be, so that every call fails. Bytes of a
+/// name that are no UTF-8 become U+FFFD on the way back.
 ORLO_BASE_API std::filesystem::path makePath(const std::wstring& text);
 ORLO_BASE_API std::wstring fromPath(const std::filesystem::path& path);
 
@@ -55,9 +56,22 @@ ORLO_BASE_API void NormailizeFilePath(std::string& path);
 /// What stands behind the last "/" or "\".
 ORLO_BASE_API std::wstring getFileName(const std::wstring& path);
 
+/// Whether the text holds a NUL, with which no file can be named.
+ORLO_BASE_API bool holdsNul(const std::wstring& text);
+
+/// Whether Windows takes the text for the name of a file or folder, and for nothing else: no drive, stream or device, no end that it drops.
+ORLO_BASE_API bool isNameOnWindows(const std::wstring& name);
+
 /// Whether `path` lies below `folder` once "." and ".." are taken out of both. Looks at the texts only, never at the disk;
-/// `folder` itself doesn't lie below itself.
+/// `folder` itself doesn't lie below itself, nor does a path with a NUL. On Windows each name below the folder must be one.
 ORLO_BASE_API bool isPathInside(const std::wstring& folder, const std::wstring& path);
+
+/// The same on the disk: wherever links lead to, it is below the folder, which may itself lie behind links. What isn't there yet leads
+/// nowhere else; a link to nothing leads out.
+ORLO_BASE_API bool leadsInside(const std::wstring& folder, const std::wstring& path);
+
+/// The same, but for the last name, which is not followed: what makes, replaces or removes a file there doesn't either.
+ORLO_BASE_API bool isPlaceInside(const std::wstring& folder, const std::wstring& path);
 
 /// Whether a regular file stands at the path (links are followed). The two are the same.
 ORLO_BASE_API bool fileExists(const std::wstring& path);
@@ -100,6 +114,9 @@ enum class FileAccess { usual, ownerOnly };
 /// when it returns true the new one is on disk.
 /// The new file is made beside the old one under a name of its own.
 ORLO_BASE_API bool writeFileAtomically(const std::wstring& path, std::string_view bytes, FileAccess access = FileAccess::usual);
+
+/// Whether copyFile, moveFile and writeFileAtomically give such names to files until they are whole.
+ORLO_BASE_API bool isHalfMadeName(const std::wstring& name);
 
 /// Removes the half-made files that copyFile, moveFile and writeFileAtomically leave in a folder when their process is killed. Only for a
 /// folder in which none of them is at work.

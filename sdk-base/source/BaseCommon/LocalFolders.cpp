@@ -45,7 +45,10 @@ std::wstring localFolder(std::wstring (*usersFolder)(), const wchar_t* name)
 void setLocalRoot(const std::wstring& folder)
 {
     std::wstring absolute;
-    if (!folder.empty()) {
+    if (holdsNul(folder)) {
+        absolute = folder; // a place that can't be made; what is to be kept there fails
+    }
+    else if (!folder.empty()) {
         std::error_code error;
         const std::filesystem::path path = std::filesystem::absolute(makePath(folder), error).lexically_normal();
         absolute = error ? folder : fromPath(path);

@@ -34,6 +34,17 @@
 
 namespace orlo::utils {
 
+namespace {
+
+// Longer than any system takes, so that each call fails before it looks anywhere.
+std::filesystem::path impossiblePath()
+{
+    constexpr std::size_t tooLong = 40000;
+    return std::filesystem::path("/" + std::string(tooLong, '0'));
+}
+
+} // namespace
+
 #if defined(_WIN32)
 
 namespace {
@@ -127,6 +138,8 @@ void expectFilling(void*, std::size_t)
 
 std::filesystem::path toSystemPath(const std::wstring& text)
 {
+    if (holdsNul(text))
+        return impossiblePath();
     // Folders are limited to 248 characters unless the path carries this head, which in turn wants it absolute and in normal form.
     if (text.size() < 240 || text.compare(0, 4, longPathHead) == 0)
         return std::filesystem::path(text);
@@ -332,7 +345,7 @@ void expectFilling(void* memory, std::size_t bytes)
 
 std::filesystem::path toSystemPath(const std::wstring& text)
 {
-    return std::filesystem::path(UnicodeToUtf8(text));
+    return holdsNul(text) ? impossiblePath() : std::filesystem::path(UnicodeToUtf8(text));
 }
 std::wstring fromSystemPath(const std::filesystem::path& path)
 {

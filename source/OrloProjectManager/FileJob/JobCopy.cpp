@@ -26,7 +26,7 @@ bool isPlaceOfCopies(const std::wstring& copies, const std::wstring& root)
 {
     constexpr const wchar_t* database = L"jobs.db";
     return root == copies ||
-           (utils::isPathInside(copies, root) && utils::LowerString(utils::getFileName(root)).rfind(database, 0) == std::wstring::npos);
+           (utils::leadsInside(copies, root) && utils::LowerString(utils::getFileName(root)).rfind(database, 0) == std::wstring::npos);
 }
 
 bool makeFolder(const std::wstring& path)
@@ -48,7 +48,7 @@ bool CopyFileToTempPath(const std::wstring& path, const std::string& projectId, 
         return failed(noFolder);
     const std::wstring target = FilePath::Combine(folder, fileName.empty() ? utils::getFileName(path) : fileName);
     // A name that points out of its folder would let one job's copy fall on another's.
-    if (FilePath(target).GetDirectoryName() != folder || !utils::isPathInside(folder, target) || !utils::copyFile(path, target)) {
+    if (FilePath(target).GetDirectoryName() != folder || !utils::isPlaceInside(folder, target) || !utils::copyFile(path, target)) {
         utils::removeEmptyDirectory(folder);
         return false;
     }
@@ -59,8 +59,8 @@ bool CopyFileToTempPath(const std::wstring& path, const std::string& projectId, 
 void deleteJobCopy(const std::wstring& copy)
 {
     const std::wstring folder = FilePath(copy).GetDirectoryName();
-    // A copy has a folder of its own; what lies beside those isn't one.
-    if (!utils::isPathInside(utils::getLocalDbCachePath(), folder))
+    // A copy has a folder of its own; what lies beside those isn't one, nor what a link leads to.
+    if (!utils::isPathInside(folder, copy) || !utils::leadsInside(utils::getLocalDbCachePath(), folder))
         return;
     utils::removeFile(copy);
     std::vector<std::wstring> left;
