@@ -49,6 +49,19 @@ TEST_F(DownloadTest, asksForAnAddressAndWritesTheFile)
     expectClear(error);
 }
 
+TEST_F(DownloadTest, aFileThatCanNotStandAtItsPathIsNoSuccess)
+{
+    std::filesystem::create_directories(localPath("plan.dwg/inner"));
+    const std::wstring longName = wideLocalPath(std::string(300, 'n'));
+    for (const std::wstring& path : {target, longName, target + L"/none/plan.dwg"}) {
+        expectFile(fileReply("bytes"));
+        const PromiseData outcome = download(path);
+        EXPECT_FALSE(outcome.success);
+        EXPECT_EQ(outcome.status, 200);
+        EXPECT_FALSE(utils::fileExists(path));
+    }
+}
+
 TEST_F(DownloadTest, aLocalPathWithANulIsRefusedBeforeAnyRequest)
 {
     writeFile(localPath("plan.dwg"), "untouched");

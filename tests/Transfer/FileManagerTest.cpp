@@ -169,6 +169,28 @@ TEST_F(FileManagerTest, aReplyWithoutEntriesGivesNothingInsteadOfWaitingForEver)
     EXPECT_EQ(log.count(L"E [ORLOSDK]failed to download file from uri: blocks/a?f=1"), 4U);
 }
 
+TEST_F(FileManagerTest, aFileThatCanNotBeMovedToItsPlaceGivesNothing)
+{
+    // Its name is too long; a folder stands in its place; a file stands where its folder is to be.
+    std::filesystem::create_directories(cached("ds-1", "blocks/folder"));
+    writeFile(cached("ds-1", "blocks/file"), "in the way");
+    for (const std::string& path : {"blocks/" + std::string(300, 'n'), std::string("blocks/folder"), std::string("blocks/file/a")}) {
+        expectFile(path, "content");
+        EXPECT_EQ(IFileManager::DownloadFile("ds-1", utils::toWstring(path) + L"?f=1", error), L"") << path;
+        EXPECT_EQ(log.count(L"E [ORLOSDK]Failed to move file to \"" + wideCached("ds-1", path) + L"\""), 1U);
+        EXPECT_EQ(log.count(L"E [ORLOSDK]failed to download file from uri: " + utils::toWstring(path) + L"?f=1"), 1U);
+    }
+    EXPECT_EQ(readFile(cached("ds-1", "blocks/file")), "in the way");
+}
+
+TEST_F(FileManagerTest, anAnswerThatNamesAnotherFileGivesNothing)
+{
+    expectBatch(R"(["blocks/a"])", {{"blocks/b", atStore("/a")}});
+    store.expect("GET", "/a").reply(fileReply("content"));
+    EXPECT_EQ(IFileManager::DownloadFile("ds-1", L"blocks/a?f=1", error), L"");
+    EXPECT_EQ(log.count(L"E [ORLOSDK]failed to download file from uri: blocks/a?f=1"), 1U);
+}
+
 TEST_F(FileManagerTest, manyThreadsMayAskForTheSameFile)
 {
     platform.always("POST", "/datasets/ds-1/blockFiles/readSAS").reply(200, batchReply({{"blocks/a", atStore("/a")}}));

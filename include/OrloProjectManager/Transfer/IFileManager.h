@@ -38,7 +38,8 @@ public:
     /// The local path of a file of a dataset. A file that is in the local cache is trusted as it stands and given without
     /// a request; another is downloaded first.
     /// uri: "<folder>/<rest>?f=<more>", with the platform's path separator.
-    /// Returns: empty on failure.   Requests: none, or two, retried.   Blocks the caller.
+    /// Returns: a path at which the file stands; empty on failure, which the log tells.   Requests: none, or two, retried.
+    /// Blocks the caller.
     static std::wstring DownloadFile(const std::string& dsId, const std::wstring& uri, ErrorCode& error);
 
     /// As HttpClient::downloadFile.
