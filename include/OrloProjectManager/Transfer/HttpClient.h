@@ -50,8 +50,11 @@ ORLO_PROJECT_API std::future<PromiseData> downloadModuleFile(const std::wstring&
 /// Brings files of a dataset into the local cache, at most six at a time, streamed to disk. Each file appears under its
 /// name only when it is whole.
 /// folder: below the dataset's cache folder.   seeds: names of the files; not empty.
-/// callerContext: its handler is told the end with the step key "BatchDownloadAction"; may be null.
-/// Message: "success to batch download files". After a failure files already brought stay, and those under way go on.
+/// callerContext: its handler is told the end with the step key "BatchDownloadAction", and every failure; may be null.
+/// Message: "success to batch download files". The first failure settles the future and the ErrorCode, but doesn't end the
+/// batch: files already brought stay, those under way go on, and each that ends well starts a further one. They still arrive,
+/// and the handler may still be told of failures, when the future is ready.
+/// A file that can't be moved to its place is logged; it fails the batch unless it is the last to end.
 /// The future never becomes ready if the platform answers with no entry at all: wait with a time-out where that matters.
 /// Requests: one, and one for each file.
 ORLO_PROJECT_API std::future<PromiseData> downloadBatchFiles(ErrorCode& error, const std::string& folder, const std::string& datasetId,
