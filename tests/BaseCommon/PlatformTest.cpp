@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -107,4 +108,42 @@ TEST_F(Platform, HidingTellsWhatIsNotThere)
 TEST_F(Platform, TheProcessIdIsTheSystems)
 {
     EXPECT_EQ(currentProcessId(), static_cast<unsigned long>(::getpid()));
+}
+
+namespace {
+
+std::filesystem::perms modeOf(const std::filesystem::path& file)
+{
+    return std::filesystem::status(file).permissions();
+}
+
+constexpr auto ownersAlone = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+
+} // namespace
+
+TEST_F(Platform, APrivateFileIsMadeWhereThereIsNone)
+{
+    EXPECT_TRUE(makeFilePrivate(m_folder.wide("log")));
+    EXPECT_EQ(modeOf(m_folder.path("log")), ownersAlone);
+    EXPECT_EQ(orlo::test::readFile(m_folder.path("log")), "");
+}
+
+TEST_F(Platform, AFileThatOthersMayReadIsTightenedAndKeepsWhatItHolds)
+{
+    orlo::test::writeFile(m_folder.path("log"), "lines");
+    std::filesystem::permissions(m_folder.path("log"), std::filesystem::perms(0664));
+    EXPECT_TRUE(makeFilePrivate(m_folder.wide("log")));
+    EXPECT_EQ(modeOf(m_folder.path("log")), ownersAlone);
+    EXPECT_EQ(orlo::test::readFile(m_folder.path("log")), "lines");
+}
+
+TEST_F(Platform, WhatIsNoFileIsNotMadePrivate)
+{
+    const auto before = modeOf("/dev/full");
+    EXPECT_TRUE(makeFilePrivate(L"/dev/full"));
+    EXPECT_EQ(modeOf("/dev/full"), before);
+    EXPECT_FALSE(makeFilePrivate(m_folder.wide("")));
+    ASSERT_EQ(::mkfifo(m_folder.path("pipe").c_str(), 0644), 0);
+    EXPECT_FALSE(makeFilePrivate(m_folder.wide("pipe"))) << "and nobody waits for its reader";
+    EXPECT_EQ(modeOf(m_folder.path("pipe")), std::filesystem::perms(0644));
 }

@@ -16,7 +16,7 @@
 namespace orlo::test {
 namespace {
 
-constexpr const char* secrets[] = {"token-secret-1", "perm-secret", "sig=abc", "token=t"};
+constexpr const char* secrets[] = {"secret-1", "secret%2D1", "u002dsecret", "perm-secret", "cGVybS1", "sig=abc", "sig='abc'", "token=t"};
 
 // Bodies that hold the secrets in the ways in which a platform may repeat them.
 constexpr const char* bodies[] = {
@@ -26,6 +26,7 @@ constexpr const char* bodies[] = {
     R"({"code":"10000","data":"{\"token\":\"perm-secret\",\"u\":\"https://store/x?sig=abc&token=t\",\"a\":\"token-secret-1\"}"})",
     R"(["token-secret-1","https://store/x?sig=abc&token=t",{"token":"perm-secret"}])",
     R"(<html>token-secret-1 https://store/x?sig=abc&token=t {"token":"perm-secret"}</html>)",
+    R"({"code":40301,"message":"\u0074oken\u002dsecret-1, token%2Dsecret%2D1, Basic cGVybS1zZWNyZXQ6eA==, sig='abc' and token=t"})",
     R"({"token":"perm-secret","a":"token-secret-1","u":"https://store/x?sig=abc&token=t"} trailing)",
 };
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <map>
 #include <sys/wait.h>
 #include <thread>
 #include <vector>
@@ -136,6 +137,46 @@ TEST_F(DefaultLoggerTest, keepsThreeFilesOfFiveMebibytes)
         EXPECT_LE(file.file_size(), 5u * 1024 * 1024) << file.path();
     }
     EXPECT_EQ(files, 3u);
+}
+
+// What others may do with each file of the log folder, by its name.
+std::map<std::string, std::filesystem::perms> rightsOfOthers(const std::filesystem::path& folder)
+{
+    std::map<std::string, std::filesystem::perms> rights;
+    for (const auto& file : std::filesystem::directory_iterator(folder))
+        rights[file.path().filename()] =
+            file.status().permissions() & (std::filesystem::perms::group_all | std::filesystem::perms::others_all);
+    return rights;
+}
+
+constexpr auto nothing = std::filesystem::perms::none;
+
+TEST_F(DefaultLoggerTest, itsFileIsItsOwnersAlone)
+{
+    m_log->LogInfo(L"first");
+    EXPECT_EQ(rightsOfOthers(logFile().parent_path()), (std::map<std::string, std::filesystem::perms>{{"orlo.log", nothing}}));
+}
+
+TEST_F(DefaultLoggerTest, rotatedFilesAreTheirOwnersAloneToo)
+{
+    const std::wstring message(16000, L'x');
+    for (int i = 0; i < 1200; ++i)
+        m_log->LogInfo(message);
+    EXPECT_EQ(rightsOfOthers(logFile().parent_path()),
+              (std::map<std::string, std::filesystem::perms>{{"orlo.1.log", nothing}, {"orlo.2.log", nothing}, {"orlo.log", nothing}}));
+}
+
+TEST_F(DefaultLoggerTest, takesTheRightsOfOthersFromTheFilesThatItFinds)
+{
+    for (const char* name : {"orlo.log", "orlo.1.log", "orlo.2.log"}) {
+        writeFile(logFile().parent_path() / name, "earlier\n");
+        std::filesystem::permissions(logFile().parent_path() / name, std::filesystem::perms(0644));
+    }
+    m_log->LogInfo(L"later");
+    EXPECT_EQ(rightsOfOthers(logFile().parent_path()),
+              (std::map<std::string, std::filesystem::perms>{{"orlo.1.log", nothing}, {"orlo.2.log", nothing}, {"orlo.log", nothing}}));
+    EXPECT_EQ(logLines().size(), 2u);
+    EXPECT_EQ(readFile(logFile().parent_path() / "orlo.2.log"), "earlier\n");
 }
 
 TEST_F(DefaultLoggerTest, followsTheLocalRoot)

@@ -85,9 +85,18 @@ TEST_F(LoggerTest, clearsEveryKindOfLineOfSecrets)
     ILogManager::Get()->LogInfo(L"guarded-text");
     ILogManager::Get()->LogWarning(L"\"accessToken\":\"abc\"");
     ILogManager::Get()->LogError(L"https://s.example/f?sig=abc");
-    ILogManager::Get()->LogErrorAt("f", 1, "g", L"Bearer abc", L"[T]");
+    ILogManager::Get()->LogErrorAt("f", 1, "g", L"Bearer abcdef0123456789", L"[T]");
     EXPECT_EQ(log.lines(),
               (std::vector<std::wstring>{L"I ***", L"W \"accessToken\":\"***\"", L"E https://s.example/f?***", L"E@g Bearer ***"}));
+}
+
+// A platform may give out tokens of one character; masked wherever it stands, it would mangle every line.
+TEST_F(LoggerTest, clearsLinesOfTheShortestSecretsWhereACredentialStands)
+{
+    SecretGuard::protect(L"a");
+    const LogCapture log;
+    ILogManager::Get()->LogInfo(L"a bad Bearer a, or \"accessToken\":\"a\", or Authorization: Bearer a");
+    EXPECT_EQ(log.lines(), (std::vector<std::wstring>{L"I a bad Bearer ***, or \"accessToken\":\"***\", or Authorization: ***"}));
 }
 
 TEST_F(LoggerTest, nothingThrownByALoggerComesBack)

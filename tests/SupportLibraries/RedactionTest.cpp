@@ -28,6 +28,13 @@ TEST(Redaction, leavesOrdinaryLinesAsTheyAre)
              L"https://store.example/a/b.rvt, tried again: yes",
              L"C:\\token\\file.txt and D:\\x",
              L"no bearer",
+             L"Bearer Wall A",
+             L"bearer wall, bearer W.01.3, Bearer WALL-17 and a load-bearer beam 200x300x4000",
+             L"Bearer IfcWallStandardCase; Bearer WALL-EXT-NORTH-0017; Bearer +3.50",
+             L"{\"name\":\"Bearer Wall A\",\"kind\":\"Basic Wall\"}",
+             L"Basic Wall: Generic-200mm, basic geometry, Basic Roof 400",
+             L"it's a 'quoted' word: 'Wall A', and 'key': 'value'",
+             L"token == other, token != other, token: missing",
              L"two\nlines\tand a tab",
          })
         EXPECT_EQ(clean(line), line);
@@ -126,26 +133,134 @@ TEST(Redaction, masksATokenWhoseTextIsCutShort)
     EXPECT_EQ(clean(LR"({"token":")"), LR"({"token":")");
 }
 
-TEST(Redaction, masksBearerTokensAndAuthorizationHeaders)
+TEST(Redaction, masksBearerTokensInBareText)
 {
     EXPECT_EQ(clean(L"sent Bearer abc.def-_~+/=, then"), L"sent Bearer ***, then");
-    EXPECT_EQ(clean(L"bearer  xyz"), L"bearer  ***");
+    EXPECT_EQ(clean(L"bearer  abcdef0123456789."), L"bearer  ***.");
+    EXPECT_EQ(clean(L"Bearer eyJhbGciOi.eyJzdWIiOi.c2ln refused"), L"Bearer *** refused");
+    EXPECT_EQ(clean(L"Bearer 70f6dc40-ae5e-4168-ae5c-a6c7b5001777"), L"Bearer ***");
+    EXPECT_EQ(clean(L"Bearer abcdefghijklmnopqrstuvwxyzabcdef"), L"Bearer ***");
+    EXPECT_EQ(clean(L"Bearer%20abcdef0123456789 and bearer+abcdef0123456789"), L"Bearer%20*** and bearer+***");
+    EXPECT_EQ(clean(LR"({"message":"Bearer abcdef\/0123456789abcdef\u002b0 refused"})"), LR"({"message":"Bearer *** refused"})");
+}
+
+TEST(Redaction, masksWhatIsLeftOfATokenThatHoldsASecret)
+{
+    EXPECT_EQ(redact(L"Bearer abcd1xyz", {L"abcd1"}), L"Bearer ***");
+}
+
+TEST(Redaction, masksLoginsInBareText)
+{
+    EXPECT_EQ(clean(L"Basic dXNlcjpwYXNzd29yZA== refused"), L"Basic *** refused");
+    EXPECT_EQ(clean(L"basic dXNlcjpwYXNz."), L"basic ***."); // user:pass
+    EXPECT_EQ(clean(L"basic YTpi"), L"basic ***");           // a:b
+    EXPECT_EQ(clean(L"Basic abcdef0123456789"), L"Basic ***");
+}
+
+TEST(Redaction, masksAuthorizationsWhateverTheyHold)
+{
     EXPECT_EQ(clean(L"Authorization: Basic dXNlcg==\nHost: x"), L"Authorization: ***\nHost: x");
+    EXPECT_EQ(clean(L"authorization:\tBearer\ta\r\nHost: x"), L"authorization:\t***\r\nHost: x");
+    EXPECT_EQ(clean(L"Authorization: \"Bearer a\" sent"), L"Authorization: \"***\" sent");
     EXPECT_EQ(clean(LR"({"Authorization":"Basic dXNlcg=="})"), LR"({"Authorization":"***"})");
+    EXPECT_EQ(clean(L"{'authorization': 'Bearer a'}"), L"{'authorization': '***'}");
+    EXPECT_EQ(clean(LR"("Authorization": Bearer a, "x": 1)"), LR"("Authorization": ***, "x": 1)");
+    EXPECT_EQ(clean(L"Authorization=Bearer a&x=1"), L"Authorization=***&x=1");
+}
+
+TEST(Redaction, masksHeadersThatAreNamedLikeSecrets)
+{
+    EXPECT_EQ(clean(L"X-Access-Token: a\nHost: x"), L"X-Access-Token: ***\nHost: x");
+    EXPECT_EQ(clean(L"x-api-key:a, x-other: b"), L"x-api-key:***, x-other: b");
+}
+
+// Where a credential stands nothing is too short to be one.
+TEST(Redaction, masksValuesOfOneCharacter)
+{
+    EXPECT_EQ(clean(L"?sig=a&b=c"), L"?sig=***&b=c");
+    EXPECT_EQ(clean(LR"({"accessToken":"a","token":7})"), LR"({"accessToken":"***","token":***})");
+    EXPECT_EQ(clean(L"http://u@h.example/?a"), L"http://***@h.example/?***");
+}
+
+TEST(Redaction, masksAShortSecretWhereACredentialStandsOnly)
+{
+    EXPECT_EQ(redact(L"abc, Bearer abc, Basic abc; bearer abcd", {L"abc"}), L"abc, Bearer ***, Basic ***; bearer abcd");
+    EXPECT_EQ(redact(LR"(Bearer a\/b and Bearer a%2Fb)", {L"a/b"}), L"Bearer *** and Bearer ***");
+}
+
+TEST(Redaction, masksValuesInSingleQuotes)
+{
+    EXPECT_EQ(clean(L"sig='two words' left"), L"sig='***' left");
+    EXPECT_EQ(clean(L"{'accessToken': 'a b', 'id': '7'}"), L"{'accessToken': '***', 'id': '7'}");
+    EXPECT_EQ(clean(LR"({'token':'a\'b','id':7})"), LR"({'token':'***','id':7})");
+    EXPECT_EQ(clean(LR"({'token':"it's",'id':7})"), LR"({'token':"***",'id':7})");
+    EXPECT_EQ(clean(L"'token'='a b' left"), L"'token'='***' left");
+}
+
+TEST(Redaction, masksValuesBehindASpacedSign)
+{
+    EXPECT_EQ(clean(L"token = 'a b' left"), L"token = '***' left");
+    EXPECT_EQ(clean(L"token = a left"), L"token = *** left");
+    EXPECT_EQ(clean(L"token = \"a b\" left"), L"token = \"***\" left");
+}
+
+TEST(Redaction, masksParametersInsideJsonStrings)
+{
+    EXPECT_EQ(clean(LR"({"message":"token=\"a b\" left"})"), LR"({"message":"token=\"***\" left"})");
+    EXPECT_EQ(clean(LR"({"path":"/x?sig=ab\/cd\u002bef\u0026b=c"})"), LR"({"path":"/x?sig=***\u0026b=c"})");
+}
+
+TEST(Redaction, masksSecretsWhoseCharactersAreEscapedForJson)
+{
+    const std::vector<std::wstring> secrets{L"to/k\"e\\n-\u00e9-\U0001F600"};
+    for (const wchar_t* form : {L"to/k\"e\\n-\u00e9-\U0001F600", LR"(to\/k\"e\\n-\u00e9-\ud83d\ude00)",
+                                LR"(to\u002fk\u0022e\u005Cn-\u00E9-\uD83D\uDE00)", LR"(to\\\/k\\\"e\\\\n-\\u00e9-\\ud83d\\ude00)"})
+        EXPECT_EQ(redact(std::wstring(L"{\"m\":\"") + form + L"\",\"n\":1}", secrets), L"{\"m\":\"***\",\"n\":1}") << form;
+}
+
+TEST(Redaction, masksSecretsInsideEscapedQuotes)
+{
+    EXPECT_EQ(redact(LR"({"data":"{\"a\":\"to\\\/ken\",\"b\":1}"})", {L"to/ken"}), LR"({"data":"{\"a\":\"***\",\"b\":1}"})");
+}
+
+TEST(Redaction, masksSecretsWhoseCharactersAreEncodedForAddresses)
+{
+    const std::vector<std::wstring> secrets{L"to/k+n=\u00e9\u56fe%41"};
+    for (const wchar_t* form : {L"to/k+n=\u00e9\u56fe%41", L"to%2Fk%2Bn%3D%C3%A9%E5%9B%BE%2541", L"to%2fk%2bn%3d%c3%a9%e5%9b%be%2541",
+                                L"to%252Fk%252Bn%253D%25C3%25A9%25E5%259B%25BE%252541", L"t%6F%2Fk+n=%E9%E5%9B%BE%2541"})
+        EXPECT_EQ(redact(std::wstring(L"/path/") + form + L"/rest", secrets), L"/path/***/rest") << form;
+}
+
+// The head of a secret may look like the tail of an escape.
+TEST(Redaction, masksSecretsBehindEscapeSigns)
+{
+    EXPECT_EQ(redact(L"%2Fabcd", {L"2Fabcd"}), L"%***");
+    EXPECT_EQ(redact(LR"(\u0041bcd)", {L"u0041bcd"}), LR"(\***)");
+    EXPECT_EQ(redact(LR"(C:\secret)", {L"secret"}), LR"(C:\***)");
+}
+
+TEST(Redaction, masksSecretsThatOverlap)
+{
+    EXPECT_EQ(redact(L"x-abcdefghij-x", {L"abcdef", L"defghij"}), L"x-***-x");
+    EXPECT_EQ(redact(L"aaaaaa.", {L"aaaa"}), L"***.");
 }
 
 TEST(Redaction, maskingTwiceChangesNothingMore)
 {
-    const std::wstring line = LR"(Bearer abc {"token":"abc","u":"https://u:p@s.example/f?a=b"} sig=abc)";
+    const std::wstring line =
+        LR"(Bearer abcdef0123456789 Basic dXNlcjpwYXNz {"token":"abc","u":"https://u:p@s.example/f?a=b"} sig=abc token = 'a')";
     const std::wstring once = clean(line);
-    EXPECT_EQ(once, LR"(Bearer *** {"token":"***","u":"https://***@s.example/f?***"} sig=***)");
+    EXPECT_EQ(once, LR"(Bearer *** Basic *** {"token":"***","u":"https://***@s.example/f?***"} sig=*** token = '***')");
     EXPECT_EQ(clean(once), once);
 }
 
 TEST(Redaction, copesWithTriggersAtTheEdges)
 {
-    for (const wchar_t* line : {L":", L"=", L"?", L"\"", L"\":", L"\"\":", L"http:", L"http:/", L"http://", L"https://?", L"http://@",
-                                L"bearer", L"Bearer ", L"token=", L"authorization:", L"\\\":", L"sig=\""})
+    for (const wchar_t* line :
+         {L":",         L"=",        L"?",      L"\"",      L"\":",   L"\"\":",  L"http:",  L"http:/",   L"http://",
+          L"https://?", L"http://@", L"bearer", L"Bearer ", L"basic", L"Basic ", L"token=", L"token = ", L"authorization:",
+          L"x-token: ", L"\\\":",    L"sig=\"", L"sig='",   L"'",     L"':",     L"sig=\\", L"sig=\\u",  L"sig=\\u00",
+          L"%",         L"%2",       L"\\",     L"\\u12",   L"%25",   L"%C3"})
         EXPECT_EQ(clean(line), line);
 }
 
@@ -154,14 +269,16 @@ TEST(Redaction, takesVeryLongLines)
 {
     constexpr std::size_t length = 2u * 1024 * 1024;
     const std::wstring secret = L"\"token\":\"abc\"";
-    for (const std::wstring unit : {L"a", L"\"", L"\\", L":", L"=", L"?", L"http://", L"\"k\": ", L"bearer", L" ", L"token=[\""}) {
+    for (const std::wstring unit : {L"a",       L"\"",      L"\\",        L":",   L"=",        L"?",           L"http://", L"\"k\": ",
+                                    L"bearer",  L" ",       L"token=[\"", L"'",   L"basic ",   L"Bearer abc ", L"basic+",  L"token = ",
+                                    L"\\u0041", L"sig=\\/", L"%25",       L"%C3", L"x-token:", L"\\ud83d"}) {
         std::wstring line;
         line.reserve(length + secret.size());
         while (line.size() < length)
             line += unit;
         line += L"\n" + secret;
-        const std::wstring cleaned = clean(line);
-        EXPECT_EQ(cleaned.find(L"abc"), std::wstring::npos) << unit;
+        const std::wstring cleaned = redact(line, {L"to/ken", L"aaaaaaaaaaaaaaab"});
+        EXPECT_EQ(cleaned.find(secret), std::wstring::npos) << unit;
     }
 }
 
@@ -187,12 +304,12 @@ TEST(SecretGuard, keepsASecretOnceAndMovesItToTheFront)
     EXPECT_EQ(std::count(kept.begin(), kept.end(), L"first secret"), 1);
 }
 
-TEST(SecretGuard, ignoresTextsThatAreTooShortToBeSecrets)
+TEST(SecretGuard, keepsSecretsOfOneCharacterAndNoEmptyOnes)
 {
-    SecretGuard::protect(L"abc");
+    SecretGuard::protect(L"x");
     SecretGuard::protect(L"");
     const auto kept = SecretGuard::secrets();
-    EXPECT_EQ(std::count(kept.begin(), kept.end(), L"abc"), 0);
+    EXPECT_EQ(std::count(kept.begin(), kept.end(), L"x"), 1);
     EXPECT_EQ(std::count(kept.begin(), kept.end(), L""), 0);
 }
 

@@ -201,6 +201,12 @@ bool writeNewFile(const std::wstring& path, std::string_view bytes, bool /*isPri
     return false;
 }
 
+// Here too, the folder keeps other users out.
+bool makeFilePrivate(const std::wstring& path)
+{
+    return Handle(openPath(path, GENERIC_WRITE, shareAll, OPEN_ALWAYS)).isOpen();
+}
+
 bool FileLock::open(const std::wstring& path)
 {
     Handle file(openPath(path, GENERIC_READ | GENERIC_WRITE, shareAll, OPEN_ALWAYS));
@@ -395,6 +401,17 @@ bool writeNewFile(const std::wstring& path, std::string_view bytes, bool isPriva
     std::error_code error;
     std::filesystem::remove(toSystemPath(path), error);
     return false;
+}
+
+bool makeFilePrivate(const std::wstring& path)
+{
+    // Without O_NONBLOCK a pipe would wait here for its reader.
+    const Descriptor file(openPath(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK, 0600));
+    struct stat status = {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
+        return false;
+    const bool isWide = S_ISREG(status.st_mode) && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0;
+    return !isWide || ::fchmod(file.get(), S_IRUSR | S_IWUSR) == 0;
 }
 
 bool FileLock::open(const std::wstring& path)

@@ -42,6 +42,10 @@ ORLO_BASE_API bool renameOver(const std::wstring& from, const std::wstring& to);
 /// Makes a file that isn't there yet, fills it and flushes it; removed again on failure. A private file is its owner's alone (0600).
 ORLO_BASE_API bool writeNewFile(const std::wstring& path, std::string_view bytes, bool isPrivate);
 
+/// Makes the file its owner's alone (0600), an empty one if it isn't there yet. What is no regular file is left alone.
+/// Returns: false if it can't be opened for writing, or belongs to somebody else.
+ORLO_BASE_API bool makeFilePrivate(const std::wstring& path);
+
 /// A lock between processes, and between threads, on a file that is made for it and stays. The system drops it when the process ends.
 class ORLO_BASE_API FileLock
 {

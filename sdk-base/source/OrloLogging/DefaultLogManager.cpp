@@ -2,6 +2,7 @@
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 
 #include <spdlog/logger.h>
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -84,10 +86,36 @@ spdlog::sink_ptr stderrSink()
     return sink;
 }
 
+std::wstring logFile(const std::wstring& folder, std::size_t number)
+{
+    return FilePath::Combine(folder, number == 0 ? L"orlo.log" : L"orlo." + std::to_wstring(number) + L".log");
+}
+
+// The lines tell of people and their projects. spdlog would make its files readable for everybody: each is made before spdlog opens it,
+// and looked at again once it is open, as another process may have rotated the files in between.
+spdlog::file_event_handlers keepPrivate(const std::wstring& file)
+{
+    spdlog::file_event_handlers handlers;
+    handlers.before_open = [file](const spdlog::filename_t&) { utils::makeFilePrivate(file); };
+    handlers.after_open = [file](const spdlog::filename_t&, std::FILE*) { utils::makeFilePrivate(file); };
+    return handlers;
+}
+
+// An earlier version may have left them readable.
+void tightenRotatedFiles(const std::wstring& folder)
+{
+    for (std::size_t number = 1; number <= rotatedFiles; ++number) {
+        if (utils::fileExists(logFile(folder, number)))
+            utils::makeFilePrivate(logFile(folder, number));
+    }
+}
+
 spdlog::sink_ptr fileSink(const std::wstring& folder)
 {
-    const auto file = utils::makePath(FilePath::Combine(folder, L"orlo.log"));
-    return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(file.native(), fileSize, rotatedFiles);
+    const std::wstring file = logFile(folder, 0);
+    tightenRotatedFiles(folder);
+    return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(utils::makePath(file).native(), fileSize, rotatedFiles, false,
+                                                                  keepPrivate(file));
 }
 
 } // namespace

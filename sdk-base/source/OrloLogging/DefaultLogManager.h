@@ -13,7 +13,7 @@ class logger;
 namespace orlo {
 
 /// Writes orlo.log in the log folder, which it opens at the first line and follows when the host moves its local root;
-/// three files of 5 MiB at most. Warnings and errors go to stderr too. One line for each message.
+/// three files of 5 MiB at most, which only their owner may read. Warnings and errors go to stderr too. One line for each message.
 class DefaultLogManager : public ILogManager
 {
 public:

@@ -1,61 +1,23 @@
+#include "Characters.h"
+#include "Credentials.h"
+#include "Scan.h"
+#include "SecretSearch.h"
+
 #include <OrloLogging/Redaction.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
 
-namespace orlo {
+namespace orlo::redaction {
 
 namespace {
-
-constexpr std::wstring_view maskText = L"***";
-constexpr std::size_t longestName = 64;
-
-bool isBlank(wchar_t c)
-{
-    return c <= 0x20 || c == 0x7F || c == 0x85 || c == 0xA0 || c == 0x2028 || c == 0x2029 || c == 0x3000;
-}
-
-wchar_t lower(wchar_t c)
-{
-    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
-}
-
-bool isLetterOrDigit(wchar_t c)
-{
-    return (lower(c) >= L'a' && lower(c) <= L'z') || (c >= L'0' && c <= L'9');
-}
-
-bool isOneOf(wchar_t c, std::wstring_view set)
-{
-    return set.find(c) != std::wstring_view::npos;
-}
-
-bool endsWith(std::wstring_view text, std::wstring_view end)
-{
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-// accessToken, access_token and X-Access-Token are one name.
-bool isSecretName(std::wstring_view name)
-{
-    constexpr std::wstring_view whole[] = {L"sig", L"pwd"};
-    constexpr std::wstring_view ends[] = {L"token",     L"signature",   L"password",   L"secret",        L"apikey",
-                                          L"accesskey", L"accesskeyid", L"credential", L"authorization", L"withsas"};
-    std::wstring plain;
-    for (const wchar_t c : name) {
-        if (isLetterOrDigit(c))
-            plain += lower(c);
-    }
-    return std::find(std::begin(whole), std::end(whole), plain) != std::end(whole) ||
-           std::any_of(std::begin(ends), std::end(ends), [&](std::wstring_view end) { return endsWith(plain, end); });
-}
 
 // Walks over the text once. Every rule that fires masks forward from where it stands and the walk goes on behind the mask.
 class Walk
 {
 public:
-    explicit Walk(const std::wstring& text) : m_text(text) {}
+    Walk(const std::wstring& text, const SecretSearch& secrets) : m_text(text), m_scan(text), m_secrets(secrets) {}
 
     std::wstring run()
     {
@@ -74,12 +36,12 @@ private:
         if (c == L':')
             colon();
         else if (c == L'=')
-            parameter();
+            equals();
         else if (c == L'?' && m_inAddress)
             query();
         else if (c == L'b' || c == L'B')
-            bearer();
-        else if (isBlank(c) || isOneOf(c, L"\"<>"))
+            scheme();
+        else if (m_inAddress && (isBlank(c) || isOneOf(c, L"\"<>")))
             m_inAddress = false;
         ++m_at;
     }
@@ -95,41 +57,14 @@ private:
         m_at = end - 1;
     }
 
-    template <typename Stop>
-    std::size_t forward(std::size_t from, Stop stop) const
-    {
-        while (from < m_text.size() && !stop(m_text[from]))
-            ++from;
-        return from;
-    }
-
-    bool precededBy(std::size_t end, std::wstring_view word) const
-    {
-        if (end < word.size())
-            return false;
-        for (std::size_t i = 0; i < word.size(); ++i) {
-            if (lower(m_text[end - word.size() + i]) != word[i])
-                return false;
-        }
-        return true;
-    }
-
-    std::size_t backslashesBefore(std::size_t at) const
-    {
-        std::size_t count = 0;
-        while (count < at && m_text[at - count - 1] == L'\\')
-            ++count;
-        return count;
-    }
-
     void colon()
     {
-        if (precededBy(m_at, L"http") || precededBy(m_at, L"https"))
+        if (m_scan.precededBy(m_at, L"http") || m_scan.precededBy(m_at, L"https"))
             address();
-        else if (precededBy(m_at, L"authorization"))
+        else if (m_scan.precededBy(m_at, L"authorization"))
             headerValue();
-        else
-            member();
+        else if (!member())
+            header();
     }
 
     // The slashes may be escaped, as some JSON writers do.
@@ -149,7 +84,7 @@ private:
 
     void userInfo(std::size_t authority)
     {
-        const std::size_t end = forward(authority, [](wchar_t c) { return isBlank(c) || isOneOf(c, L"/?#\\\"<>"); });
+        const std::size_t end = m_scan.forward(authority, [](wchar_t c) { return isBlank(c) || isOneOf(c, L"/?#\\\"<>"); });
         std::size_t sign = end;
         while (sign > authority && m_text[sign - 1] != L'@')
             --sign;
@@ -162,7 +97,7 @@ private:
     void query()
     {
         const std::size_t begin = m_at + 1;
-        std::size_t end = forward(begin, [](wchar_t c) { return isBlank(c) || isOneOf(c, L"\"<>"); });
+        std::size_t end = m_scan.forward(begin, [](wchar_t c) { return isBlank(c) || isOneOf(c, L"\"<>"); });
         while (end > begin && isOneOf(m_text[end - 1], L"\\)]},;.'"))
             --end;
         mask(begin, end);
@@ -171,129 +106,164 @@ private:
 
     void headerValue()
     {
-        const std::size_t begin = forward(m_at + 1, [](wchar_t c) { return c != L' '; });
-        mask(begin, forward(begin, [](wchar_t c) { return c < 0x20 || c == L'"'; }));
+        const std::size_t begin = m_scan.behindSpaces(m_at + 1);
+        if (!quotedValue(begin))
+            mask(begin, m_scan.forward(begin, [](wchar_t c) { return isOneOf(c, L"\r\n\""); }));
     }
 
+    // Of other headers only those whose names are no words of a sentence.
+    void header()
+    {
+        const std::wstring_view name = m_scan.nameBefore(m_at);
+        if (name.find(L'-') != std::wstring_view::npos && isSecretName(name))
+            value(m_scan.behindSpaces(m_at + 1));
+    }
+
+    void equals()
+    {
+        if (!member())
+            parameter();
+    }
+
+    // Spaces may stand around the sign, unless it compares.
     void parameter()
     {
-        std::size_t name = m_at;
-        while (name > 0 && m_at - name < longestName && (isLetterOrDigit(m_text[name - 1]) || isOneOf(m_text[name - 1], L"_-.$")))
-            --name;
-        std::wstring_view text = std::wstring_view(m_text).substr(name, m_at - name);
-        // An ampersand escaped for JSON.
-        if (backslashesBefore(name) > 0 && text.substr(0, 5) == L"u0026")
-            text.remove_prefix(5);
-        if (isSecretName(text))
-            parameterValue(m_at + 1);
+        std::size_t end = m_at;
+        while (end > 0 && isSpace(m_text[end - 1]))
+            --end;
+        const std::size_t next = m_at + 1;
+        const std::size_t begin = m_scan.behindSpaces(next);
+        const bool compares = end < m_at && next < m_text.size() && m_text[next] == L'=';
+        if (!compares && isSecretName(m_scan.nameBefore(end)))
+            value(begin);
     }
 
-    void parameterValue(std::size_t begin)
+    void value(std::size_t begin)
     {
-        const bool quoted = begin < m_text.size() && m_text[begin] == L'"';
-        if (quoted) {
-            mask(begin + 1, forward(begin + 1, [](wchar_t c) { return c == L'"'; }));
-            return;
-        }
-        mask(begin, forward(begin, [this](wchar_t c) { return isBlank(c) || isOneOf(c, L"\"<>&;,)]}'\\") || (c == L'?' && m_inAddress); }));
+        const auto ends = [this](wchar_t c) { return isBlank(c) || isOneOf(c, L"\"<>&;,)]}") || (c == L'?' && m_inAddress); };
+        if (!quotedValue(begin))
+            mask(begin, behindScheme(begin, [&](std::size_t from) { return m_scan.behindWord(from, ends); }));
     }
 
-    // "name": value, where the quotes may be escaped any number of times.
-    void member()
+    // A string in quotes, which may be escaped any number of times.
+    bool quotedValue(std::size_t begin)
+    {
+        const std::size_t quote = m_scan.forward(begin, [](wchar_t c) { return c != L'\\'; });
+        if (quote >= m_text.size() || !isQuote(m_text[quote]))
+            return false;
+        mask(quote + 1, m_scan.endOfString(quote, quote - begin));
+        return true;
+    }
+
+    // The end of a value of one word, or of two where the first only says what kind of credential the second is.
+    template <typename BehindWord>
+    std::size_t behindScheme(std::size_t begin, BehindWord behindOne) const
+    {
+        const std::size_t end = behindOne(begin);
+        const std::size_t length = schemeAt(begin);
+        const std::size_t next = m_scan.behindSpaces(end);
+        return length == end - begin && next > end ? behindOne(next) : end;
+    }
+
+    // "name": value, or 'name': value, where the quotes may be escaped any number of times.
+    // Returns: false where no name in quotes stands before the sign.
+    bool member()
     {
         std::size_t closing = m_at;
         while (closing > 0 && isBlank(m_text[closing - 1]))
             --closing;
-        if (closing == 0 || m_text[closing - 1] != L'"')
-            return;
-        const std::size_t end = closing - 1 - backslashesBefore(closing - 1);
+        if (closing == 0 || !isQuote(m_text[closing - 1]))
+            return false;
+        const wchar_t quote = m_text[closing - 1];
+        const std::size_t end = closing - 1 - m_scan.backslashesBefore(closing - 1);
         std::size_t name = end;
-        while (name > 0 && end - name < longestName && !isOneOf(m_text[name - 1], L"\"\\"))
+        while (name > 0 && end - name < Scan::longestName && m_text[name - 1] != quote && m_text[name - 1] != L'\\')
             --name;
-        if (name > 0 && m_text[name - 1] == L'"' && isSecretName(std::wstring_view(m_text).substr(name, end - name)))
-            memberValue(forward(m_at + 1, [](wchar_t c) { return !isBlank(c); }));
+        if (name > 0 && m_text[name - 1] == quote && isSecretName(std::wstring_view(m_text).substr(name, end - name)))
+            memberValue(m_scan.forward(m_at + 1, [](wchar_t c) { return !isBlank(c); }));
+        return true;
     }
 
     void memberValue(std::size_t begin)
     {
-        const std::size_t quote = forward(begin, [](wchar_t c) { return c != L'\\'; });
-        if (quote < m_text.size() && m_text[quote] == L'"') {
-            mask(quote + 1, endOfString(quote + 1, quote - begin));
-        }
-        else if (begin < m_text.size() && m_text[begin] == L'[') {
-            mask(begin + 1, forward(begin, [](wchar_t c) { return c == L']'; }));
-        }
-        else if (begin < m_text.size() && (isLetterOrDigit(m_text[begin]) || m_text[begin] == L'-')) {
+        const bool quoted = quotedValue(begin);
+        if (!quoted && begin < m_text.size() && m_text[begin] == L'[')
+            mask(begin + 1, m_scan.forward(begin, [](wchar_t c) { return c == L']'; }));
+        else if (!quoted && begin < m_text.size() && (isLetterOrDigit(m_text[begin]) || m_text[begin] == L'-'))
             literal(begin);
-        }
         m_inAddress = false;
     }
 
     void literal(std::size_t begin)
     {
-        const std::size_t end = forward(begin, [](wchar_t c) { return isBlank(c) || isOneOf(c, L",}]"); });
+        const auto ends = [](wchar_t c) { return isBlank(c) || isOneOf(c, L",}]"); };
+        const std::size_t end = behindScheme(begin, [&](std::size_t from) { return m_scan.forward(from, ends); });
         const std::wstring_view text = std::wstring_view(m_text).substr(begin, end - begin);
         if (text != L"null" && text != L"true" && text != L"false")
             mask(begin, end);
     }
 
-    // The quote that closes a string opened by a quote behind so many backslashes. A text cut short ends the string too.
-    std::size_t endOfString(std::size_t from, std::size_t depth) const
+    // The length of the word that says there what kind of credential follows, or 0.
+    std::size_t schemeAt(std::size_t at) const
     {
-        std::size_t run = 0;
-        for (std::size_t i = from; i < m_text.size(); ++i) {
-            const bool closes = depth == 0 ? run % 2 == 0 : run <= depth;
-            if (m_text[i] == L'"' && closes)
-                return i - std::min(run, depth);
-            run = m_text[i] == L'\\' ? run + 1 : 0;
-        }
-        return m_text.size();
+        if (at > m_text.size())
+            return 0;
+        return m_scan.standsAt(at, bearer) ? bearer.size() : m_scan.standsAt(at, basic) ? basic.size() : 0;
     }
 
-    void bearer()
+    // Also parts of buildings are bearers, and walls are basic, so what follows must look like a credential.
+    void scheme()
     {
-        constexpr std::wstring_view word = L"bearer";
-        const std::size_t behind = m_at + word.size();
-        if ((m_at > 0 && isLetterOrDigit(m_text[m_at - 1])) || behind >= m_text.size() || !precededBy(behind, word))
+        const std::size_t length = schemeAt(m_at);
+        if (length == 0 || (m_at > 0 && isLetterOrDigit(m_text[m_at - 1])))
             return;
-        const std::size_t begin = forward(behind, [](wchar_t c) { return c != L' '; });
-        if (begin > behind)
-            mask(begin, forward(begin, [](wchar_t c) { return !isLetterOrDigit(c) && !isOneOf(c, L"-._~+/=*"); }));
+        const std::size_t begin = behindSeparator(m_at + length);
+        const std::wstring_view word = wordAt(begin);
+        if (begin == m_at + length || word.empty())
+            return;
+        if (looksLikeToken(word) || (length == basic.size() && looksLikeLogin(word)) || m_secrets.isSecret(word))
+            mask(begin, begin + word.size());
     }
+
+    // A space may be encoded, as in an address.
+    std::size_t behindSeparator(std::size_t from) const
+    {
+        const std::size_t begin = m_scan.forward(from, [](wchar_t c) { return !isSpace(c) && c != L'+'; });
+        return begin == from && m_text.compare(from, 3, L"%20") == 0 ? from + 3 : begin;
+    }
+
+    // Token characters, and not the stop of the sentence.
+    std::wstring_view wordAt(std::size_t begin) const
+    {
+        std::size_t end = m_scan.behindWord(begin, [](wchar_t c) { return !isLetterOrDigit(c) && !isOneOf(c, L"-._~+/=%*"); });
+        while (end > begin && m_text[end - 1] == L'.')
+            --end;
+        return std::wstring_view(m_text).substr(begin, end - begin);
+    }
+
+    static constexpr std::wstring_view bearer = L"bearer";
+    static constexpr std::wstring_view basic = L"basic";
 
     const std::wstring& m_text;
+    Scan m_scan;
+    const SecretSearch& m_secrets;
     std::wstring m_out;
     std::size_t m_copied = 0;
     std::size_t m_at = 0;
     bool m_inAddress = false;
 };
 
-void maskAll(std::wstring& text, const std::wstring& secret)
-{
-    std::size_t found = secret.empty() ? std::wstring::npos : text.find(secret);
-    if (found == std::wstring::npos)
-        return;
-    std::wstring out;
-    std::size_t copied = 0;
-    for (; found != std::wstring::npos; found = text.find(secret, copied)) {
-        out.append(text, copied, found - copied);
-        out += maskText;
-        copied = found + secret.size();
-    }
-    out.append(text, copied, std::wstring::npos);
-    text = std::move(out);
-}
-
 } // namespace
+
+} // namespace orlo::redaction
+
+namespace orlo {
 
 std::wstring redact(std::wstring text, const std::vector<std::wstring>& secrets)
 {
-    // The longer first: one secret may be the head of another.
-    auto ordered = secrets;
-    std::stable_sort(ordered.begin(), ordered.end(), [](const auto& a, const auto& b) { return a.size() > b.size(); });
-    for (const std::wstring& secret : ordered)
-        maskAll(text, secret);
-    return Walk(text).run();
+    const redaction::SecretSearch search(secrets);
+    const std::wstring masked = search.mask(std::move(text));
+    return redaction::Walk(masked, search).run();
 }
 
 } // namespace orlo

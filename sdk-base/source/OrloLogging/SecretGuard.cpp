@@ -7,7 +7,6 @@ namespace orlo {
 
 namespace {
 
-constexpr std::size_t shortest = 4;
 constexpr std::size_t remembered = 16;
 
 struct State
@@ -27,7 +26,7 @@ State& state()
 
 void SecretGuard::protect(const std::wstring& secret)
 {
-    if (secret.size() < shortest)
+    if (secret.empty())
         return;
     const std::lock_guard<std::mutex> lock(state().mutex);
     auto& secrets = state().secrets;

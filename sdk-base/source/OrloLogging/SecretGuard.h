@@ -11,8 +11,8 @@ namespace orlo {
 class ORLO_LOGGING_API SecretGuard
 {
 public:
-    /// Masks `secret` in every later log line. Texts below four characters are ignored, since they would mangle ordinary lines.
-    /// The guard remembers the latest 16.   Threads: any.
+    /// Masks `secret` in every later log line, as redact() tells; an empty text is ignored. The guard remembers the latest 16.
+    /// Threads: any.
     static void protect(const std::wstring& secret);
 
     /// The texts in guard, the latest first.
