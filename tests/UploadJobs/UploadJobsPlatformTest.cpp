@@ -85,6 +85,35 @@ TEST_F(UploadJobsPlatform, anUploadBecomesADatasetWithItsBytes)
     EXPECT_THAT(copies(), IsEmpty());
 }
 
+TEST_F(UploadJobsPlatform, aRunThatStopCutsOffIsRepeatedByTheNextStart)
+{
+    platform::Fault stall;
+    stall.kind = platform::FaultKind::Delay;
+    stall.path = "/blobs/";
+    stall.prefix = true;
+    stall.delayMilliseconds = 60000;
+    const int fault = place.platform.addFault(stall);
+    JobManagerOptions impatient;
+    impatient.stopWithin = std::chrono::milliseconds(1);
+    ASSERT_TRUE(IJobManager::Start(impatient));
+    EXPECT_TRUE(Files::UploadFileByJob("p-1", L"f-1", localFile("plan.dwg", "bytes")));
+    ASSERT_TRUE(waitUntil([&] { return place.platform.faultCount(fault) == 1; }));
+    const std::shared_ptr<IJobEntity> job = IJobManager::Get()->GetJobs().at(0);
+    EXPECT_FALSE(IJobManager::Stop());
+    EXPECT_TRUE(log.has(L"W [ORLOSDK]jobs were cut off by the stop of the job manager; the next start runs them again"));
+    EXPECT_EQ(job->GetStatus(), JobState::Waiting);
+    EXPECT_EQ(std::dynamic_pointer_cast<UploadJobEntity>(job)->future().wait_for(std::chrono::seconds(0)), std::future_status::timeout)
+        << "a run that was cut off has no outcome";
+    EXPECT_THAT(rows(), SizeIs(1));
+    EXPECT_THAT(copies(), SizeIs(1));
+    start();
+    finish();
+    EXPECT_TRUE(place.holds("plan.dwg", "bytes"));
+    EXPECT_THAT(place.datasets("plan.dwg"), SizeIs(1));
+    EXPECT_THAT(rows(), IsEmpty());
+    EXPECT_THAT(copies(), IsEmpty());
+}
+
 TEST_F(UploadJobsPlatform, anUpdateBecomesAVersionOfTheDataset)
 {
     const std::string dataset = place.addDataset("plan.dwg");
