@@ -85,6 +85,7 @@ TEST_P(UploadJobExitIn, aRequestLosesNothing)
 {
     const auto& [way, request, moment] = GetParam();
     ChildProcess host(process());
+    ASSERT_EQ(host.ask("projects"), "yes"); // what the request has made goes after the job manager's
     Barrier barrier;
     gateway.watch(barrier.at(request, moment));
     ASSERT_EQ(host.ask(way.start), "yes");
