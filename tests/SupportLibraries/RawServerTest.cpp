@@ -1,5 +1,7 @@
 #include "support/RawServer.h"
 
+#include "support/Waiting.h"
+
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -58,6 +60,27 @@ TEST(RawServer, resetsOnConnectWithoutReading)
     EXPECT_EQ(server.requests().size(), 0u);
 }
 
+// The request may still be on its way when the reset comes: whichever call meets it first is the only one that is told.
+TEST(RawServer, aResetThatAWriteMetIsNotForgotten)
+{
+    const RawServer server(RawAnswer::resetOnConnect());
+    const auto connection = connectTo(server.port());
+    ASSERT_TRUE(waitUntil([&] { return !connection->write("x"); }));
+    std::string heard;
+    EXPECT_FALSE(connection->read(heard));
+    EXPECT_TRUE(connection->wasReset());
+    EXPECT_EQ(heard, "");
+}
+
+TEST(RawServer, whatWasWrittenComesBeforeTheReset)
+{
+    const std::string whole = rawOk(std::string(8 * 1024 * 1024, 'x'));
+    const RawServer server(RawAnswer::resetAfter(whole, whole.size() - 1));
+    const Heard heard = exchange(server.port(), plainGet);
+    EXPECT_EQ(heard.bytes.size(), whole.size() - 1);
+    EXPECT_EQ(heard.ending, Ending::reset);
+}
+
 TEST(RawServer, resetsInTheMiddleOfABody)
 {
     const std::string whole = rawOk("0123456789");
@@ -88,8 +111,7 @@ TEST(RawServer, stallsUntilItIsReleased)
     RawServer server(RawAnswer::stall(rawOk("late")));
     Heard heard;
     std::thread client([&] { heard = exchange(server.port(), plainGet); });
-    while (server.requests().empty())
-        std::this_thread::yield();
+    EXPECT_TRUE(waitUntil([&] { return !server.requests().empty(); }));
     server.release();
     client.join();
     EXPECT_EQ(heard.bytes, rawOk("late"));
@@ -103,8 +125,7 @@ TEST(RawServer, endsAStalledAnswerAtItsOwnEnd)
     {
         const RawServer server(RawAnswer::stall());
         client = std::thread([&heard, port = server.port()] { heard = exchange(port, plainGet); });
-        while (server.requests().empty())
-            std::this_thread::yield();
+        EXPECT_TRUE(waitUntil([&] { return !server.requests().empty(); }));
     }
     client.join();
     EXPECT_EQ(heard.bytes, "");

@@ -1,12 +1,17 @@
 #include "support/Sockets.h"
 
+#include "support/Waiting.h"
+
 #include <arpa/inet.h>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
+#include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
@@ -44,7 +49,8 @@ bool Connection::read(std::string& buffer)
     do {
         got = ::recv(m_descriptor, piece, sizeof piece, 0);
     } while (got < 0 && errno == EINTR);
-    m_wasReset = got < 0 && errno == ECONNRESET;
+    if (got < 0)
+        noteFailure();
     if (got <= 0)
         return false;
     buffer.append(piece, static_cast<std::size_t>(got));
@@ -57,6 +63,8 @@ bool Connection::write(std::string_view bytes)
         const ssize_t sent = ::send(m_descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (sent < 0 && errno == EINTR)
             continue;
+        if (sent < 0)
+            noteFailure();
         if (sent <= 0)
             return false;
         bytes.remove_prefix(static_cast<std::size_t>(sent));
@@ -64,8 +72,21 @@ bool Connection::write(std::string_view bytes)
     return true;
 }
 
+void Connection::noteFailure()
+{
+    m_wasReset = m_wasReset || errno == ECONNRESET;
+}
+
+bool Connection::isAllSent() const
+{
+    int unsent = 0;
+    return ::ioctl(m_descriptor, SIOCOUTQ, &unsent) != 0 || unsent == 0;
+}
+
 void Connection::reset()
 {
+    // A reset throws away what is on its way.
+    waitUntil([this] { return isAllSent(); }, std::chrono::seconds(2));
     const linger now{1, 0};
     ::setsockopt(m_descriptor, SOL_SOCKET, SO_LINGER, &now, sizeof now);
     close();
@@ -89,7 +110,11 @@ std::unique_ptr<Connection> connectTo(int port)
 {
     auto connection = std::make_unique<Connection>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     const sockaddr_in address = loopback(port);
-    if (::connect(connection->m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+    const bool isConnected = ::connect(connection->m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    if (!isConnected)
+        connection->noteFailure();
+    // A server may take the connection and reset it before this thread has its turn.
+    if (!isConnected && !connection->wasReset())
         throw std::runtime_error("can't connect to the loopback address");
     return connection;
 }

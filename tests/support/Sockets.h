@@ -25,18 +25,22 @@ public:
     /// Appends what came to `buffer`; waits for it.   Returns: false at the end or on a broken connection.
     bool read(std::string& buffer);
     bool write(std::string_view bytes);
-    /// Ends the connection with a reset instead of a close.
+    /// Ends the connection with a reset instead of a close. What was written reaches the peer before.
     void reset();
     void close();
     /// Wakes a thread that reads or writes; the descriptor stays.
     void interrupt();
-    /// Whether the peer ended the connection with a reset; known once read() has failed.
+    /// Whether the peer ended the connection with a reset; known once read() or write() has failed.
     bool wasReset() const { return m_wasReset; }
 
     std::string& pending() { return m_pending; } ///< bytes read but not used yet
 
 private:
     friend std::unique_ptr<Connection> connectTo(int port);
+
+    /// The system tells of a reset once only, to whichever call comes first.
+    void noteFailure();
+    bool isAllSent() const;
 
     std::mutex m_mutex;
     int m_descriptor;
