@@ -1,6 +1,8 @@
 #include "PlatformFixture.h"
 #include "RawExchange.h"
 
+#include <sstream>
+
 namespace orlo::platform::test {
 namespace {
 
@@ -78,12 +80,71 @@ TEST_F(Access, BadEscapesAndBadUtf8AreRefused)
     EXPECT_EQ(demo().get("/folder/byproject?projectId=%ff").status, 400);
 }
 
-TEST_F(Access, AMalformedRequestIsAnsweredAndClosed)
+TEST_F(Access, AMalformedRequestIsAnsweredInWordsAndClosed)
 {
-    const RawReply reply = exchange(platform.url(), "NONSENSE\r\n\r\n");
-    EXPECT_EQ(reply.status(), 400);
-    EXPECT_FALSE(reply.reset);
+    for (const char* request : {"NONSENSE\r\n\r\n", "BREW /projects HTTP/1.1\r\n\r\n", "GET /projects HTTP/3\r\n\r\n"}) {
+        const RawReply reply = exchange(platform.url(), request);
+        EXPECT_EQ(reply.status(), 400) << request;
+        EXPECT_THAT(reply.body(), IsJson(refusal(400))) << request;
+        EXPECT_FALSE(reply.reset) << request;
+    }
     EXPECT_EQ(demo().get("/projects").status, 200);
+}
+
+// A question mark is an ordinary character of a query.
+TEST_F(Access, AQueryMayHoldQuestionMarks)
+{
+    EXPECT_EQ(platform.addProject({"Tower", "demo-account", "p?1??"}), "p?1??");
+    EXPECT_EQ(jsonText(demo().get("/folder/byproject?projectId=p?1??").body, "0.projectId"), "p?1??");
+    EXPECT_EQ(jsonText(demo().get("/folder/byproject?projectId=p%3F1?%3F").body, "0.projectId"), "p?1??");
+    EXPECT_EQ(jsonText(demo().get("/v2/projects/p%3F1%3F%3F?a=?b").body, "data.id"), "p?1??");
+    EXPECT_EQ(platform.requestCount("GET", "/folder/byproject"), 2u);
+}
+
+TEST_F(Access, QuestionMarksInTwoRequestsOfOnePacketAreTheirOwn)
+{
+    const std::string request = "GET /resource/limit?a=?b?c HTTP/1.1\r\nX: ???\r\nAuthorization: Bearer demo-token\r\n";
+    const RawReply reply = exchange(platform.url(), request + "\r\n" + request + "Connection: close\r\n\r\n");
+    EXPECT_EQ(reply.status(), 200);
+    EXPECT_NE(reply.bytes.find("HTTP/1.1 200", 1), std::string::npos);
+    EXPECT_EQ(platform.requestCount("GET", "/resource/limit"), 2u);
+}
+
+// Nobody could tell where the body ends; waiting for more would hold the client up.
+TEST_F(Access, ABodyWithoutALengthIsRefusedAtOnce)
+{
+    for (const char* line : {"POST /v3/projects", "PUT /file/new?fileName=a&filepath=b", "PATCH /_control/transfers", "PUT /blobs/x",
+                             "POST /_control/users", "POST /nowhere"}) {
+        for (const char* header : {"", "Content-Length: x\r\n", "Transfer-Encoding: gzip\r\n"}) {
+            const RawReply reply =
+                exchange(platform.url(), line + std::string(" HTTP/1.1\r\nAuthorization: Bearer demo-token\r\n") + header + "\r\n{}");
+            EXPECT_EQ(reply.status(), 411) << line << " " << header;
+            EXPECT_THAT(reply.body(), IsJson(R"({"code":41100,"message":"the request needs a Content-Length","data":null})")) << line;
+            EXPECT_FALSE(reply.reset) << line;
+        }
+    }
+    EXPECT_EQ(demo().get("/projects").status, 200);
+}
+
+TEST_F(Access, ACallWithoutABodyNeedsNoLength)
+{
+    project("p1");
+    const std::string rest = " HTTP/1.1\r\nConnection: close\r\nAuthorization: Bearer demo-token\r\n\r\n";
+    EXPECT_EQ(exchange(platform.url(), "GET /v2/projects/p1" + rest).status(), 200);
+    EXPECT_EQ(exchange(platform.url(), "DELETE /v2/projects/p1" + rest).status(), 200);
+}
+
+TEST_F(Access, AChunkedBodyNeedsNoLength)
+{
+    const std::string body = R"({"name":"A","status":"Ongoing","id":"p1"})";
+    std::ostringstream size;
+    size << std::hex << body.size();
+    const RawReply reply =
+        exchange(platform.url(), "POST /v3/projects HTTP/1.1\r\nConnection: close\r\nAuthorization: Bearer demo-token\r\n"
+                                 "Transfer-Encoding: chunked\r\n\r\n" +
+                                     size.str() + "\r\n" + body + "\r\n0\r\n\r\n");
+    EXPECT_EQ(reply.status(), 200);
+    EXPECT_EQ(demo().get("/v2/projects/p1").status, 200);
 }
 
 TEST_F(Access, ALongPathIsHandled)

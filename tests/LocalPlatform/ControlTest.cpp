@@ -19,6 +19,60 @@ TEST_F(Control, RegistersUsers)
     EXPECT_EQ(control("users", R"({"userId":"u","accountId":"","accessToken":"t2"})").status, 400);
 }
 
+TEST_F(Control, RevokesTokens)
+{
+    EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token","revoked":true})").body, IsJson(kDone));
+    const Reply refused = demo().get("/projects");
+    EXPECT_EQ(refused.status, 401);
+    EXPECT_THAT(refused.body, IsJson(R"({"code":40100,"message":"the access token was revoked","data":null})"));
+    EXPECT_EQ(control("tokens", R"({"accessToken":"demo-token","revoked":false})").status, 200);
+    EXPECT_EQ(demo().get("/projects").status, 200);
+}
+
+TEST_F(Control, ExpiresTokensByThePlatformsClock)
+{
+    EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token","expiresIn":3600})").body, IsJson(kDone));
+    EXPECT_EQ(demo().get("/projects").status, 200);
+    platform.moveClock(3601);
+    const Reply refused = demo().get("/projects");
+    EXPECT_EQ(refused.status, 401);
+    EXPECT_THAT(refused.body, IsJson(R"({"code":40100,"message":"the access token has expired","data":null})"));
+    platform.moveClock(-3601);
+    EXPECT_EQ(demo().get("/projects").status, 200);
+    EXPECT_EQ(control("tokens", R"({"accessToken":"demo-token","expiresIn":0})").status, 200);
+    EXPECT_EQ(demo().get("/projects").status, 401);
+}
+
+TEST_F(Control, ATokenThatIsRegisteredAnewIsGoodAgain)
+{
+    EXPECT_EQ(control("tokens", R"({"accessToken":"demo-token","revoked":true,"expiresIn":-1})").status, 200);
+    EXPECT_EQ(demo().get("/projects").status, 401);
+    EXPECT_EQ(control("users", R"({"userId":"demo","accountId":"demo-account","accessToken":"demo-token"})").status, 200);
+    EXPECT_EQ(demo().get("/projects").status, 200);
+}
+
+TEST_F(Control, RefusesEndsOfTokensThatItCanNotPut)
+{
+    EXPECT_THAT(control("tokens", R"({"accessToken":"nobodys","revoked":true})").body, IsJson(refusal(404)));
+    EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token"})").body, IsJson(refusal(400)));
+    EXPECT_THAT(control("tokens", R"({"revoked":true})").body, IsJson(refusal(400)));
+    EXPECT_EQ(demo().get("/projects").status, 200);
+}
+
+TEST_F(Control, TellsOfEachKindOfFault)
+{
+    for (const char* kind : {"delay", "resetBeforeAnswer", "resetAfterBytes", "cutBody", "stall", "garbage"})
+        EXPECT_EQ(control("faults", std::string(R"({"path":"/x","kind":")") + kind + "\"}").status, 200) << kind;
+    const std::string listed = nobody().get("/_control/faults").body;
+    EXPECT_EQ(jsonText(listed, "data.0.kind"), "delay");
+    EXPECT_EQ(jsonText(listed, "data.1.kind"), "resetBeforeAnswer");
+    EXPECT_EQ(jsonText(listed, "data.2.kind"), "resetAfterBytes");
+    EXPECT_EQ(jsonText(listed, "data.3.kind"), "cutBody");
+    EXPECT_EQ(jsonText(listed, "data.4.kind"), "stall");
+    EXPECT_EQ(jsonText(listed, "data.5.kind"), "garbage");
+    EXPECT_EQ(listed.find("\"status\""), std::string::npos);
+}
+
 TEST_F(Control, SetsQuotas)
 {
     EXPECT_THAT(control("quota", R"({"accountId":"demo-account","projectNumber":3,"spaceSize":10})").body, IsJson(kDone));
@@ -88,8 +142,9 @@ TEST_F(Control, AddsCountsAndClearsFaults)
     EXPECT_THAT(control("faults", R"({"kind":"status","path":"/projects","method":"GET","status":429,"calls":2})").body,
                 IsJson(R"({"code":10000,"message":"OK","data":{"id":1}})"));
     EXPECT_EQ(demo().get("/projects").status, 429);
-    EXPECT_THAT(nobody().get("/_control/faults").body,
-                IsJson(R"({"code":10000,"message":"OK","data":[{"id":1,"path":"/projects","left":1,"struck":1}]})"));
+    EXPECT_THAT(
+        nobody().get("/_control/faults").body,
+        IsJson(R"({"code":10000,"message":"OK","data":[{"id":1,"kind":"status","status":429,"path":"/projects","left":1,"struck":1}]})"));
     EXPECT_THAT(nobody().del("/_control/faults").body, IsJson(kDone));
     EXPECT_EQ(demo().get("/projects").status, 200);
     EXPECT_EQ(control("faults", R"({"kind":"explode","path":"/projects"})").status, 400);

@@ -100,9 +100,16 @@ bool Connection::waitFor(short events, std::chrono::milliseconds timeout) const
     return ready > 0;
 }
 
+void Connection::beginRequest()
+{
+    m_inRequestLine = true;
+    m_inQuery = false;
+    m_escaped.clear();
+}
+
 bool Connection::is_readable() const
 {
-    return hasInput() || waitFor(POLLIN, kPatience);
+    return !m_escaped.empty() || hasInput() || waitFor(POLLIN, kPatience);
 }
 
 bool Connection::is_writable() const
@@ -122,6 +129,27 @@ ssize_t Connection::receive(char* data, std::size_t size)
 }
 
 ssize_t Connection::read(char* data, std::size_t size)
+{
+    return m_inRequestLine || !m_escaped.empty() ? readOfRequestLine(data) : readBuffered(data, size);
+}
+
+// A question mark may stand in a query, but the HTTP library doesn't understand an address with two of them.
+ssize_t Connection::readOfRequestLine(char* data)
+{
+    if (m_escaped.empty()) {
+        const ssize_t count = readBuffered(data, 1);
+        if (count <= 0)
+            return count;
+        m_escaped = *data == '?' && m_inQuery ? "%3F" : std::string(1, *data);
+        m_inQuery = m_inQuery || *data == '?';
+        m_inRequestLine = *data != '\n';
+    }
+    *data = m_escaped.front();
+    m_escaped.erase(0, 1);
+    return 1;
+}
+
+ssize_t Connection::readBuffered(char* data, std::size_t size)
 {
     if (!hasInput() && size >= m_buffer.size())
         return receive(data, size);

@@ -46,6 +46,9 @@ public:
 
     /// The connection can carry no further answer.
     bool broken() const { return m_broken; }
+    /// The next bytes are a request's.
+    void beginRequest();
+
     /// The next answer is the last one.
     void leave() { m_leaving = true; }
     bool leaving() const { return m_leaving; }
@@ -69,6 +72,9 @@ public:
     static Connection*& current();
 
 private:
+    /// A byte of the request line, as the HTTP library takes it.
+    ssize_t readOfRequestLine(char* data);
+    ssize_t readBuffered(char* data, std::size_t size);
     ssize_t receive(char* data, std::size_t size);
     bool sendAll(const char* data, std::size_t size);
     bool sendFilePart(int file, std::int64_t offset, std::size_t size);
@@ -91,6 +97,9 @@ private:
     std::array<char, 8192> m_buffer{};
     std::size_t m_from = 0;
     std::size_t m_to = 0;
+    bool m_inRequestLine = false;
+    bool m_inQuery = false;
+    std::string m_escaped; ///< What is still to be handed over of a byte of the request line.
 };
 
 } // namespace orlo::platform

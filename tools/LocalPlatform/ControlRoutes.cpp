@@ -34,6 +34,20 @@ Answer addUserCall(const Call& call, World& world)
     return done();
 }
 
+/// A token's end: now, by a revocation, or in so many seconds of the platform's clock.
+Answer changeTokenCall(const Call& call, World& world)
+{
+    const Body body(call.body);
+    const std::string token = body.filledText("accessToken");
+    if (!body.has("revoked") && !body.has("expiresIn"))
+        throw Refusal(400, "\"revoked\" or \"expiresIn\" is needed");
+    if (body.has("revoked"))
+        setRevoked(world, token, body.flagOr("revoked", false));
+    if (body.has("expiresIn"))
+        expireIn(world, token, body.integer("expiresIn"));
+    return done();
+}
+
 Answer setQuotaCall(const Call& call, World& world)
 {
     const Body body(call.body);
@@ -128,23 +142,6 @@ Answer addFontCall(const Call& call, World& world)
     return idAnswer(createFont(world, font));
 }
 
-FaultKind readKind(const std::string& text)
-{
-    static const std::map<std::string, FaultKind> kinds = {
-        {"delay", FaultKind::Delay},
-        {"status", FaultKind::Status},
-        {"resetBeforeAnswer", FaultKind::ResetBeforeAnswer},
-        {"resetAfterBytes", FaultKind::ResetAfterBytes},
-        {"cutBody", FaultKind::CutBody},
-        {"stall", FaultKind::Stall},
-        {"garbage", FaultKind::Garbage},
-    };
-    const auto found = kinds.find(text);
-    if (found == kinds.end())
-        throw Refusal(400, "unknown kind of fault: " + text);
-    return found->second;
-}
-
 int smallNumber(const Body& body, const std::string& key, int fallback)
 {
     return readNumber(std::to_string(body.integerOr(key, fallback)), key);
@@ -153,7 +150,7 @@ int smallNumber(const Body& body, const std::string& key, int fallback)
 Fault readFault(const Body& body)
 {
     Fault fault;
-    fault.kind = readKind(body.filledText("kind"));
+    fault.kind = faultKindOf(body.filledText("kind"));
     fault.path = body.filledText("path");
     fault.method = body.textOr("method", {});
     fault.prefix = body.flagOr("prefix", false);
@@ -225,6 +222,7 @@ void addControlRoutes(Router& router)
         router.add(method, "/_control/" + name, std::move(handler), Access::Control);
     };
     add("POST", "users", addUserCall);
+    add("POST", "tokens", changeTokenCall);
     add("POST", "quota", setQuotaCall);
     add("POST", "permissions", grantCall);
     add("POST", "projects", addProjectCall);

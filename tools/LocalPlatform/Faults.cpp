@@ -3,11 +3,28 @@
 #include "Json.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
 
 namespace orlo::platform {
 
 namespace {
+
+constexpr std::pair<FaultKind, const char*> kKinds[] = {
+    {FaultKind::Delay, "delay"},
+    {FaultKind::Status, "status"},
+    {FaultKind::ResetBeforeAnswer, "resetBeforeAnswer"},
+    {FaultKind::ResetAfterBytes, "resetAfterBytes"},
+    {FaultKind::CutBody, "cutBody"},
+    {FaultKind::Stall, "stall"},
+    {FaultKind::Garbage, "garbage"},
+};
+
+const char* textOf(FaultKind kind)
+{
+    return std::find_if(std::begin(kKinds), std::end(kKinds), [kind](const auto& row) { return row.first == kind; })->second;
+}
 
 void validate(const Fault& fault)
 {
@@ -34,6 +51,14 @@ void validateOfRequest(const Fault& fault)
 }
 
 } // namespace
+
+FaultKind faultKindOf(const std::string& text)
+{
+    const auto found = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const auto& row) { return row.second == text; });
+    if (found == std::end(kKinds))
+        throw std::invalid_argument("unknown kind of fault: " + text);
+    return found->first;
+}
 
 int FaultBook::add(const Fault& fault)
 {
@@ -84,7 +109,10 @@ std::string FaultBook::list() const
     std::string all;
     for (const auto& [id, entry] : m_entries) {
         json::Object object;
-        object.number("id", id).text("path", entry.fault.path).number("left", entry.left).number("struck", entry.struck);
+        object.number("id", id).text("kind", textOf(entry.fault.kind));
+        if (entry.fault.kind == FaultKind::Status)
+            object.number("status", entry.fault.status);
+        object.text("path", entry.fault.path).number("left", entry.left).number("struck", entry.struck);
         all += (all.empty() ? "" : ",") + object.str();
     }
     return "[" + all + "]";

@@ -9,6 +9,9 @@
 
 namespace orlo::platform {
 
+/// The kind as control calls write it. Throws `std::invalid_argument` for another text.
+FaultKind faultKindOf(const std::string& text);
+
 /// What befalls one call.
 struct Strike
 {
@@ -24,7 +27,7 @@ public:
     int add(const Fault& fault);
     Strike strike(const std::string& method, const std::string& path);
     int count(int id) const;
-    /// JSON array: id, path, left and struck of every fault.
+    /// JSON array: id, kind, path, left and struck of every fault, and the status of those that answer with one.
     std::string list() const;
     void clear();
 

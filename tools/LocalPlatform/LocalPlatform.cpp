@@ -50,6 +50,16 @@ void LocalPlatform::addUser(const User& user)
     m_core->change([&](World& world) { platform::addUser(world, user); });
 }
 
+void LocalPlatform::revokeToken(const std::string& accessToken)
+{
+    m_core->change([&](World& world) { setRevoked(world, accessToken, true); });
+}
+
+void LocalPlatform::expireTokenIn(const std::string& accessToken, std::int64_t seconds)
+{
+    m_core->change([&](World& world) { expireIn(world, accessToken, seconds); });
+}
+
 void LocalPlatform::setQuota(const std::string& accountId, int projectNumber, int spaceSize)
 {
     m_core->change([&](World& world) { platform::setQuota(world, accountId, projectNumber, spaceSize); });

@@ -135,8 +135,12 @@ public:
     /// "http://127.0.0.1:PORT", the base address of every service key. Empty before the first `start`.
     std::string url() const;
 
-    /// A token that is known already changes hands.
+    /// A token that is known already changes hands, and is good again.
     void addUser(const User& user);
+    /// The token gets the status 401 from now on.
+    void revokeToken(const std::string& accessToken);
+    /// In so many seconds of the platform's clock; 0 or less: at once.
+    void expireTokenIn(const std::string& accessToken, std::int64_t seconds);
     /// Limits of an organisation's account, as "/resource/limit" tells them; a further project than `projectNumber` is refused.
     void setQuota(const std::string& accountId, int projectNumber, int spaceSize);
     /// An account without limits ("data": null), which every account is at first.

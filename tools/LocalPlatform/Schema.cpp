@@ -168,7 +168,13 @@ CREATE TABLE translation (
 CREATE INDEX translationByDataset ON translation (dataSetId);
 )sql";
 
-constexpr std::array kSteps = {kFirstSchema, kFiles};
+// A token is good until it expires, in seconds of the platform's clock, or is revoked.
+constexpr const char* kTokenEnds = R"sql(
+ALTER TABLE user ADD COLUMN revoked INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE user ADD COLUMN expires INTEGER;
+)sql";
+
+constexpr std::array kSteps = {kFirstSchema, kFiles, kTokenEnds};
 
 } // namespace
 

@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <optional>
+#include <strings.h>
 
 namespace orlo::platform {
 
@@ -42,6 +43,28 @@ std::optional<std::uint64_t> contentLength(const httplib::Request& request)
     if (text.empty() || error != std::errc() || end != text.data() + text.size())
         return std::nullopt;
     return length;
+}
+
+/// Whether it can be told where the body ends, as far as the method has one.
+bool hasKnownEnd(const httplib::Request& request)
+{
+    const bool hasBody = request.method == "POST" || request.method == "PUT" || request.method == "PATCH";
+    return !hasBody || contentLength(request) || ::strcasecmp(request.get_header_value("Transfer-Encoding").c_str(), "chunked") == 0;
+}
+
+/// What the library answers by itself has no body.
+std::string wordsOf(int status)
+{
+    switch (status) {
+    case 404:
+        return "no such path";
+    case 413:
+        return "the body is too large";
+    case 414:
+        return "the address is too long";
+    default:
+        return "the request can't be read";
+    }
 }
 
 /// The library sends the head alone, the connection the file behind it.
@@ -134,6 +157,13 @@ Server::Server(Answering answering)
     const Handler handler = [this](const httplib::Request& request, httplib::Response& response) { handle(request, response, nullptr); };
     Get(kEverything, handler).Post(kEverything, handler).Put(kEverything, handler);
     Patch(kEverything, handler).Delete(kEverything, handler).Options(kEverything, handler);
+    set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        return hasKnownEnd(request) ? HandlerResponse::Unhandled : refuseLength(response);
+    });
+    set_error_handler([](const httplib::Request&, httplib::Response& response) {
+        if (response.body.empty())
+            send(refused(response.status, wordsOf(response.status)), response);
+    });
     set_keep_alive_max_count(1000000);
     set_keep_alive_timeout(60);
     set_payload_max_length(std::size_t{512} * 1024 * 1024);
@@ -168,6 +198,7 @@ bool Server::serve(Connection& connection)
     bool understood = false;
     bool closes = false;
     Connection::current() = &connection;
+    connection.beginRequest();
     const bool served = process_request(connection, false, closes, [&](httplib::Request&) { understood = true; });
     Connection::current() = nullptr;
     if (served)
@@ -218,13 +249,21 @@ void Server::handle(const httplib::Request& request, httplib::Response& response
     send(answer, response);
 }
 
+/// Where the body ends is not known, so nothing can follow it.
+Server::HandlerResponse Server::refuseLength(httplib::Response& response)
+{
+    Connection::current()->leave();
+    send(refused(411, "the request needs a Content-Length"), response);
+    return HandlerResponse::Handled;
+}
+
 void Server::handleUpload(const httplib::Request& request, httplib::Response& response)
 {
     Connection& connection = *Connection::current();
     const std::optional<std::uint64_t> length = contentLength(request);
     if (!length) {
-        connection.leave(); // where the body ends is not known
-        return send(refused(411, "an upload needs a Content-Length"), response);
+        refuseLength(response);
+        return;
     }
     RequestBody body(connection, *length);
     handle(request, response, &body);

@@ -30,6 +30,7 @@ public:
 
 private:
     bool serve(Connection& connection);
+    static HandlerResponse refuseLength(httplib::Response& response);
     void handleUpload(const httplib::Request& request, httplib::Response& response);
     void handle(const httplib::Request& request, httplib::Response& response, RequestBody* stream);
     Answer answerStruck(Call& call, const Strike& strike);
