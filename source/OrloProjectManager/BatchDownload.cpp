@@ -174,17 +174,17 @@ void DownloadBatchFilesHandler::stall(OrloCallbackContext& context)
 
 void DownloadBatchFilesHandler::finish(int status, const std::wstring& body, ErrorCode& error, bool succeeded)
 {
-    const CallSite here = ORLO_HERE("DownloadBatchFilesHandler::on_complete");
+    constexpr const char* onComplete = "DownloadBatchFilesHandler::on_complete";
     try {
         tellCaller(succeeded ? 200 : status, succeeded ? std::wstring() : body, error);
     }
     catch (...) {
-        return m_outcome->failAsCaught(here);
+        return m_outcome->failAsCaught(ORLO_HERE(onComplete));
     }
     if (!succeeded)
         log::error(L"failed to batch download files");
     m_outcome->settle(succeeded ? PromiseData(true, 200, L"success to batch download files") : PromiseData(false, status, body), error,
-                      here);
+                      ORLO_HERE(onComplete));
 }
 
 void DownloadBatchFilesHandler::tellCaller(int status, const std::wstring& body, ErrorCode& error) const

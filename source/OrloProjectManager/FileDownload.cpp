@@ -16,7 +16,7 @@ namespace orlo {
 
 namespace {
 
-const CallSite here = ORLO_HERE("DownloadFileHandler::on_complete");
+constexpr const char* onComplete = "DownloadFileHandler::on_complete";
 
 void download(const std::shared_ptr<TransferOutcome>& outcome, std::wstring localPath, FirstStep acquire)
 {
@@ -37,7 +37,7 @@ void DownloadFileHandler::on_complete(int status, const std::wstring& body, cons
                                       std::shared_ptr<OrloCallbackContext>, ErrorCode& error)
 {
     log::error(L"OrloWebService::GetFileAsync fails" + utils::toWstring(stepKey));
-    m_outcome->settle({false, status, body}, error, here);
+    m_outcome->settle({false, status, body}, error, ORLO_HERE(onComplete));
 }
 
 void DownloadFileHandler::on_complete(int status, const std::wstring& body, const std::vector<unsigned char>& data,
@@ -56,7 +56,7 @@ void DownloadFileHandler::on_complete(int status, const std::wstring& body, cons
         return;
     }
     const bool succeeded = m_authorityAcquired && m_fetched && m_written;
-    m_outcome->settle(succeeded ? PromiseData(true, 200, m_localPath) : PromiseData(false, status, body), error, here);
+    m_outcome->settle(succeeded ? PromiseData(true, 200, m_localPath) : PromiseData(false, status, body), error, ORLO_HERE(onComplete));
 }
 
 void DownloadFileHandler::takeAddress(const std::wstring& body, const std::string& stepKey)

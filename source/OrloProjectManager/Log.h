@@ -12,7 +12,9 @@ struct CallSite
     const char* function;
 };
 
-#define ORLO_HERE(function) (::orlo::CallSite{__FILE__, __LINE__, function})
+/// Made where the line is written, or where the operation is called that writes it. The name of the enclosing function keeps it out of
+/// file level, where its line would be that of a constant.
+#define ORLO_HERE(function) (static_cast<void>(__func__), ::orlo::CallSite{__FILE__, __LINE__, function})
 
 /// The tag of this library. It stands at the head of a message, or beside it where a position goes along.
 extern const wchar_t* const logTag;

@@ -127,12 +127,12 @@ std::wstring Project::CreateSpecialty(SpecialtyType type, const std::wstring& na
 
 bool Project::GetPermissionTypes(std::map<std::wstring, PermissionType>& out, ErrorCode& error)
 {
-    const CallSite site = ORLO_HERE("orlo::Project::GetPermissionTypes");
-    return CallFrame(site).runDirect(error, [&] {
+    constexpr const char* function = "orlo::Project::GetPermissionTypes";
+    return CallFrame(ORLO_HERE(function)).runDirect(error, [&] {
         const auto user = OrloWebService::GetCurrentUserInfo();
         web::json::value permissions;
         if (!OrloWebService::GetAuthorizationOfUserInProject(error, permissions, GetId(), user ? user->getAccountId() : std::wstring())) {
-            log::errorAt(site, L"GetPermissionTypes()未正常执行!");
+            log::errorAt(ORLO_HERE(function), L"GetPermissionTypes()未正常执行!");
             return false;
         }
         if (permissions.is_array()) {

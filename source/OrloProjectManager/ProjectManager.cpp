@@ -98,46 +98,46 @@ ICollaborationProjectManager* ICollaborationProjectManager::Get()
 
 ProjectPtr ProjectManager::CreateProject(const std::wstring& name, ProjectStatus status, ErrorCode& error)
 {
-    const CallSite site = ORLO_HERE("orlo::ProjectManager::CreateProject");
-    return CallFrame(site).run(error, [&] {
-        return createProject(site, projectNamed(name, status), DefaultSpaceConfig::add, defaultSpaceConfigOfProject, error);
+    constexpr const char* function = "orlo::ProjectManager::CreateProject";
+    return CallFrame(ORLO_HERE(function)).run(error, [&] {
+        return createProject(ORLO_HERE(function), projectNamed(name, status), DefaultSpaceConfig::add, defaultSpaceConfigOfProject, error);
     });
 }
 
 ProjectPtr ProjectManager::CreateProject(const std::wstring& name, ProjectStatus status, const std::wstring& templateId)
 {
-    const CallSite site = ORLO_HERE("orlo::ProjectManager::CreateProject");
-    return CallFrame(site).runAlone([&](ErrorCode& error) {
+    constexpr const char* function = "orlo::ProjectManager::CreateProject";
+    return CallFrame(ORLO_HERE(function)).runAlone([&](ErrorCode& error) {
         ORLOHTTPPayloadProject wanted = projectNamed(name, status);
         wanted.templateId = templateId;
-        return createProject(site, wanted, unlessFromTemplate(templateId), defaultSpaceConfigOfTestProject, error);
+        return createProject(ORLO_HERE(function), wanted, unlessFromTemplate(templateId), defaultSpaceConfigOfTestProject, error);
     });
 }
 
 ProjectPtr ProjectManager::CreateProjectById(const std::wstring& name, ProjectStatus status, const std::wstring& projectId,
                                              ErrorCode& error)
 {
-    const CallSite site = ORLO_HERE("orlo::ProjectManager::CreateProjectById");
-    return CallFrame(site).run(error, [&]() -> ProjectPtr {
+    constexpr const char* function = "orlo::ProjectManager::CreateProjectById";
+    return CallFrame(ORLO_HERE(function)).run(error, [&]() -> ProjectPtr {
         if (!isGuid(projectId))
             return nullptr;
         ORLOHTTPPayloadProject wanted = projectNamed(name, status);
         wanted.id = projectId;
-        return createProject(site, wanted, DefaultSpaceConfig::add, defaultSpaceConfigOfTestProject, error);
+        return createProject(ORLO_HERE(function), wanted, DefaultSpaceConfig::add, defaultSpaceConfigOfTestProject, error);
     });
 }
 
 ProjectPtr ProjectManager::CreateProjectById(const std::wstring& name, ProjectStatus status, const std::wstring& projectId,
                                              const std::wstring& templateId)
 {
-    const CallSite site = ORLO_HERE("orlo::ProjectManager::CreateProjectById");
-    return CallFrame(site).runAlone([&](ErrorCode& error) -> ProjectPtr {
+    constexpr const char* function = "orlo::ProjectManager::CreateProjectById";
+    return CallFrame(ORLO_HERE(function)).runAlone([&](ErrorCode& error) -> ProjectPtr {
         if (!isGuid(projectId))
             return nullptr;
         ORLOHTTPPayloadProject wanted = projectNamed(name, status);
         wanted.id = projectId;
         wanted.templateId = templateId;
-        return createProject(site, wanted, unlessFromTemplate(templateId), defaultSpaceConfigOfTestProject, error);
+        return createProject(ORLO_HERE(function), wanted, unlessFromTemplate(templateId), defaultSpaceConfigOfTestProject, error);
     });
 }
 

@@ -5,6 +5,8 @@
 #include "NetworkProject/ConfigWeb.h"
 #include "NetworkProject/FieldReaders.h"
 
+#include <cmath>
+#include <limits>
 #include <utility>
 
 namespace orlo {
@@ -67,6 +69,15 @@ Field requiredField(const value& object, const Key& key)
     return field;
 }
 
+/// Also written with a fraction of zeros, as some writers of JSON do.
+int requiredWholeNumber(const value& object, const wchar_t* key)
+{
+    const auto number = requiredField<double>(object, key);
+    if (number != std::trunc(number) || number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max())
+        throw web::json::json_exception("not a whole number of 32 bits");
+    return static_cast<int>(number);
+}
+
 Items readItems(const value& array);
 
 std::shared_ptr<ISpaceConfigItem> readItem(const value& node)
@@ -123,7 +134,7 @@ Items readDocument(const value& document)
 std::shared_ptr<ISpaceConfig> parseSpaceConfig(const value& answer)
 {
     auto scopeEntityId = requiredField<std::wstring>(answer, L"scopeEntityId");
-    const int version = requiredField<int>(answer, L"version");
+    const int version = requiredWholeNumber(answer, L"version");
     const value& configValue = required(answer, L"configValue");
     return std::make_shared<SpaceConfig>(version, std::move(scopeEntityId), readDocument(value::parse(configValue.as_string())));
 }

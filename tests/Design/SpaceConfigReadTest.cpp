@@ -99,6 +99,26 @@ TEST_F(SpaceConfigReadTest, keepsTheVersionThatWasAnswered)
         EXPECT_EQ(parseSpaceConfig(answerWith(documentOf(""), version))->GetVersion(), version);
 }
 
+std::shared_ptr<ISpaceConfig> ofVersion(const std::string& version)
+{
+    return parseSpaceConfig(
+        parsed(R"({"scopeEntityId":"p-1","configValue":"{\"schemaVersion\":1,\"data\":[]}","version":)" + version + "}"));
+}
+
+TEST_F(SpaceConfigReadTest, aVersionMayBeWrittenWithAFractionOfZeros)
+{
+    EXPECT_EQ(ofVersion("3.0")->GetVersion(), 3);
+    EXPECT_EQ(ofVersion("-3.000")->GetVersion(), -3);
+    EXPECT_EQ(ofVersion("3e2")->GetVersion(), 300);
+    EXPECT_EQ(ofVersion("2147483647.0")->GetVersion(), 2147483647);
+}
+
+TEST_F(SpaceConfigReadTest, aVersionThatIsNoWholeNumberOf32BitsThrows)
+{
+    for (const char* version : {"3.5", "-0.1", "2147483648", "2147483648.0", "-2147483649", "18446744073709551615", "1e999", "-1e999"})
+        EXPECT_THROW(ofVersion(version), json_exception) << version;
+}
+
 TEST_F(SpaceConfigReadTest, aDocumentWithoutASchemaVersionHasNoItems)
 {
     const Lines line{L"E [ORLOSDK]Invalid space config data: no schema version"};

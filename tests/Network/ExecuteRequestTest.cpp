@@ -51,6 +51,24 @@ TEST_F(ExecuteRequestTest, givesStatusHeadersAndBytesOfTheAnswer)
     EXPECT_TRUE(error.isClear());
 }
 
+TEST_F(ExecuteRequestTest, theMessageOfAnErrorIsReadInTheCharsetOfTheAnswer)
+{
+    answerTo(500, "caf\xE9", "text/plain; charset=iso-8859-1");
+    expectHttpError(500, L"café");
+    answerTo(500, std::string("\xFE\xFF\x56\xFE\0!", 6), "text/html; charset=utf-16");
+    expectHttpError(500, L"图!");
+    answerTo(500, std::string("\x3D\xD8\0\xDE\x3D\xD8", 6), "text/plain; charset=utf-16le");
+    expectHttpError(500, L"\U0001F600\xFFFD");
+}
+
+TEST_F(ExecuteRequestTest, theMessageOfAnErrorIsUtf8WhereNoKnownCharsetIsNamed)
+{
+    for (const char* type : {"text/plain", "application/json", "text/html; charset=windows-1252", "text/plain; charset=us-ascii"}) {
+        answerTo(500, "é \xE9", type);
+        expectHttpError(500, L"é \xFFFD");
+    }
+}
+
 TEST_F(ExecuteRequestTest, aStatusBelow400LeavesTheErrorCodeAlone)
 {
     for (const int status : {201, 204, 302, 304}) {

@@ -107,11 +107,21 @@ TEST(ParseErrorBodyTest, anEnvelopeWithoutWordsHasNone)
 
 TEST(ParseErrorBodyTest, leavesTheMessageAloneWhereThereIsNoEnvelope)
 {
-    for (const wchar_t* body : {L"", L"Bad Gateway", L"[1]", L"null", L"{\"code\":\"20004\",\"message\":\"m\"}", L"{\"message\":\"m\"}",
+    for (const wchar_t* body : {L"", L"Bad Gateway", L"[1]", L"null", L"{\"code\":\"20004\",\"message\":7}", L"{\"message\":null}",
                                 L"{\"code\":1.5}", L"{\"code\":20004"}) {
         const HttpMessage message = messageFrom(body);
         EXPECT_EQ(message.code, -7) << body;
         EXPECT_EQ(message.message, L"as it was") << body;
+    }
+}
+
+TEST(ParseErrorBodyTest, wordsAreReadWithoutACodeToo)
+{
+    for (const wchar_t* body : {L"{\"message\":\"修订号冲突\"}", L"{\"code\":\"20004\",\"message\":\"修订号冲突\"}",
+                                L"{\"code\":null,\"message\":\"修订号冲突\"}", L"{\"code\":1.5,\"message\":\"修订号冲突\"}"}) {
+        const HttpMessage message = messageFrom(body);
+        EXPECT_EQ(message.code, -7) << body;
+        EXPECT_EQ(message.message, L"修订号冲突") << body;
     }
 }
 

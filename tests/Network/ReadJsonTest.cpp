@@ -71,6 +71,71 @@ TEST(ReadJsonTest, refusesBytesThatAreNoUtf8)
         EXPECT_THROW(jsonOf(body), json_exception);
 }
 
+/// The text in UTF-16, as an answer's bytes.
+std::string utf16(const std::u16string& text, bool highByteFirst)
+{
+    std::string bytes;
+    for (const char16_t unit : text) {
+        const char high = static_cast<char>(unit >> 8);
+        const char low = static_cast<char>(unit & 0xFF);
+        bytes += highByteFirst ? high : low;
+        bytes += highByteFirst ? low : high;
+    }
+    return bytes;
+}
+
+TEST(ReadJsonTest, readsLatin1WhereTheCharsetNamesIt)
+{
+    for (const char* charset : {"iso-8859-1", "ISO-8859-1", "\"iso-8859-1\"", " iso-8859-1 ;", "latin1"}) {
+        const value json = jsonOf("[\"caf\xE9 \xC3\xA9\"]", std::string("application/json; charset=") + charset);
+        EXPECT_EQ(json.at(0).as_string(), "café Ã©") << charset;
+    }
+}
+
+TEST(ReadJsonTest, readsUtf16ByItsMarkOrHighByteFirst)
+{
+    const std::u16string text = u"[\"é图😀\"]";
+    const std::string type = "application/json; charset=utf-16";
+    EXPECT_EQ(jsonOf(utf16(text, true), type).at(0).as_string(), "é图😀");
+    EXPECT_EQ(jsonOf(utf16(u"\xFEFF" + text, true), type).at(0).as_string(), "é图😀");
+    EXPECT_EQ(jsonOf(utf16(u"\xFEFF" + text, false), type).at(0).as_string(), "é图😀");
+    EXPECT_THROW(jsonOf(utf16(text, false), type), json_exception);
+}
+
+TEST(ReadJsonTest, readsUtf16OfANamedOrderWithoutAMark)
+{
+    const std::u16string text = u"[\"é图😀\"]";
+    EXPECT_EQ(jsonOf(utf16(text, true), "application/json;charset=UTF-16BE").at(0).as_string(), "é图😀");
+    EXPECT_EQ(jsonOf(utf16(text, false), "application/json;charset=utf-16le").at(0).as_string(), "é图😀");
+    EXPECT_THROW(jsonOf(utf16(u"\xFEFF" + text, false), "application/json;charset=utf-16le"), json_exception);
+    EXPECT_THROW(jsonOf(utf16(text, false), "application/json;charset=utf-16be"), json_exception);
+}
+
+TEST(ReadJsonTest, refusesWhatIsNoUtf16)
+{
+    const std::string type = "application/json; charset=utf-16be";
+    EXPECT_THROW(jsonOf(utf16({u'[', u'"', 0xD83D, u'"', u']'}, true), type), json_exception);
+    EXPECT_THROW(jsonOf(utf16({u'[', u'"', 0xDE00, u'"', u']'}, true), type), json_exception);
+    EXPECT_THROW(jsonOf(utf16({u'[', u'"', 0xD83D}, true), type), json_exception);
+    EXPECT_THROW(jsonOf(utf16(u"[1]", true) + " ", type), json_exception) << "half a unit";
+    EXPECT_THROW(jsonOf("[", type), json_exception);
+}
+
+TEST(ReadJsonTest, readsUtf8UnderItsOtherNames)
+{
+    for (const char* parameters : {"; charset=us-ascii", "; charset=ascii", "; charset=utf8", "; charset=utf-8; q=1",
+                                   "; q=1; charset=utf-8", "; charset=", "; charset", ";", "; xcharset=utf-16"})
+        EXPECT_EQ(jsonOf("[\"é\"]", std::string("application/json") + parameters).at(0).as_string(), "é") << parameters;
+    EXPECT_THROW(jsonOf("[\"\xE9\"]", "application/json; charset=us-ascii"), json_exception);
+}
+
+TEST(ReadJsonTest, refusesACharsetThatItDoesNotKnow)
+{
+    for (const char* charset : {"windows-1252", "utf-7", "utf-32", "gb18030", "'utf-8'", "\"utf-8", "x"})
+        EXPECT_THROW(jsonOf("[1]", std::string("application/json; charset=") + charset), web::http::http_exception) << charset;
+    EXPECT_TRUE(jsonOf("", "application/json; charset=x").is_null());
+}
+
 TEST(ReadJsonTest, refusesABodyThatIsNestedWithoutEnd)
 {
     EXPECT_THROW(jsonOf(std::string(100000, '[') + std::string(100000, ']')), json_exception);

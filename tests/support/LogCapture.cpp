@@ -3,6 +3,8 @@
 #include <BaseCommon/Text.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <utility>
 
@@ -13,6 +15,15 @@ std::wstring LogEntry::text() const
     if (level == L'@')
         return L"E@" + utils::toWstring(function) + L' ' + message;
     return std::wstring(1, level) + L' ' + message;
+}
+
+std::string LogEntry::sourceLine() const
+{
+    std::ifstream file(std::filesystem::path(ORLO_SOURCE_TREE) / source);
+    std::string text;
+    for (int at = 0; at < line && file; ++at)
+        std::getline(file, text);
+    return file ? text : std::string();
 }
 
 class LogCapture::Recorder : public ILogManager

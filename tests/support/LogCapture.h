@@ -19,6 +19,8 @@ struct LogEntry
 
     /// The whole line: L"I message", L"W message", L"E message", or L"E@function message".
     std::wstring text() const;
+    /// The line of the source tree that it names; empty if there is none.
+    std::string sourceLine() const;
 };
 
 /// Records what the libraries log while it lives; the default logger is back at the end.

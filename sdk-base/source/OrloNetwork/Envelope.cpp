@@ -37,11 +37,15 @@ namespace http {
 void ParseErrorBody(HttpMessage& message, const std::wstring& body)
 {
     try {
+        const web::json::value envelope = web::json::value::parse(utils::toNative(body));
         ORLOHTTPGenericResponse response;
-        if (!OrloPayloadProcessor::ParseORLOHTTPGenericResponse(web::json::value::parse(utils::toNative(body)), response))
-            return;
-        message.code = response.code;
-        message.message = response.message;
+        if (OrloPayloadProcessor::ParseORLOHTTPGenericResponse(envelope, response)) {
+            message.code = response.code;
+            message.message = response.message;
+        }
+        else if (envelope.has_string_field(key("message"))) { // words are worth telling without a code, too
+            message.message = utils::fromNative(envelope.at(key("message")).as_string());
+        }
     }
     catch (const std::exception&) { // a body that is no JSON says nothing that could be read
     }

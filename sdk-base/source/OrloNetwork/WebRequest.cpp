@@ -1,6 +1,7 @@
 #include "WebRequest.h"
 
 #include "CertificateStore.h"
+#include "Charset.h"
 #include "Operation.h"
 #include "SinkBuffer.h"
 #include "WorkPermit.h"
@@ -122,7 +123,7 @@ http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_req
     response.content_ready().get();
 
     if (response.status_code() >= 400)
-        errorCode.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", utils::toWstring(*body), response.status_code(), 0));
+        errorCode.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", TextOf(response, *body), response.status_code(), 0));
     // An answer that names no content type is taken for JSON; the type given here fills that gap only.
     response.set_body(std::move(*body), "application/json");
     return response;
@@ -147,9 +148,22 @@ web::json::value ReadJson(const http_response& response)
         return web::json::value::null();
     if (!isJsonType(response.headers().content_type()))
         throw web::http::http_exception(utility::string_t(utils::toNative(std::string("Incorrect Content-Type: must be JSON"))));
-    if (!utils::isValidUtf8(body))
-        throw web::json::json_exception("the answer is not valid UTF-8");
-    return web::json::value::parse(utils::toNative(body));
+    const http::Charset charset = http::charsetOf(response.headers().content_type());
+    std::string text;
+    const http::Decoding decoding = http::toUtf8(charset, body, text);
+    if (decoding == http::Decoding::unknownCharset)
+        throw web::http::http_exception(utility::string_t(utils::toNative(std::string("the answer's charset is unknown"))));
+    if (decoding == http::Decoding::invalid)
+        throw web::json::json_exception(charset == http::Charset::utf8 ? "the answer is not valid UTF-8"
+                                                                       : "the answer is not valid UTF-16");
+    return web::json::value::parse(utils::toNative(text));
+}
+
+std::wstring TextOf(const http_response& response, const std::string& body)
+{
+    std::string text;
+    const auto decoding = http::toUtf8(http::charsetOf(response.headers().content_type()), body, text);
+    return utils::toWstring(decoding == http::Decoding::unknownCharset ? body : text);
 }
 
 bool IsMarkedSuccess(const web::json::value& envelope)

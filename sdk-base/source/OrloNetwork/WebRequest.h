@@ -55,9 +55,14 @@ ORLO_NETWORK_API web::http::http_response ExecuteRequest(web::http::client::http
 /// The bytes of an answer that ExecuteRequest returned.
 ORLO_NETWORK_API std::string ReadBody(const web::http::http_response& response);
 
-/// The answer's body as JSON; null for an empty one. Throws http_exception for a content type that is not JSON's, and
-/// json_exception for a body that doesn't parse, isn't UTF-8 or nests deeper than cpprestsdk reads.
+/// The answer's body as JSON; null for an empty one. Throws http_exception for a content type that is not JSON's or names an unknown
+/// charset, and json_exception for a body that doesn't parse, isn't valid in its charset or nests deeper than cpprestsdk reads.
+/// Without a charset the body is UTF-8; UTF-16 without a byte order mark has the high byte first.
 ORLO_NETWORK_API web::json::value ReadJson(const web::http::http_response& response);
+
+/// A body of the answer as text: in the charset that its content type names, or in UTF-8 where it names none, or one that isn't known.
+/// What isn't valid there reads as U+FFFD.
+ORLO_NETWORK_API std::wstring TextOf(const web::http::http_response& response, const std::string& body);
 
 /// True when the status is 200 and the envelope's integer "code" is 10000; `data` then holds the member "data".
 ORLO_NETWORK_API bool ExtractSuccData(const web::http::http_response& response, web::json::value& data);

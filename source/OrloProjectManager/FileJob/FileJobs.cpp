@@ -57,16 +57,16 @@ Datasets failedListing(const CallSite& site, const wchar_t* words)
 
 Datasets GetFileInfoInFolder(const std::string& projectId, const std::wstring& folderId)
 {
-    const CallSite site = ORLO_HERE("orlo::CollaborationFileManager::GetFileInfoInFolder");
+    constexpr const char* function = "orlo::CollaborationFileManager::GetFileInfoInFolder";
     const auto project = ICollaborationProject::Load(utils::toWstring(projectId));
     if (!project)
-        return failedListing(site, L"currentProject is empty");
+        return failedListing(ORLO_HERE(function), L"currentProject is empty");
     const auto folders = project->GetFolders();
     if (folders.empty())
-        return failedListing(site, L"get folder fail");
+        return failedListing(ORLO_HERE(function), L"get folder fail");
     const ICollaborationFolder* const folder =
         findFolder(rawPointers(folders), [&](const ICollaborationFolder& candidate) { return candidate.GetId() == folderId; });
-    return folder ? folder->GetDatasets() : failedListing(site, L"can not find folder in web");
+    return folder ? folder->GetDatasets() : failedListing(ORLO_HERE(function), L"can not find folder in web");
 }
 
 /// The first dataset with that very name; null if there is none.
@@ -123,18 +123,18 @@ bool ICollaborationFileManager::UploadFileByJob(const std::string& projectId, co
 bool ICollaborationFileManager::UploadFileByJob(const std::string& projectId, const std::wstring& folderId, const std::wstring& path,
                                                 const std::wstring& fileName)
 {
-    const CallSite site = ORLO_HERE("orlo::ICollaborationFileManager::UploadFileByJob");
-    return CallFrame(site).runAlone([&](ErrorCode&) {
-        return submit(site, {projectId, folderId, std::string(), -1}, path, fileName, std::string());
+    constexpr const char* function = "orlo::ICollaborationFileManager::UploadFileByJob";
+    return CallFrame(ORLO_HERE(function)).runAlone([&](ErrorCode&) {
+        return submit(ORLO_HERE(function), {projectId, folderId, std::string(), -1}, path, fileName, std::string());
     });
 }
 
 bool ICollaborationFileManager::UpdateFileByJob(const std::string& projectId, const std::wstring& folderId, const std::wstring& fileId,
                                                 const std::wstring& path)
 {
-    const CallSite site = ORLO_HERE("orlo::ICollaborationFileManager::UpdateFileByJob");
-    return CallFrame(site).runAlone([&](ErrorCode&) {
-        return submit(site, {projectId, folderId, std::string(), -1}, path, std::wstring(), utils::toString(fileId));
+    constexpr const char* function = "orlo::ICollaborationFileManager::UpdateFileByJob";
+    return CallFrame(ORLO_HERE(function)).runAlone([&](ErrorCode&) {
+        return submit(ORLO_HERE(function), {projectId, folderId, std::string(), -1}, path, std::wstring(), utils::toString(fileId));
     });
 }
 
@@ -147,10 +147,10 @@ bool ICollaborationFileManager::UploadFilesByJob(const std::string& projectId, c
 bool ICollaborationFileManager::UploadFilesWithDsByJob(const std::string& projectId, const std::wstring& folderId,
                                                        const std::vector<std::wstring>& paths, const std::string& dsId, int dsVersion)
 {
-    const CallSite site = ORLO_HERE("orlo::ICollaborationFileManager::UploadFilesWithDsByJob");
-    return CallFrame(site).runAlone([&](ErrorCode&) {
+    constexpr const char* function = "orlo::ICollaborationFileManager::UploadFilesWithDsByJob";
+    return CallFrame(ORLO_HERE(function)).runAlone([&](ErrorCode&) {
         if (paths.empty()) {
-            log::errorAt(site, L"fileList is empty");
+            log::errorAt(ORLO_HERE(function), L"fileList is empty");
             return false;
         }
         const Datasets datasets = GetFileInfoInFolder(projectId, folderId);
@@ -158,7 +158,7 @@ bool ICollaborationFileManager::UploadFilesWithDsByJob(const std::string& projec
         for (const std::wstring& path : paths) {
             const std::wstring name = FilePath(path).GetFileName();
             const DatasetInfo* const found = findByName(datasets, name);
-            if (!submit(site, target, path, name, found ? found->id : std::string()))
+            if (!submit(ORLO_HERE(function), target, path, name, found ? found->id : std::string()))
                 return false;
         }
         return true;

@@ -13,11 +13,9 @@ namespace orlo {
 
 namespace {
 
-const CallSite here = ORLO_HERE("orlo::CopyFileToTempPath");
-
-bool failed(const wchar_t* words)
+bool failed(const CallSite& site, const wchar_t* words)
 {
-    log::errorAt(here, words);
+    log::errorAt(site, words);
     return false;
 }
 
@@ -38,14 +36,15 @@ bool makeFolder(const std::wstring& path)
 
 bool CopyFileToTempPath(const std::wstring& path, const std::string& projectId, const std::wstring& fileName, std::wstring& copy)
 {
+    constexpr const char* function = "orlo::CopyFileToTempPath";
     constexpr const wchar_t* noFolder = L"创建文件路径失败";
     const std::wstring copies = utils::getLocalDbCachePath();
     const std::wstring root = FilePath::Combine(copies, utils::toWstring(projectId));
     if (!isPlaceOfCopies(copies, root) || !makeFolder(root))
-        return failed(noFolder);
+        return failed(ORLO_HERE(function), noFolder);
     const std::wstring folder = FilePath::Combine(root, utils::toWstring(uuid::newUUIDV4()));
     if (!utils::createDirectory(folder))
-        return failed(noFolder);
+        return failed(ORLO_HERE(function), noFolder);
     const std::wstring target = FilePath::Combine(folder, fileName.empty() ? utils::getFileName(path) : fileName);
     // A name that points out of its folder would let one job's copy fall on another's.
     if (FilePath(target).GetDirectoryName() != folder || !utils::isPlaceInside(folder, target) || !utils::copyFile(path, target)) {

@@ -91,7 +91,7 @@ const web::json::value* WebAnswer::findData()
 
 std::wstring WebAnswer::text() const
 {
-    return utils::toWstring(OrloWebService::ReadBody(m_response));
+    return OrloWebService::TextOf(m_response, OrloWebService::ReadBody(m_response));
 }
 
 void WebAnswer::complain(const std::wstring& words)
