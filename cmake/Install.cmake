@@ -13,7 +13,8 @@ install(TARGETS OrloProjectManager ${ORLO_SUPPORT_LIBRARIES} EXPORT OrloProjectM
 install(DIRECTORY include/OrloProjectManager DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 foreach(library BaseCommon OrloCommon OrloLogging OrloAuth OrloJobManager)
     install(DIRECTORY sdk-base/source/${library} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h" PATTERN Platform.h EXCLUDE)
+        FILES_MATCHING PATTERN "*.h" PATTERN Platform.h EXCLUDE PATTERN LivingProcesses.h EXCLUDE
+        PATTERN StrayFiles.h EXCLUDE)
 endforeach()
 # The rest of the network library speaks in the types of cpprestsdk, which a host never meets.
 install(FILES sdk-base/source/OrloNetwork/NetworkCommon.h sdk-base/source/OrloNetwork/Export.h

@@ -1,5 +1,6 @@
 #include "FileDownload.h"
 
+#include "LocalFiles.h"
 #include "NetworkProject/FieldReaders.h"
 #include "NetworkProject/FieldText.h"
 #include "NetworkProject/StreamWeb.h"
@@ -22,6 +23,7 @@ void download(const std::shared_ptr<TransferOutcome>& outcome, std::wstring loca
 {
     if (utils::holdsNul(localPath))
         return outcome->refuse(L"invalid file path");
+    prepareLocalFiles();
     if (localPath.empty())
         utils::GenerateNewFile(localPath);
     startChain(std::make_shared<DownloadFileHandler>(outcome, std::move(localPath)), std::move(acquire));

@@ -104,6 +104,29 @@ TEST_F(TransferLifetimeTest, aStreamThatIsKilledLeavesNoFileUnderTheTargetsName)
     EXPECT_EQ(filesBelow(root.path("Files")), std::vector<std::string>{});
 }
 
+TEST_F(TransferLifetimeTest, whatAKilledStreamLeavesIsRemovedByTheFirstTransferOfTheNextProcess)
+{
+    const HalfFile half;
+    for (const std::string& address : {half.url(), half.url(), store.url(), store.url()})
+        platform.expect("POST", "/datasets/ds-1/blockFiles/readSAS").anyBody().reply(200, batchReply({{"blocks/a", address + "/a"}}));
+    ChildProcess living(program, {"batch", platform.url(), root.path().string()});
+    const auto leftBehind = [this] { return filesBelow(root.path("Temp")).size(); };
+    ASSERT_TRUE(waitUntil([&] { return leftBehind() == 1; }));
+    ChildProcess killed(program, {"batch", platform.url(), root.path().string()});
+    ASSERT_TRUE(waitUntil([&] { return leftBehind() == 2; }));
+    killed.kill();
+    killed.wait();
+    store.always("GET", "/a").reply(fileReply("content"));
+    // As long as a process lives that began before, it may be its.
+    EXPECT_EQ(exitOf("batch"), 0);
+    EXPECT_EQ(leftBehind(), 2U);
+    living.kill();
+    living.wait();
+    EXPECT_EQ(exitOf("batch"), 0);
+    EXPECT_EQ(leftBehind(), 0U);
+    EXPECT_EQ(filesBelow(root.path()), std::vector<std::string>{"Files/ds-1/blocks/a"});
+}
+
 TEST_F(TransferLifetimeTest, aDownloadThatIsKilledLeavesNoFileUnderTheTargetsName)
 {
     const HalfFile half;

@@ -104,7 +104,7 @@ std::vector<std::string> filesBelow(const fs::path& folder)
     std::vector<std::string> files;
     std::error_code error;
     for (fs::recursive_directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
-        if (at->is_regular_file())
+        if (at->is_regular_file() && at->path().extension() != ".alive")
             files.push_back(at->path().lexically_relative(folder).u8string());
     }
     std::sort(files.begin(), files.end());

@@ -29,7 +29,7 @@ std::string gunzip(const std::string& compressed);
 /// An answer with the bytes of a file.
 Reply fileReply(const std::string& bytes, const std::string& encoding = {});
 
-/// The regular files below a folder, as paths relative to it, sorted.
+/// The regular files below a folder, as paths relative to it, sorted; less the marks of living processes.
 std::vector<std::string> filesBelow(const std::filesystem::path& folder);
 
 /// One entry of a batch authority's answer.

@@ -2,6 +2,7 @@
 #include "UploadJobs/PlatformHost.h"
 #include "UploadJobs/UploadJobsTest.h"
 
+#include <BaseCommon/LocalFolders.h>
 #include <OrloJobManager/IJobManager.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
@@ -157,6 +158,17 @@ TEST_F(UploadJobsPlatform, aRowWhoseCopyHasANulInItsPathFailsAndHarmsNobody)
     EXPECT_THAT(rows(), IsEmpty());
     EXPECT_TRUE(place.contents().empty());
     EXPECT_EQ(readFile(place.host.folder().path("Local/victim")), "untouched");
+}
+
+TEST_F(UploadJobsPlatform, aLocalRootWithANulTakesNoJobs)
+{
+    const std::wstring file = localFile("plan.dwg", "bytes");
+    utils::setLocalRoot(place.host.folder().wide() + std::wstring(L"\0/x", 3));
+    EXPECT_FALSE(IJobManager::Start({}));
+    EXPECT_FALSE(Files::UploadFileByJob("p-1", L"f-1", file));
+    EXPECT_FALSE(UploadFileJobEntity().save());
+    utils::setLocalRoot(place.host.folder().wide());
+    EXPECT_EQ(filesBelow(place.host.folder().path()), std::vector<std::string>{"Local/plan.dwg"});
 }
 
 TEST_F(UploadJobsPlatform, withADatasetEveryFileIsBoundToItsVersion)

@@ -1,4 +1,5 @@
 #include <BaseCommon/Files.h>
+#include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
@@ -378,6 +379,7 @@ bool getSubFiles(const std::wstring& folder, std::vector<std::wstring>& out)
 bool GenerateNewFile(std::wstring& path)
 {
     if (path.empty()) {
+        tellThatProcessLives();
         const std::wstring guid = generateGuid();
         path = guid.empty() ? guid : FilePath::Combine(getTempPath(), guid);
         return !path.empty();

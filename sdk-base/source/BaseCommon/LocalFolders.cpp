@@ -77,6 +77,10 @@ std::wstring getTemplatesPath()
 {
     return localFolder(userCacheFolder, L"Templates");
 }
+std::wstring getProcessesPath()
+{
+    return localFolder(userDataFolder, L"Processes");
+}
 std::wstring getLogPath()
 {
     return localFolder(userStateFolder, L"Logs");

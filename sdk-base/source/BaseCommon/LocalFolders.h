@@ -22,6 +22,8 @@ ORLO_BASE_API std::wstring getLocalDbCachePath();
 ORLO_BASE_API std::wstring getLocalFileCachePath();
 /// Downloaded templates.
 ORLO_BASE_API std::wstring getTemplatesPath();
+/// The marks of the processes that live with this local root.
+ORLO_BASE_API std::wstring getProcessesPath();
 /// Log files.
 ORLO_BASE_API std::wstring getLogPath();
 

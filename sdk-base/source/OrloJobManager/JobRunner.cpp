@@ -1,6 +1,7 @@
 #include "JobRunner.h"
 
 #include "JobLog.h"
+#include "StrayCopies.h"
 
 #include <OrloJobManager/LocalDbJobEntity.h>
 
@@ -249,6 +250,7 @@ bool JobRunner::claim()
         m_runsJobs = true;
     }
     lookForRows();
+    removeStrayCopies(*m_store);
     return true;
 }
 

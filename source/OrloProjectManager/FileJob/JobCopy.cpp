@@ -3,6 +3,7 @@
 #include "../Log.h"
 
 #include <BaseCommon/Files.h>
+#include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
@@ -42,8 +43,10 @@ bool CopyFileToTempPath(const std::wstring& path, const std::string& projectId, 
     const std::wstring root = FilePath::Combine(copies, utils::toWstring(projectId));
     if (!isPlaceOfCopies(copies, root) || !makeFolder(root))
         return failed(ORLO_HERE(function), noFolder);
+    utils::tellThatProcessLives();
     const std::wstring folder = FilePath::Combine(root, utils::toWstring(uuid::newUUIDV4()));
-    if (!utils::createDirectory(folder))
+    // Who removes stray copies may take the project's empty folder along, once it is made.
+    if (!utils::createDirectory(folder) && !(makeFolder(root) && utils::createDirectory(folder)))
         return failed(ORLO_HERE(function), noFolder);
     const std::wstring target = FilePath::Combine(folder, fileName.empty() ? utils::getFileName(path) : fileName);
     // A name that points out of its folder would let one job's copy fall on another's.

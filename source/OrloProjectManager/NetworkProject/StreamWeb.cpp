@@ -1,6 +1,7 @@
 #include "StreamWeb.h"
 
 #include "../CallFrame.h"
+#include "../LocalFiles.h"
 #include "AsyncCall.h"
 #include "GzipPayload.h"
 
@@ -194,8 +195,7 @@ void fileArrived(const Step& step, const http_response& response, std::vector<un
 /// an answer that turns out to be an error.
 struct StreamTarget
 {
-    explicit StreamTarget(std::wstring wholeFile) : target(std::move(wholeFile)), file(utils::getTempPath() + L"/" + utils::generateGuid())
-    {}
+    explicit StreamTarget(std::wstring wholeFile) : target(std::move(wholeFile)), file(temporaryName()) {}
 
     void receive(const std::uint8_t* bytes, size_t count)
     {
@@ -213,6 +213,12 @@ struct StreamTarget
             return true;
         log::error(L"Failed to move file to \"" + target + L"\"");
         return false;
+    }
+
+    static std::wstring temporaryName()
+    {
+        prepareLocalFiles();
+        return utils::getTempPath() + L"/" + utils::generateGuid();
     }
 
     std::wstring target;
