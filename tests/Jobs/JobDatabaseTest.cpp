@@ -258,7 +258,8 @@ SELECT 'id' || n, 'test job', '{"jobId":"id' || n || '","createTime":' || n || '
     EXPECT_THAT(ran, Contains("job 1"));
     EXPECT_THAT(ran, Not(Contains("job 200")));
     EXPECT_THAT(ran, Contains("job 400"));
-    EXPECT_TRUE(log.has(L"E [ORLOSDK]jobs read from the damaged database: " + std::to_wstring(ran.size())));
+    EXPECT_TRUE(log.has(L"E [ORLOSDK]jobs read from the damaged database: " + std::to_wstring(ran.size()) + L"; known to be lost: " +
+                        std::to_wstring(400 - ran.size())));
 }
 
 TEST_F(JobDatabase, damageThatComesUpAtWorkIsSetAsideToo)

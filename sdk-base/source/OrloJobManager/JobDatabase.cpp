@@ -6,7 +6,6 @@
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 
-#include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
@@ -39,6 +38,20 @@ auto guarded(const Work& work)
     }
 }
 
+/// The same for a database that was sound when it was opened: a statement that fails by itself doesn't fit the tables any more.
+template <typename Work>
+auto atWork(const Work& work)
+{
+    try {
+        return guarded(work);
+    }
+    catch (const SQLite::Exception& thrown) {
+        if (thrown.getErrorCode() == SQLITE_ERROR)
+            throw DamagedDatabase(thrown.what());
+        throw;
+    }
+}
+
 std::string systemName(const std::wstring& path)
 {
     return utils::toSystemPath(path).u8string();
@@ -55,41 +68,6 @@ const std::wstring& madePrivately(const std::wstring& path)
 SQLite::Database openExisting(const std::wstring& path, int flags)
 {
     return guarded([&] { return SQLite::Database(systemName(path), flags, busyMilliseconds); });
-}
-
-JobRow readRow(SQLite::Statement& statement)
-{
-    JobRow row;
-    row.rank = statement.getColumn(0).getInt64();
-    row.id = statement.getColumn(1).getString();
-    row.typeKey = statement.getColumn(2).getString();
-    row.json = statement.getColumn(3).getString();
-    row.createTime = statement.getColumn(4).getInt64();
-    row.jobType = statement.getColumn(5).getInt();
-    row.account = statement.getColumn(6).getString();
-    return row;
-}
-
-/// The columns of a row; one of the first schema has no account.
-std::string columnsIn(SQLite::Database& database)
-{
-    SQLite::Statement account(database, "SELECT 1 FROM pragma_table_info('job') WHERE name = 'account'");
-    return std::string("rank, id, typeKey, json, createTime, jobType, ") + (account.executeStep() ? "account" : "''");
-}
-
-/// Returns: whether all rows could be read.
-bool readUpToDamage(const std::wstring& path, const std::string& order, std::vector<JobRow>& rows)
-{
-    try {
-        SQLite::Database database(systemName(path), SQLite::OPEN_READONLY, busyMilliseconds);
-        SQLite::Statement statement(database, "SELECT " + columnsIn(database) + " FROM job NOT INDEXED ORDER BY rank " + order);
-        while (statement.executeStep())
-            rows.push_back(readRow(statement));
-        return true;
-    }
-    catch (const SQLite::Exception&) {
-        return false;
-    }
 }
 
 // A row that is there already keeps its rank, and so its place, and the account of whoever handed it over.
@@ -113,6 +91,19 @@ std::string putRow(SQLite::Database& database, const JobRow& row)
 
 } // namespace
 
+JobRow jobRowFrom(SQLite::Statement& statement)
+{
+    JobRow row;
+    row.rank = statement.getColumn(0).getInt64();
+    row.id = statement.getColumn(1).getString();
+    row.typeKey = statement.getColumn(2).getString();
+    row.json = statement.getColumn(3).getString();
+    row.createTime = statement.getColumn(4).getInt64();
+    row.jobType = statement.getColumn(5).getInt();
+    row.account = statement.getColumn(6).getString();
+    return row;
+}
+
 JobDatabase::JobDatabase(const std::wstring& path)
     : m_database(openExisting(madePrivately(path), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE))
 {
@@ -120,29 +111,31 @@ JobDatabase::JobDatabase(const std::wstring& path)
         keepAsItIs();
         check();
         configure();
-        const std::size_t seen = stepsSeenBy(m_database);
-        if (seen > 0 && seen <= jobSchemaSteps().size() && !m_database.tableExists("job"))
-            throw DamagedDatabase("it has no jobs");
         migrate(m_database, jobSchemaSteps());
         sqlite3_db_config(m_database.getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
     });
 }
 
-// Before anything is written.
+// Before anything is written, and of one state: another process may be taking steps.
 void JobDatabase::check()
 {
+    const SQLite::Transaction transaction(m_database);
     // What may not be written is opened for reading without a word.
     if (sqlite3_db_readonly(m_database.getHandle(), "main") == 1)
         throw std::runtime_error("it is read-only");
     const std::string verdict = m_database.execAndGet("PRAGMA integrity_check(1)").getString();
     if (verdict != "ok")
         throw DamagedDatabase(verdict);
+    if (!hasSchema(m_database, jobSchemaSteps()))
+        throw DamagedDatabase("its tables aren't those of a job database");
 }
 
 void JobDatabase::configure()
 {
     m_database.exec("PRAGMA journal_mode = WAL");
     m_database.exec("PRAGMA synchronous = FULL");
+    // What was deleted must not come back when pages are read one by one.
+    m_database.exec("PRAGMA secure_delete = ON");
 }
 
 void JobDatabase::keepAsItIs()
@@ -150,19 +143,19 @@ void JobDatabase::keepAsItIs()
     sqlite3_db_config(m_database.getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
 }
 
-std::vector<JobRow> JobDatabase::salvage(const std::wstring& path)
+void JobDatabase::make(const std::wstring& path, const std::vector<JobRow>& rows)
 {
-    std::vector<JobRow> front;
-    std::vector<JobRow> back;
-    if (!readUpToDamage(path, "ASC", front))
-        readUpToDamage(path, "DESC", back);
-    front.insert(front.end(), back.rbegin(), back.rend());
-    return front;
+    JobDatabase database(path);
+    database.put(rows);
+    guarded([&] {
+        if (database.m_database.execAndGet("PRAGMA wal_checkpoint(TRUNCATE)").getInt() != 0)
+            throw std::runtime_error("the new database can't be written");
+    });
 }
 
 std::string JobDatabase::put(const JobRow& row)
 {
-    return guarded([&] {
+    return atWork([&] {
         SQLite::Transaction transaction(m_database, SQLite::TransactionBehavior::IMMEDIATE);
         std::string account = putRow(m_database, row);
         transaction.commit();
@@ -172,7 +165,7 @@ std::string JobDatabase::put(const JobRow& row)
 
 void JobDatabase::put(const std::vector<JobRow>& rows)
 {
-    guarded([&] {
+    atWork([&] {
         SQLite::Transaction transaction(m_database, SQLite::TransactionBehavior::IMMEDIATE);
         for (const JobRow& row : rows)
             putRow(m_database, row);
@@ -182,7 +175,7 @@ void JobDatabase::put(const std::vector<JobRow>& rows)
 
 void JobDatabase::erase(const std::string& id)
 {
-    guarded([&] {
+    atWork([&] {
         SQLite::Statement statement(m_database, "DELETE FROM job WHERE id = ?");
         statement.bind(1, id);
         statement.exec();
@@ -191,7 +184,7 @@ void JobDatabase::erase(const std::string& id)
 
 bool JobDatabase::contains(const std::string& id)
 {
-    return guarded([&] {
+    return atWork([&] {
         SQLite::Statement statement(m_database, "SELECT 1 FROM job WHERE id = ?");
         statement.bind(1, id);
         return statement.executeStep();
@@ -200,21 +193,21 @@ bool JobDatabase::contains(const std::string& id)
 
 std::vector<JobRow> JobDatabase::rowsAfter(std::int64_t rank, std::size_t atMost)
 {
-    return guarded([&] {
+    return atWork([&] {
         std::vector<JobRow> rows;
         SQLite::Statement statement(
             m_database, "SELECT rank, id, typeKey, json, createTime, jobType, account FROM job WHERE rank > ? ORDER BY rank LIMIT ?");
         statement.bind(1, rank);
         statement.bind(2, static_cast<std::int64_t>(atMost));
         while (statement.executeStep())
-            rows.push_back(readRow(statement));
+            rows.push_back(jobRowFrom(statement));
         return rows;
     });
 }
 
 int JobDatabase::dataVersion()
 {
-    return guarded([&] { return m_database.execAndGet("PRAGMA data_version").getInt(); });
+    return atWork([&] { return m_database.execAndGet("PRAGMA data_version").getInt(); });
 }
 
 bool JobDatabase::isInPlace() const

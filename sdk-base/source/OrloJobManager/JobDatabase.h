@@ -1,6 +1,7 @@
 #pragma once
 
 #include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -23,6 +24,9 @@ struct JobRow
     std::int64_t rank = 0;
 };
 
+/// From the columns rank, id, typeKey, json, createTime, jobType, account.
+JobRow jobRowFrom(SQLite::Statement& statement);
+
 /// The file isn't a job database, or not a sound one.
 class DamagedDatabase : public std::runtime_error
 {
@@ -37,8 +41,8 @@ public:
     /// Makes the file if there is none, checks it, and brings it to the newest schema.
     explicit JobDatabase(const std::wstring& path);
 
-    /// The rows in front of and behind the damage of a database, which stays as it is.
-    static std::vector<JobRow> salvage(const std::wstring& path);
+    /// Makes a new database with the rows in it: one file, which is on disk when this comes back.
+    static void make(const std::wstring& path, const std::vector<JobRow>& rows);
 
     /// Writes a row, or replaces it; one that is there already keeps its rank and its account.   Returns: the account that the row has.
     std::string put(const JobRow& row);

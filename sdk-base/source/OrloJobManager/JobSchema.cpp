@@ -35,6 +35,23 @@ void take(SQLite::Database& database, std::size_t step, const char* words)
     transaction.commit();
 }
 
+/// The columns of the jobs, what is unique about them, and whether ranks are never used twice.
+std::string describe(SQLite::Database& database)
+{
+    return database
+        .execAndGet(R"sql(
+SELECT coalesce(group_concat(line, char(10)), '') FROM (
+    SELECT name || ' ' || type || ' ' || "notnull" || ' ' || coalesce(dflt_value, '-') || ' ' || pk || ' ' || hidden AS line
+    FROM pragma_table_xinfo('job')
+    UNION ALL
+    SELECT 'unique ' || group_concat(part.name) FROM pragma_index_list('job') AS list, pragma_index_info(list.name) AS part
+    WHERE list."unique" GROUP BY list.name
+    UNION ALL
+    SELECT name FROM sqlite_master WHERE name = 'sqlite_sequence')
+)sql")
+        .getString();
+}
+
 } // namespace
 
 std::size_t stepsSeenBy(SQLite::Database& database)
@@ -49,6 +66,18 @@ void migrate(SQLite::Database& database, const std::vector<const char*>& steps)
         throw std::runtime_error("it was written by a newer version of this library");
     for (std::size_t step = seen; step < steps.size(); ++step)
         take(database, step, steps[step]);
+}
+
+bool hasSchema(SQLite::Database& database, const std::vector<const char*>& steps)
+{
+    const std::size_t seen = stepsSeenBy(database);
+    if (seen > steps.size())
+        return true;
+    if (seen == 0)
+        return database.execAndGet("SELECT count(*) FROM sqlite_master").getInt() == 0;
+    SQLite::Database made(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    migrate(made, {steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(seen)});
+    return describe(database) == describe(made);
 }
 
 const std::vector<const char*>& jobSchemaSteps()

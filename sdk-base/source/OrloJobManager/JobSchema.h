@@ -14,6 +14,10 @@ std::size_t stepsSeenBy(SQLite::Database& database);
 /// has seen more steps than there are.
 void migrate(SQLite::Database& database, const std::vector<const char*>& steps);
 
+/// Whether the database holds what the steps it has seen lead to: nothing at all before the first. True where it has seen more steps than
+/// there are, so that nothing is known of them.
+bool hasSchema(SQLite::Database& database, const std::vector<const char*>& steps);
+
 /// The steps that lead to the schema of the job database.
 const std::vector<const char*>& jobSchemaSteps();
 

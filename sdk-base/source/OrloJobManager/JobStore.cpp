@@ -1,12 +1,15 @@
 #include "JobStore.h"
 
+#include "JobCopies.h"
 #include "JobLog.h"
+#include "JobReplacement.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Platform.h>
 
 #include <map>
+#include <stdexcept>
 #include <utility>
 
 namespace orlo {
@@ -40,25 +43,9 @@ std::shared_ptr<JobStore> storeAt(Stores& known, const std::wstring& path)
     return store;
 }
 
-/// A name beside the database that nothing bears yet.
-std::wstring asideName(const std::wstring& path)
+std::wstring number(std::size_t value)
 {
-    for (long long number = 1;; ++number) {
-        std::wstring name = path + L".damaged-" + utils::toWstring(number);
-        if (!utils::fileExists(name) && !utils::fileExists(name + L"-wal"))
-            return name;
-    }
-}
-
-/// Gives the database and the files beside it other names, the log first: a log without its database would be taken for that of the next.
-bool moveAside(const std::wstring& path, const std::wstring& name)
-{
-    bool isMoved = true;
-    for (const wchar_t* end : {L"-wal", L"-shm", L""}) {
-        if (utils::fileExists(path + end))
-            isMoved = utils::renameOver(path + end, name + end) && isMoved;
-    }
-    return utils::flushFolder(FilePath(path).GetDirectoryName()) && isMoved;
+    return utils::toWstring(static_cast<long long>(value));
 }
 
 } // namespace
@@ -226,32 +213,44 @@ JobDatabase& JobStore::database()
     return *m_database;
 }
 
-// Processes open a database one after the other: only so can one of them replace it.
+// Processes open a database one after the other: only so can one of them replace it. One that had to wait too long makes nothing.
 void JobStore::reopen()
 {
     utils::FileLock opening;
     const bool isAlone = opening.acquire(m_path + L".opening", openingMilliseconds);
+    if (isAlone && isReplacementUnfinished(m_path))
+        replace(L"its replacement was begun and not ended");
+    if (!isAlone && isReplacementUnfinished(m_path))
+        throw std::runtime_error("another process replaces it");
     try {
+        if (isEmptied(m_path))
+            throw DamagedDatabase("it is empty");
         m_database.emplace(m_path);
     }
     catch (const DamagedDatabase& thrown) {
         if (!isAlone)
             throw;
-        replaceDamaged(joblog::textOf(thrown));
+        replace(joblog::textOf(thrown));
+        m_database.emplace(m_path);
     }
     ++m_opened;
 }
 
-void JobStore::replaceDamaged(const std::wstring& reason)
+void JobStore::replace(const std::wstring& reason)
 {
-    const std::wstring name = asideName(m_path);
-    if (!moveAside(m_path, name))
-        throw std::runtime_error("it is damaged and can't be set aside");
+    const std::wstring name = setAside(m_path);
     m_lines.push_back(L"the job database is damaged: " + reason + L"; it was set aside as " + name);
-    const std::vector<JobRow> rows = JobDatabase::salvage(name);
-    m_database.emplace(m_path);
-    m_database->put(rows);
-    m_lines.push_back(L"jobs read from the damaged database: " + utils::toWstring(static_cast<long long>(rows.size())));
+    if (const std::optional<Salvage> salvage = replaceSetAside(m_path, name))
+        tell(*salvage);
+}
+
+void JobStore::tell(const Salvage& salvage)
+{
+    m_lines.push_back(L"jobs read from the damaged database: " + number(salvage.rows.size()) +
+                      (salvage.lost ? L"; known to be lost: " + number(*salvage.lost) : L"; how many more it held can't be told"));
+    const std::size_t orphans = copiesWithoutRow(FilePath(m_path).GetDirectoryName(), salvage.rows);
+    if (orphans > 0)
+        m_lines.push_back(L"copies of files beside the job database that no job names any more: " + number(orphans));
 }
 
 } // namespace orlo

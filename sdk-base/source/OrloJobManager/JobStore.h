@@ -12,6 +12,8 @@
 
 namespace orlo {
 
+struct Salvage;
+
 /// The job database at one place: opened when it is needed, and again if its file was replaced. A damaged one is set aside and a new one
 /// begun. Nothing throws; a failure is a line in the log.   Threads: any.
 class JobStore
@@ -66,7 +68,8 @@ private:
     void run(const Work& work);
     JobDatabase& database();
     void reopen();
-    void replaceDamaged(const std::wstring& reason);
+    void replace(const std::wstring& reason);
+    void tell(const Salvage& salvage);
 
     const std::wstring m_path;
     std::mutex m_mutex;
