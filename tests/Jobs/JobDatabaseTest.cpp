@@ -253,6 +253,8 @@ SELECT 'id' || n, 'test job', '{"jobId":"id' || n || '","createTime":' || n || '
     writeFile(database(), bytes);
     runAll();
     EXPECT_EQ(readFile(aside()), bytes);
+    EXPECT_TRUE(log.has(L"E [ORLOSDK]the job database is damaged: *** in database main *** Page " + std::to_wstring(page + 1) +
+                        L": btreeInitPage() returns error code 11; it was set aside as " + folder.wide("Jobs/jobs.db.damaged-1")));
     const Names ran = TestJob::ran();
     EXPECT_GT(ran.size(), 300u);
     EXPECT_THAT(ran, Contains("job 1"));

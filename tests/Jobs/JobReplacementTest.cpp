@@ -270,7 +270,9 @@ TEST_F(BegunReplacement, beforeAnythingWasMovedIsEnded)
 TEST_F(BegunReplacement, withHalfOfTheFilesMovedIsEnded)
 {
     writeFile(aside(7).u8string() + "-wal", "");
+    writeFile(jobsFolder() / "jobs.db-journal", "of the damaged one");
     expectAll(line);
+    EXPECT_EQ(readFile(aside(7).u8string() + "-journal"), "of the damaged one");
 }
 
 TEST_F(BegunReplacement, withoutANewDatabaseIsEnded)

@@ -9,6 +9,7 @@
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace orlo {
@@ -123,9 +124,11 @@ void JobDatabase::check()
     // What may not be written is opened for reading without a word.
     if (sqlite3_db_readonly(m_database.getHandle(), "main") == 1)
         throw std::runtime_error("it is read-only");
-    const std::string verdict = m_database.execAndGet("PRAGMA integrity_check(1)").getString();
-    if (verdict != "ok")
+    std::string verdict = m_database.execAndGet("PRAGMA integrity_check(1)").getString();
+    if (verdict != "ok") {
+        std::replace(verdict.begin(), verdict.end(), '\n', ' ');
         throw DamagedDatabase(verdict);
+    }
     if (!hasSchema(m_database, jobSchemaSteps()))
         throw DamagedDatabase("its tables aren't those of a job database");
 }

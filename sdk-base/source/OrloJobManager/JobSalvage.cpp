@@ -52,8 +52,7 @@ private:
     void readIndex(std::int64_t page);
     void readRow(std::int64_t rank);
     void show(const char* table, std::int64_t page);
-    bool collect(const char* query, std::vector<std::int64_t>& numbers);
-    std::vector<std::int64_t> collectFromBothEnds(const char* forwards, const char* backwards);
+    std::vector<std::int64_t> collect(const char* query);
 
     SQLite::Database m_database;
     /// Branches of a damaged index may lead round and round.
@@ -82,9 +81,10 @@ void PageReader::show(const char* table, std::int64_t page)
     m_database.exec("PRAGMA writable_schema = RESET");
 }
 
-/// Returns: whether damage ended it.
-bool PageReader::collect(const char* query, std::vector<std::int64_t>& numbers)
+/// The numbers in front of the damage, if there is any.
+std::vector<std::int64_t> PageReader::collect(const char* query)
 {
+    std::vector<std::int64_t> numbers;
     try {
         SQLite::Statement statement(m_database, query);
         while (m_patience > 0 && statement.executeStep()) {
@@ -92,27 +92,17 @@ bool PageReader::collect(const char* query, std::vector<std::int64_t>& numbers)
             if (statement.getColumn(0).isInteger())
                 numbers.push_back(statement.getColumn(0).getInt64());
         }
-        return false;
     }
     catch (const SQLite::Exception& thrown) {
         passOverDamage(thrown);
-        return true;
     }
-}
-
-std::vector<std::int64_t> PageReader::collectFromBothEnds(const char* forwards, const char* backwards)
-{
-    std::vector<std::int64_t> numbers;
-    if (collect(forwards, numbers))
-        collect(backwards, numbers);
     return numbers;
 }
 
 void PageReader::readLeaf(std::int64_t page)
 {
     show("leaf", page);
-    for (const std::int64_t rank :
-         collectFromBothEnds("SELECT rowid FROM leaf ORDER BY rowid", "SELECT rowid FROM leaf ORDER BY rowid DESC"))
+    for (const std::int64_t rank : collect("SELECT rowid FROM leaf"))
         readRow(rank);
 }
 
@@ -136,8 +126,7 @@ void PageReader::readRow(std::int64_t rank)
 void PageReader::readIndex(std::int64_t page)
 {
     show("entry", page);
-    const auto ranks =
-        collectFromBothEnds("SELECT rank FROM entry ORDER BY id, rank", "SELECT rank FROM entry ORDER BY id DESC, rank DESC");
+    const std::vector<std::int64_t> ranks = collect("SELECT rank FROM entry");
     m_ranksOfIndex.insert(ranks.begin(), ranks.end());
 }
 
