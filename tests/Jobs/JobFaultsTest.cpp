@@ -4,6 +4,7 @@
 #include "Jobs/JobsTest.h"
 
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
 
 #include <filesystem>
 
@@ -73,6 +74,20 @@ TEST_F(JobFaults, aFullDiskTakesNoJobAndLosesNone)
         EXPECT_THAT(ran, HasSubstr(name));
     EXPECT_EQ(ran.size(), 19u) << "each of them once";
     EXPECT_EQ(soundness(), "ok");
+}
+
+TEST_F(JobFaults, aManagerDoesNotStartWhereNobodyCanRunTheJobs)
+{
+    saved("first");
+    fs::create_directory(database().string() + ".running");
+    EXPECT_FALSE(IJobManager::Start({}));
+    EXPECT_EQ(IJobManager::Get(), nullptr);
+    EXPECT_TRUE(log.has(L"E [ORLOSDK]nobody can run the jobs, since their lock can't be opened: " +
+                        utils::toWstring(database().u8string() + ".running")));
+    fs::remove(database().string() + ".running");
+    ASSERT_TRUE(IJobManager::Start({}));
+    EXPECT_TRUE(becomesIdle());
+    EXPECT_THAT(rows(), IsEmpty());
 }
 
 TEST_F(JobFaults, aManagerDoesNotStartOnAFullDisk)

@@ -442,6 +442,7 @@ FileLock::~FileLock()
 bool FileLock::acquire(const std::wstring& path, unsigned milliseconds)
 {
     release();
+    m_wasTaken = false;
     if (!open(path))
         return false;
     using Clock = std::chrono::steady_clock;
@@ -449,6 +450,7 @@ bool FileLock::acquire(const std::wstring& path, unsigned milliseconds)
     while (!tryLock()) {
         if (Clock::now() >= end) {
             release();
+            m_wasTaken = true;
             return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

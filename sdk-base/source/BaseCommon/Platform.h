@@ -60,6 +60,8 @@ public:
     bool acquire(const std::wstring& path, unsigned milliseconds);
     void release();
     bool isHeld() const { return m_handle != noHandle; }
+    /// Of the last attempt: whether somebody else has the lock. False if the file couldn't be opened.
+    bool wasTaken() const { return m_wasTaken; }
 
 private:
     bool open(const std::wstring& path);
@@ -67,6 +69,7 @@ private:
 
     static constexpr long long noHandle = -1;
     long long m_handle = noHandle;
+    bool m_wasTaken = false;
 };
 
 } // namespace orlo::utils

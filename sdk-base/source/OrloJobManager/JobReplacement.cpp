@@ -89,7 +89,7 @@ bool isEmptied(const std::wstring& path)
 {
     if (utils::hasDirectory(path) || holdsBytes(path))
         return false;
-    return holdsBytes(path + L"-wal") || (utils::fileExists(path) && !jobCopies(folderOf(path)).empty());
+    return holdsBytes(path + L"-wal") || (utils::fileExists(path) && holdFiles(jobCopiesBelow(folderOf(path))));
 }
 
 std::wstring setAside(const std::wstring& path)

@@ -28,6 +28,12 @@ bool hasRunAlready(const Job& job)
     return saved && saved->isRowGone();
 }
 
+/// Held by the one process that runs the jobs.
+std::wstring lockOf(const JobStore& store)
+{
+    return store.path() + L".running";
+}
+
 std::string accountOf(const IJobEntity& entity)
 {
     const auto* const saved = dynamic_cast<const LocalDbJobEntity*>(&entity);
@@ -54,9 +60,12 @@ bool JobRunner::start()
 {
     m_store->expectHandovers(true);
     JobStore::setManagers(m_store);
-    if (!claim())
+    const bool isClaimed = claim();
+    if (!isClaimed && m_claim.wasTaken())
         joblog::info(L"another process runs the jobs of " + m_store->path());
-    if (startThreads())
+    else if (!isClaimed)
+        joblog::error(L"nobody can run the jobs, since their lock can't be opened: " + lockOf(*m_store));
+    if ((isClaimed || m_claim.wasTaken()) && startThreads())
         return true;
     stop();
     return false;
@@ -243,7 +252,7 @@ void JobRunner::watch()
 // The jobs are this process's before their rows are read: what is added meanwhile goes straight to the board.
 bool JobRunner::claim()
 {
-    if (!m_claim.acquire(m_store->path() + L".running", 0))
+    if (!m_claim.acquire(lockOf(*m_store), 0))
         return false;
     {
         const std::lock_guard<std::mutex> lock(m_addMutex);
