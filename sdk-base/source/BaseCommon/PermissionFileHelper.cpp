@@ -1,21 +1,14 @@
 #include <BaseCommon/Files.h>
-#include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/PermissionFileHelper.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
-
-#include <map>
-#include <utility>
+#include <BaseCommon/TokenText.h>
 
 namespace orlo::utils {
 
 namespace {
 
-// By user id, then dataset id.
-using Tokens = std::map<std::pair<std::string, std::string>, std::string>;
-
-constexpr int formatVersion = 1;
 constexpr unsigned lockMilliseconds = 5000;
 
 std::wstring fileIn(const std::wstring& folder, const wchar_t* name)
@@ -33,46 +26,6 @@ std::wstring lockFile(const std::wstring& folder)
 std::wstring brokenFile(const std::wstring& folder)
 {
     return fileIn(folder, L"DatasetTokens.broken");
-}
-
-// An entry that lacks something is passed over; the others are still good.
-void readEntry(const JsonWrapper& entry, Tokens& tokens)
-{
-    std::string user;
-    std::string dataset;
-    std::string token;
-    if (entry.Get("user", user) && entry.Get("dataset", dataset) && entry.Get("token", token))
-        tokens[{user, dataset}] = token;
-}
-
-bool parseTokens(const std::string& text, Tokens& tokens)
-{
-    JsonWrapper document;
-    JsonWrapper entries;
-    int version = 0;
-    if (!document.Parse(text) || !document.Get("version", version) || version != formatVersion || !document.Get("tokens", entries) ||
-        !entries.IsArray())
-        return false;
-    JsonWrapper entry;
-    for (int i = 0; entries.Get(i, entry); ++i)
-        readEntry(entry, tokens);
-    return true;
-}
-
-std::string textOf(const Tokens& tokens)
-{
-    JsonWrapper document;
-    document.Add("version", formatVersion);
-    document.AddEmptySubArray("tokens");
-    JsonWrapper entries = document["tokens"];
-    for (const auto& [holder, token] : tokens) {
-        JsonWrapper entry(document.GetAllocator(), rapidjson::kObjectType);
-        entry.Add("user", holder.first);
-        entry.Add("dataset", holder.second);
-        entry.Add("token", token);
-        entries.Add(std::move(entry));
-    }
-    return document.ToString();
 }
 
 // Reads the file; none is as good as an empty one. A broken one is moved away, which only the holder of the lock may do.
