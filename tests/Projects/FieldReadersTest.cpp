@@ -34,6 +34,13 @@ TEST(FieldReaders, aNarrowTextIsUtf8)
     EXPECT_EQ(readOver<std::string>("kept", "7"), "kept");
 }
 
+TEST(FieldReaders, halfASurrogatePairBecomesReplacements)
+{
+    EXPECT_EQ(readOver<std::string>("kept", R"("a\udc00b")"), "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"
+                                                              "b");
+    EXPECT_EQ(readOver<std::wstring>(L"kept", R"("a\udfff")"), L"a\xFFFD\xFFFD\xFFFD");
+}
+
 TEST(FieldReaders, aTextMayHoldANulCharacter)
 {
     EXPECT_EQ(readOver<std::wstring>(L"", "\"a\\u0000b\""), std::wstring(L"a\0b", 3));

@@ -48,5 +48,11 @@ TEST(FieldTextTest, knowsTheStructuredKeysExactly)
     EXPECT_EQ(textOf(R"({"Mesh":[1]})", L"Mesh"), "");
 }
 
+TEST(FieldTextTest, halfASurrogatePairBecomesReplacements)
+{
+    EXPECT_EQ(textOf(R"({"id":"\udc00"})", L"id"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(textOf(R"({"Properties":["\udc00"]})", L"Properties"), "[\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\"]");
+}
+
 } // namespace
 } // namespace orlo

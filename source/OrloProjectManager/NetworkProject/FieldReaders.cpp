@@ -46,7 +46,7 @@ bool readField(const web::json::value& value, std::string& field)
 {
     if (!value.is_string())
         return false;
-    field = utils::fromNativeToUtf8(value.as_string());
+    field = validUtf8(value.as_string());
     return true;
 }
 
@@ -96,6 +96,12 @@ bool readField(const web::json::value& value, std::vector<std::wstring>& field)
 bool readField(const web::json::value& value, std::vector<int>& field)
 {
     return readElements(value, field);
+}
+
+std::string validUtf8(const utility::string_t& text)
+{
+    std::string utf8 = utils::fromNativeToUtf8(text);
+    return utils::isValidUtf8(utf8) ? utf8 : utils::toString(utils::toWstring(utf8));
 }
 
 const web::json::value* memberOf(const web::json::value& value, const utility::string_t& key)

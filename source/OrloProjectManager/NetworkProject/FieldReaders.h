@@ -29,6 +29,9 @@ bool readField(const web::json::value& value, std::vector<std::wstring>& field);
 /// The integers of an array; elements of another type are left out.
 bool readField(const web::json::value& value, std::vector<int>& field);
 
+/// A text of the JSON library, which lets half a surrogate pair through, as UTF-8; what is none becomes U+FFFD.
+std::string validUtf8(const utility::string_t& text);
+
 /// A member of an object; null where the value is no object or has no such member.
 const web::json::value* memberOf(const web::json::value& value, const utility::string_t& key);
 const web::json::value* memberOf(const web::json::value& value, const wchar_t* key);

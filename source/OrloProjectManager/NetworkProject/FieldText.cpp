@@ -23,7 +23,7 @@ std::string fieldText(const web::json::value& object, const wchar_t* key)
         return {};
     std::string text;
     if (!readField(*field, text) && (field->is_array() || field->is_object()) && holdsStructure(key))
-        text = utils::fromNativeToUtf8(field->serialize());
+        text = validUtf8(field->serialize());
     return text;
 }
 
