@@ -1,5 +1,6 @@
 #include "BatchDownload.h"
 
+#include "CachePlace.h"
 #include "NetworkProject/FieldReaders.h"
 #include "NetworkProject/FieldText.h"
 #include "NetworkProject/StreamWeb.h"
@@ -128,14 +129,10 @@ void DownloadBatchFilesHandler::startNext(OrloCallbackContext& context)
 
 void DownloadBatchFilesHandler::start(const Entry& entry, OrloCallbackContext& context)
 {
-    const size_t slash = entry.datasetFilePath.find(L'/');
-    if (slash == std::wstring::npos)
+    if (entry.datasetFilePath.find(L'/') == std::wstring::npos)
         return refuseEntry(context, L"invalid seed which has no '/'");
-    const std::wstring cache = utils::getLocalFileCachePath();
-    const std::wstring root = utils::toWstring(normalised(utils::toString(FilePath::Combine(cache, utils::toWstring(m_datasetId)))));
-    const std::wstring folder = FilePath::Combine(root, utils::toWstring(m_folder));
-    const std::wstring target = FilePath::Combine(folder, entry.datasetFilePath.substr(slash + 1));
-    if (utils::holdsNul(entry.datasetFilePath) || !utils::leadsInside(cache, root) || !utils::isPlaceInside(root, target))
+    std::wstring target;
+    if (!findPlaceOfEntry(utils::getLocalFileCachePath(), m_datasetId, m_folder, entry.datasetFilePath, target))
         return refuseEntry(context, leavesTheCache);
     stream(entry, target, context.propagate);
 }

@@ -1,4 +1,5 @@
 #include "BatchDownload.h"
+#include "CachePlace.h"
 #include "CallFrame.h"
 #include "NetworkProject/FileWeb.h"
 
@@ -18,24 +19,6 @@ namespace {
 class FileManager final : public IFileManager
 {};
 
-/// What the address of a dataset's file says: "<folder>/<rest>?f=<more>".
-struct DatasetUri
-{
-    std::wstring folder;
-    std::wstring relative; ///< folder and rest
-};
-
-bool parse(const std::wstring& uri, DatasetUri& parsed)
-{
-    const size_t mark = uri.find(L"?f=");
-    const size_t separator = uri.find(utils::SeparatorChar());
-    if (mark == std::wstring::npos || separator == std::wstring::npos)
-        return false;
-    parsed.relative = uri.substr(0, mark);
-    parsed.folder = uri.substr(0, separator);
-    return true;
-}
-
 /// A link that leads out of the cache is no file of it.
 bool isCached(const std::wstring& cache, const std::wstring& path)
 {
@@ -51,23 +34,17 @@ std::wstring failed(const std::wstring& words)
 std::wstring downloadThroughCache(const std::string& dsId, const std::wstring& uri, ErrorCode& error)
 {
     DatasetUri parsed;
-    const std::wstring cache = FilePath::Combine(utils::getLocalFileCachePath(), utils::toWstring(dsId));
-    if (!parse(uri, parsed))
+    CachePlace place;
+    if (!parse(uri, parsed) || !findPlace(utils::getLocalFileCachePath(), dsId, parsed, place))
         return failed(L"invalid uri: " + uri);
-    const std::wstring target = FilePath::Combine(cache, parsed.relative);
-    // Without a dataset it is the batch that refuses, in its own words.
-    const bool isCacheOfDataset = dsId.empty() || utils::leadsInside(utils::getLocalFileCachePath(), cache);
-    if (!isCacheOfDataset || !utils::isPlaceInside(cache, target))
-        return failed(L"invalid uri: " + uri);
-    if (isCached(cache, target))
-        return target;
-    const std::wstring folder = FilePath::Combine(cache, parsed.folder);
-    if (!utils::hasDirectory(folder) && !utils::createDirectoryRecursively(folder))
-        return failed(L"failed to create path: " + folder);
+    if (isCached(place.root, place.file))
+        return place.file;
+    if (!utils::hasDirectory(place.folder) && !utils::createDirectoryRecursively(place.folder))
+        return failed(L"failed to create path: " + place.folder);
     const std::vector<std::string> seeds{utils::toString(parsed.relative)};
     const PromiseData outcome = downloadBatch(error, utils::toString(parsed.folder), dsId, seeds, nullptr, EmptyBatch::fails).get();
     // For a batch a file that can't be moved to its place counts as brought.
-    return outcome.success && isCached(cache, target) ? target : failed(L"failed to download file from uri: " + uri);
+    return outcome.success && isCached(place.root, place.file) ? place.file : failed(L"failed to download file from uri: " + uri);
 }
 
 } // namespace
