@@ -291,7 +291,11 @@ bool isPlaceInside(const std::wstring& folder, const std::wstring& path)
         return false;
     std::error_code error;
     const fs::path place = fs::absolute(makePath(path), error);
-    return place.filename() != ".." && isBelow(whereItLeads(makePath(folder)), whereItLeads(place.parent_path()) / place.filename());
+    const fs::path name = place.filename();
+    // The system follows what stands before a separator or a dot at the end, and may come back to the folder itself.
+    if (name.empty() || name == ".")
+        return leadsInside(folder, path);
+    return name != ".." && isBelow(whereItLeads(makePath(folder)), whereItLeads(place.parent_path()) / name);
 }
 
 bool fileExists(const std::wstring& path)
