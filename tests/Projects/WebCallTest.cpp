@@ -75,6 +75,13 @@ TEST_F(WebCallTest, aPathThatIsNoUriThrowsAndSendsNothing)
     EXPECT_EQ(server.connectionCount(), 0u);
 }
 
+TEST_F(WebCallTest, aPathWithANulThrowsAndSendsNothing)
+{
+    const std::wstring id = std::wstring(L"f-1") + L'\0' + L"x";
+    EXPECT_THROW(sample(L"/folders/{id}/datasets").place(L"{id}", id).send(error), std::invalid_argument);
+    EXPECT_EQ(server.requestCount(), 0U);
+}
+
 TEST_F(WebCallTest, aServiceWithoutAnAddressThrowsAndNamesTheService)
 {
     OrloConfigManager::Configure({});

@@ -55,16 +55,8 @@ std::wstring userAgent()
     return agent;
 }
 
-/// cpprestsdk takes it, and cuts the request line there.
-void refuseNul(const utility::string_t& address)
-{
-    if (address.find(utility::char_t()) != utility::string_t::npos)
-        throw std::invalid_argument("an address can't hold a NUL");
-}
-
 std::shared_ptr<http_request> requestOf(const web::http::method& method, const web::uri& pathAndQuery)
 {
-    refuseNul(pathAndQuery.to_string());
     auto request = std::make_shared<http_request>(method);
     request->set_request_uri(pathAndQuery);
     request->headers().add(web::http::header_names::user_agent, utils::toNative(userAgent()));
@@ -101,9 +93,10 @@ std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri, http_clie
     if (const http::WorkPermit permit; !permit)
         throw std::runtime_error("the process ends");
     applyHostConfiguration(config);
-    const utility::string_t address = utils::toNative(baseUri);
-    refuseNul(address);
-    return std::make_shared<http_client>(web::uri(address), config);
+    // It would be cut there without a word.
+    if (utils::holdsNul(baseUri))
+        throw std::invalid_argument("an address can't hold a NUL");
+    return std::make_shared<http_client>(web::uri(utils::toNative(baseUri)), config);
 }
 
 std::shared_ptr<http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery, const web::json::value& body)

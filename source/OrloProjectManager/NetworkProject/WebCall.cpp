@@ -2,6 +2,7 @@
 
 #include "../Log.h"
 
+#include <BaseCommon/Files.h>
 #include <BaseCommon/Text.h>
 #include <OrloCommon/OrloConfigManager.h>
 #include <OrloNetwork/Operation.h>
@@ -179,6 +180,9 @@ WebCall& WebCall::plainText(std::wstring text)
 
 web::uri WebCall::target() const
 {
+    // It would be cut there without a word, and ask for something else.
+    if (utils::holdsNul(m_path))
+        throw std::invalid_argument("a path can't hold a NUL");
     web::uri_builder builder(utils::toNative(m_path));
     for (const auto& [key, value] : m_query)
         builder.append_query(key, value);
