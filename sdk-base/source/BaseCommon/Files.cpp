@@ -406,6 +406,7 @@ std::string md5(const std::wstring& path)
     std::ifstream file;
     if (hasFile(path))
         file.open(makePath(path), std::ios::binary);
+    keepOpenSsl();
     const DigestContext digest(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
     std::array<unsigned char, EVP_MAX_MD_SIZE> sum{};
     unsigned size = 0;

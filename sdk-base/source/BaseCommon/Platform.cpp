@@ -2,6 +2,8 @@
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 
+#include <openssl/crypto.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -433,6 +435,11 @@ void FileLock::release()
 }
 
 #endif
+
+void keepOpenSsl()
+{
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+}
 
 FileLock::~FileLock()
 {

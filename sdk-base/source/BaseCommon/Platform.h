@@ -22,6 +22,10 @@ ORLO_BASE_API std::size_t memoryLimit();
 /// Says that this much memory is about to be filled: a system that can hands it out in large pages, which is several times faster.
 ORLO_BASE_API void expectFilling(void* memory, std::size_t bytes);
 
+/// To be called before OpenSSL is used: where nobody has used it before, it is not taken down at the end of the process, while threads may
+/// still ask it for random numbers.
+ORLO_BASE_API void keepOpenSsl();
+
 /// The path in the form that the system takes at any length. Every call of the system gets its path from here. A text with a NUL gives
 /// one at which no file can be.
 ORLO_BASE_API std::filesystem::path toSystemPath(const std::wstring& text);

@@ -12,7 +12,7 @@ constexpr std::size_t steps = static_cast<std::size_t>(ProcessEnd::Step::awaitCa
 
 // Never destroyed, and made before any code runs.
 std::array<std::atomic<void (*)()>, steps> workOfSteps{};
-std::atomic<bool> hasBegun{false};
+std::atomic<bool> doesEnd{false};
 
 } // namespace
 
@@ -20,11 +20,19 @@ void ProcessEnd::at(Step step, void (*work)())
 {
     void (*none)() = nullptr;
     workOfSteps[static_cast<std::size_t>(step)].compare_exchange_strong(none, work);
+    // Either this sees the end, or the end sees the work.
+    if (doesEnd)
+        work();
+}
+
+bool ProcessEnd::hasBegun()
+{
+    return doesEnd;
 }
 
 ProcessEnd::Watch::~Watch()
 {
-    if (hasBegun.exchange(true))
+    if (doesEnd.exchange(true))
         return;
     for (const auto& step : workOfSteps) {
         if (const auto work = step.load())

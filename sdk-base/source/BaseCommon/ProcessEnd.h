@@ -16,8 +16,11 @@ public:
         awaitCalls,
     };
 
-    /// What is to be done at a step; it must not throw. One piece of work for each step, the first one stays.   Threads: any.
+    /// What is to be done at a step; it must not throw, and may be done twice. One piece of work for each step, the first one stays. Where
+    /// the end has begun already, as a host's thread may use a library for the first time while the process ends, it is done at once.
+    /// Threads: any.
     static void at(Step step, void (*work)());
+    static bool hasBegun();
 
     /// A static that somebody makes behind what its work needs, so that it goes before that: the first of them to go begins the end.
     struct ORLO_BASE_API Watch

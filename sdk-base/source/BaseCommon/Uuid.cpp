@@ -1,3 +1,4 @@
+#include <BaseCommon/Platform.h>
 #include <BaseCommon/Uuid.h>
 
 #include <openssl/rand.h>
@@ -25,6 +26,7 @@ constexpr bool isHexDigit(char c)
 std::string newUUIDV4()
 {
     std::array<unsigned char, 16> bytes{};
+    utils::keepOpenSsl();
     if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1)
         return {};
     bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0FU) | 0x40U); // version 4

@@ -1,5 +1,6 @@
 #include "WorkPermit.h"
 
+#include <BaseCommon/Platform.h>
 #include <BaseCommon/ProcessEnd.h>
 
 #include <openssl/crypto.h>
@@ -7,6 +8,7 @@
 #include <pplx/threadpool.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
@@ -40,6 +42,8 @@ Permits& permits()
     static Permits& instance = *new Permits;
     return instance;
 }
+
+std::atomic<bool> isPoolMade{false};
 
 thread_local unsigned piecesOfThisThread = 0;
 thread_local unsigned operationsOfThisThread = 0;
@@ -101,20 +105,26 @@ void awaitCalls()
         all.phase = Phase::over;
         all.givenBack.wait_until(lock, end, [&] { return all.pieces == piecesOfThisThread; });
     }
-    quietly(&letPoolRunDry);
+    if (isPoolMade)
+        quietly(&letPoolRunDry);
 }
 
-/// What the work uses is made first, so that it goes last: OpenSSL, and cpprestsdk's pool, whose threads use OpenSSL.
+/// What the work uses is made first, so that it goes last: OpenSSL, and cpprestsdk's pool, whose threads use OpenSSL. Nothing of that is
+/// made any more while the process ends, as it would go at once.
 bool makeWhatIsUsed()
 {
+    ProcessEnd::at(ProcessEnd::Step::breakOffCalls, &breakOffCalls);
+    ProcessEnd::at(ProcessEnd::Step::awaitCalls, &awaitCalls);
+    if (ProcessEnd::hasBegun())
+        return false;
+    utils::keepOpenSsl();
     OPENSSL_init_crypto(OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr); // it does nothing for nothing
     try {
         crossplat::threadpool::shared_instance();
+        isPoolMade = true;
     }
     catch (const std::exception&) { // no thread to be had; the work itself will say so
     }
-    ProcessEnd::at(ProcessEnd::Step::breakOffCalls, &breakOffCalls);
-    ProcessEnd::at(ProcessEnd::Step::awaitCalls, &awaitCalls);
     return true;
 }
 
