@@ -38,28 +38,39 @@ int leave(ChildProcess& host, const Way& way)
     return host.wait();
 }
 
+/// Told once, by a thread that may still be telling when the test is over.
+class Signal
+{
+public:
+    void give() const { m_promise->set_value(); }
+    bool comes() const { return m_future.wait_for(std::chrono::seconds(20)) == std::future_status::ready; }
+    void wait() const { m_future.wait(); }
+
+private:
+    std::shared_ptr<std::promise<void>> m_promise = std::make_shared<std::promise<void>>();
+    std::shared_future<void> m_future = m_promise->get_future().share();
+};
+
 /// Holds a request up at a moment, for as long as the test wants.
 class Barrier
 {
 public:
-    Gateway::Watch at(int request, Gateway::Moment moment)
+    Gateway::Watch at(int request, Gateway::Moment moment) const
     {
-        return [this, request, moment](int number, Gateway::Moment now) {
+        return [reached = m_reached, opened = m_opened, request, moment](int number, Gateway::Moment now) {
             if (number != request || now != moment)
                 return true;
-            m_reached.set_value();
-            m_opened.wait();
+            reached.give();
+            opened.wait();
             return false;
         };
     }
-    bool isReached() { return m_reachedFuture.wait_for(std::chrono::seconds(20)) == std::future_status::ready; }
-    void open() { m_open.set_value(); }
+    bool isReached() const { return m_reached.comes(); }
+    void open() const { m_opened.give(); }
 
 private:
-    std::promise<void> m_reached;
-    std::future<void> m_reachedFuture = m_reached.get_future();
-    std::promise<void> m_open;
-    std::shared_future<void> m_opened = m_open.get_future().share();
+    Signal m_reached;
+    Signal m_opened;
 };
 
 /// The requests of an upload.
@@ -127,15 +138,15 @@ TEST_P(UploadJobExitWay, betweenTwoRequestsLosesNothing)
         SCOPED_TRACE(request);
         const std::string name = "图-" + std::to_string(request) + ".dwg";
         ChildProcess host(process());
-        std::promise<void> answered;
-        gateway.watch([&](int number, Gateway::Moment moment) {
+        const Signal answered;
+        gateway.watch([answered, request](int number, Gateway::Moment moment) {
             if (number == request && moment == Gateway::Moment::answered)
-                answered.set_value();
+                answered.give();
             return true;
         });
         ASSERT_EQ(host.ask(GetParam().start), "yes");
         ASSERT_EQ(host.ask("upload " + localFile(name, "bytes")), "yes");
-        ASSERT_EQ(answered.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        ASSERT_TRUE(answered.comes());
         EXPECT_EQ(leave(host, GetParam()), 0);
         finish();
         EXPECT_TRUE(place.holds(name, "bytes"));
@@ -149,16 +160,16 @@ TEST_P(UploadJobExitWay, inThePauseBeforeARepetitionLosesNothing)
         SCOPED_TRACE(request);
         const std::string name = "图-" + std::to_string(request) + ".dwg";
         ChildProcess host(process());
-        std::promise<void> dropped;
-        gateway.watch([&](int number, Gateway::Moment moment) {
+        const Signal dropped;
+        gateway.watch([dropped, request](int number, Gateway::Moment moment) {
             if (number == request && moment == Gateway::Moment::asked)
-                dropped.set_value();
+                dropped.give();
             return number < request;
         });
         ASSERT_EQ(host.ask("pause-long"), "yes");
         ASSERT_EQ(host.ask(GetParam().start), "yes");
         ASSERT_EQ(host.ask("upload " + localFile(name, "bytes")), "yes");
-        ASSERT_EQ(dropped.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        ASSERT_TRUE(dropped.comes());
         if (GetParam().lines.front() != "stop-and-sign-out") { // that would wait for the end of the pause
             EXPECT_EQ(leave(host, GetParam()), 0);
             EXPECT_THAT(copiesOfRows(), ElementsAre(name));
