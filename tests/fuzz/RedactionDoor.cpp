@@ -25,21 +25,27 @@ std::wstring planted(const std::wstring& form)
     return form.substr(0, at) + credential + form.substr(at + 1);
 }
 
-/// Whether the second text is the first with masks in the place of some parts of it.
+/// Whether the second text is the first with masks in the place of some parts of it. Asterisks of the text's own beside a mask look like
+/// a part of it, so every way of reading them is followed: how much of the first text may be behind the second's first characters.
 bool masksOnlyMore(const std::wstring& once, const std::wstring& twice)
 {
+    if (once == twice)
+        return true;
     constexpr std::wstring_view mask = L"***";
-    std::size_t from = 0;
-    for (std::size_t begin = 0; begin <= twice.size();) {
-        const std::size_t end = std::min(twice.find(mask, begin), twice.size());
-        const std::wstring piece = twice.substr(begin, end - begin);
-        const std::size_t found = once.find(piece, from);
-        if (found == std::wstring::npos || (begin == 0 && found != 0))
-            return false;
-        from = found + piece.size();
-        begin = end + mask.size();
+    using Lengths = std::vector<char>;
+    std::vector<Lengths> behind(twice.size() + 1, Lengths(once.size() + 1));
+    behind[0][0] = 1;
+    for (std::size_t at = 0; at < twice.size(); ++at) {
+        const Lengths& here = behind[at];
+        for (std::size_t i = 0; i < once.size(); ++i)
+            behind[at + 1][i + 1] |= here[i] && once[i] == twice[at];
+        if (twice.compare(at, mask.size(), mask) == 0) {
+            const auto first = std::find(here.begin(), here.end(), 1) - here.begin();
+            Lengths& next = behind[at + mask.size()];
+            std::fill(next.begin() + first, next.end(), 1);
+        }
     }
-    return true;
+    return behind.back().back() != 0;
 }
 
 /// A line goes through more than one hand. The next one may take what a mask left for a name or a credential, and mask that too.
