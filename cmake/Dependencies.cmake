@@ -1,6 +1,7 @@
 find_package(Threads REQUIRED)
 find_package(OpenSSL REQUIRED)
 find_package(ZLIB REQUIRED)
+find_package(CURL 7.87 REQUIRED)
 find_package(cpprestsdk REQUIRED)
 find_package(SQLite3 REQUIRED)
 find_package(spdlog REQUIRED)

@@ -51,12 +51,6 @@ bool waitUntilReached(const std::atomic<int>& count, int wanted)
 }
 
 /// No more permits are given once the end of the process has come.
-bool processEnds()
-{
-    const http::WorkPermit permit;
-    return !permit;
-}
-
 /// Without the streams, which go with the process.
 void say(const char* words)
 {
@@ -144,20 +138,6 @@ int leaveAndAskLater()
     return 0;
 }
 
-int leaveBetweenTwoPieces()
-{
-    static auto& baton = *new http::WorkBaton;
-    {
-        const http::WorkPermit first;
-        baton.take();
-    }
-    std::thread([] {
-        say(test::waitUntil(&processEnds) ? "the second piece\n" : "the process goes on\n");
-        baton.drop();
-    }).detach();
-    return 0;
-}
-
 } // namespace
 
 /// Asked by the leak sanitizer. What is queued in cpprestsdk's pool when the process ends is never freed, with all that it holds.
@@ -185,7 +165,5 @@ int main(int argc, char** argv)
     }
     if (what == "late")
         return leaveAndAskLater();
-    if (what == "between")
-        return leaveBetweenTwoPieces();
     return 2;
 }

@@ -67,12 +67,5 @@ TEST(ExitOrderTest, refusesWhatAStaticDestructorAsksForLater)
     EXPECT_EQ(outcome.output, "the process ends\n");
 }
 
-TEST(ExitOrderTest, comesNotBetweenTwoPiecesOfTheSameWork)
-{
-    const Outcome outcome = run("exec " EXIT_WHILE_BUSY_PROGRAM " between");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.output, "the second piece\n");
-}
-
 } // namespace
 } // namespace orlo::test

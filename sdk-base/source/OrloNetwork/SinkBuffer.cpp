@@ -1,18 +1,145 @@
 #include "SinkBuffer.h"
 
+#include "Engine/Workers.h"
+
+#include <condition_variable>
+#include <mutex>
 #include <utility>
+#include <vector>
 
 namespace orlo::http {
 
-SinkBuffer::SinkBuffer(Write write) : streambuf_state_manager(std::ios_base::out), m_write(std::move(write))
+namespace {
+
+/// So much is written at a time, and as much comes in meanwhile.
+constexpr size_t runSize = size_t{256} << 10;
+
+} // namespace
+
+struct SinkBuffer::Runs : std::enable_shared_from_this<Runs>
+{
+    Runs(Write function, Place where) : write(std::move(function)), place(where) {}
+
+    const Write write;
+
+    bool offer(const uint8_t* bytes, size_t count, const Wake& wakeSender)
+    {
+        if (place == Place::inPlace) {
+            write(bytes, count);
+            return true;
+        }
+        std::unique_lock lock(mutex);
+        if (!wakeSender)
+            changed.wait(lock, [&] { return hasRoom(); });
+        if (thrown)
+            std::rethrow_exception(thrown);
+        if (!hasRoom()) {
+            wake = wakeSender;
+            return false;
+        }
+        if (coming.capacity() == 0)
+            coming.reserve(runSize + count);
+        coming.insert(coming.end(), bytes, bytes + count);
+        if (!isWriting && coming.size() >= runSize)
+            startWriting();
+        return true;
+    }
+
+    void flush(Flushed whenFlushed)
+    {
+        std::unique_lock lock(mutex);
+        if (!isWriting && (coming.empty() || thrown)) {
+            const std::exception_ptr failure = thrown;
+            lock.unlock();
+            whenFlushed(failure);
+            return;
+        }
+        flushed = std::move(whenFlushed);
+        if (!isWriting)
+            startWriting();
+    }
+
+private:
+    bool hasRoom() const { return thrown || coming.size() < runSize; }
+
+    void startWriting()
+    {
+        isWriting = true;
+        coming.swap(going);
+        Workers::instance().run([self = shared_from_this()] { self->writeAll(); });
+    }
+
+    /// Until nothing more than a part of a run is there, and all of it when that is wanted.
+    void writeAll()
+    {
+        std::unique_lock lock(mutex);
+        while (true) {
+            lock.unlock();
+            const std::exception_ptr failure = writeRun();
+            lock.lock();
+            going.clear();
+            thrown = thrown ? thrown : failure;
+            const bool goesOn = !thrown && (coming.size() >= runSize || (flushed && !coming.empty()));
+            if (goesOn)
+                coming.swap(going);
+            isWriting = goesOn;
+            const Wake woken = std::exchange(wake, nullptr);
+            const Flushed ended = goesOn ? nullptr : std::exchange(flushed, nullptr);
+            const std::exception_ptr end = thrown;
+            changed.notify_all();
+            lock.unlock();
+            if (woken)
+                woken();
+            if (ended)
+                ended(end);
+            if (!goesOn)
+                return;
+            lock.lock();
+        }
+    }
+
+    std::exception_ptr writeRun() noexcept
+    {
+        try {
+            write(going.data(), going.size());
+        }
+        catch (...) {
+            return std::current_exception();
+        }
+        return {};
+    }
+
+    const Place place;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<uint8_t> coming;
+    std::vector<uint8_t> going; ///< of the thread that writes, while one does
+    bool isWriting = false;
+    std::exception_ptr thrown;
+    Wake wake;
+    Flushed flushed;
+};
+
+SinkBuffer::SinkBuffer(Write write, Place place)
+    : streambuf_state_manager(std::ios_base::out), m_runs(std::make_shared<Runs>(std::move(write), place))
 {}
 
 SinkBuffer::~SinkBuffer() = default;
 
-concurrency::streams::ostream SinkBuffer::stream(Write write)
+concurrency::streams::ostream SinkBuffer::stream(Write write, Place place)
 {
-    std::shared_ptr<concurrency::streams::details::basic_streambuf<uint8_t>> buffer = std::make_shared<SinkBuffer>(std::move(write));
+    std::shared_ptr<concurrency::streams::details::basic_streambuf<uint8_t>> buffer = std::make_shared<SinkBuffer>(std::move(write), place);
     return concurrency::streams::ostream(concurrency::streams::streambuf<uint8_t>(buffer));
+}
+
+bool SinkBuffer::offer(const uint8_t* bytes, size_t count, const Wake& wake)
+{
+    return m_runs->offer(bytes, count, wake);
+}
+
+void SinkBuffer::flush(Flushed flushed)
+{
+    m_runs->flush(std::move(flushed));
 }
 
 bool SinkBuffer::acquire(uint8_t*& bytes, size_t& count)
@@ -27,10 +154,11 @@ pplx::task<SinkBuffer::int_type> SinkBuffer::_putc(uint8_t byte)
     return _putn(&byte, 1).then([byte](size_t) { return static_cast<int_type>(byte); });
 }
 
+// Those who write here without the engine expect it to be done, and flush nothing.
 pplx::task<size_t> SinkBuffer::_putn(const uint8_t* bytes, size_t count)
 {
     try {
-        m_write(bytes, count);
+        m_runs->write(bytes, count);
     }
     catch (...) {
         return pplx::task_from_exception<size_t>(std::current_exception());

@@ -5,23 +5,36 @@
 #include <cpprest/astreambuf.h>
 #include <cpprest/streams.h>
 
+#include <exception>
 #include <functional>
 #include <memory>
 
 namespace orlo::http {
 
-/// Hands every run of bytes that cpprestsdk receives to a function, before the next run is asked for; so a slow
+/// Hands the bytes that a transfer receives to a function, one run at a time and before much more is asked for; so a slow
 /// receiver slows the sender down instead of filling the memory. What the function throws fails the transfer.
 /// It stands in for cpprestsdk's file streams, which crash the process when a write fails.
 class ORLO_NETWORK_API SinkBuffer : public concurrency::streams::details::streambuf_state_manager<uint8_t>
 {
 public:
     using Write = std::function<void(const uint8_t* bytes, size_t count)>;
+    using Wake = std::function<void()>;
+    using Flushed = std::function<void(const std::exception_ptr&)>;
 
-    static concurrency::streams::ostream stream(Write write);
+    /// Where the function is called. It may wait for a disk or a lock `apart`, on a thread for that; `inPlace`, on the thread that
+    /// carries the bytes, it must not, unless that is the caller's own.
+    enum class Place { apart, inPlace };
 
-    explicit SinkBuffer(Write write);
+    static concurrency::streams::ostream stream(Write write, Place place = Place::apart);
+
+    SinkBuffer(Write write, Place place);
     ~SinkBuffer() override;
+
+    /// Takes a run of bytes, which may go when this returns. With a null `wake` it waits until there is room.
+    /// Returns: false if there is no room; `wake` is called, on any thread, when there is. Throws what the function threw.
+    bool offer(const uint8_t* bytes, size_t count, const Wake& wake);
+    /// Calls back when the function has had all, at once or on the thread where it had the last of them.
+    void flush(Flushed flushed);
 
     bool can_seek() const override { return false; }
     bool has_size() const override { return false; }
@@ -55,7 +68,8 @@ private:
     static pos_type nowhere() { return static_cast<pos_type>(traits::eof()); }
     static pplx::task<int_type> ended();
 
-    Write m_write;
+    struct Runs;
+    const std::shared_ptr<Runs> m_runs;
 };
 
 } // namespace orlo::http

@@ -1,7 +1,7 @@
 #include "WebRequest.h"
 
-#include "CertificateStore.h"
 #include "Charset.h"
+#include "Engine/EngineStage.h"
 #include "Operation.h"
 #include "SinkBuffer.h"
 #include "WorkPermit.h"
@@ -11,6 +11,8 @@
 #include <BaseCommon/Text.h>
 #include <OrloAuth/UserSession.h>
 #include <OrloCommon/OrloConfigManager.h>
+
+#include <cpprest/uri_builder.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -26,16 +28,36 @@ using web::http::http_response;
 using web::http::client::http_client;
 using web::http::client::http_client_config;
 
-void applyHostConfiguration(http_client_config& config)
+/// Of the time-out; for a call whose answer comes in drops.
+constexpr int wholeCall = 5;
+
+void takeProxy(const std::wstring& proxy, http::Route& route)
 {
-    config.set_max_redirects(0);
+    const web::uri address(utils::toNative(proxy));
+    route.proxy = utils::fromNativeToUtf8(web::uri_builder(address).set_user_info(utility::string_t()).to_uri().to_string());
+    const std::string user = utils::fromNativeToUtf8(address.user_info());
+    const size_t colon = std::min(user.find(':'), user.size());
+    const auto decoded = [](const std::string& text) { return utils::fromNativeToUtf8(web::uri::decode(utils::toNative(text))); };
+    route.proxyUser = decoded(user.substr(0, colon));
+    route.proxyPassword = decoded(user.substr(std::min(colon + 1, user.size())));
+}
+
+std::shared_ptr<const http::Route> routeOf(const http_client_config& config, Traffic traffic)
+{
+    using std::chrono::microseconds;
+    constexpr microseconds year = std::chrono::hours(365 * 24);
     const auto host = OrloConfigManager::Get()->snapshot();
+    const auto route = std::make_shared<http::Route>();
+    route->timeout = std::min(config.timeout<microseconds>(), year);
+    if (traffic == Traffic::calls)
+        route->wholeTime = wholeCall * route->timeout;
+    route->isOfFiles = traffic != Traffic::calls;
+    route->keepsConnections = traffic == Traffic::filesOfBatch || host->keepConnections;
     if (!host->proxy.empty())
-        config.set_proxy(web::web_proxy(web::uri(utils::toNative(host->proxy))));
+        takeProxy(host->proxy, *route);
     if (!host->caFile.empty())
-        config.set_ssl_context_callback([store = http::certificatesOf(host->caFile)](boost::asio::ssl::context& context) {
-            SSL_CTX_set1_cert_store(context.native_handle(), store.get());
-        });
+        route->trust = http::trustInFile(host->caFile);
+    return route;
 }
 
 /// cpprestsdk writes header values as they are, so a line break in one would forge a header.
@@ -87,16 +109,19 @@ std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri)
     return CreateClient(baseUri, config);
 }
 
-std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri, http_client_config& config)
+std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri, http_client_config& config, Traffic traffic)
 {
     // From here on the end of the process knows of requests.
     if (const http::WorkPermit permit; !permit)
         throw std::runtime_error("the process ends");
-    applyHostConfiguration(config);
+    config.set_max_redirects(0);
+    const auto route = routeOf(config, traffic);
     // It would be cut there without a word.
     if (utils::holdsNul(baseUri))
         throw std::invalid_argument("an address can't hold a NUL");
-    return std::make_shared<http_client>(web::uri(utils::toNative(baseUri)), config);
+    const auto client = std::make_shared<http_client>(web::uri(utils::toNative(baseUri)), config);
+    client->add_handler(std::make_shared<http::EngineStage>(route));
+    return client;
 }
 
 std::shared_ptr<http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery, const web::json::value& body)
@@ -114,16 +139,26 @@ std::shared_ptr<http_request> CreateRequest(const web::http::method& method, con
     return request;
 }
 
+http_response SendAndWait(http_client& client, const http_request& request)
+{
+    const http::CarriedHere here;
+    http_response response = client.request(request, http::Operation::token()).get();
+    // content_ready would go through a thread of cpprestsdk's pool.
+    pplx::create_task(response._get_impl()->_get_data_available()).get();
+    return response;
+}
+
 http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode, size_t limit)
 {
     const auto body = std::make_shared<std::string>();
-    request->set_response_stream(http::SinkBuffer::stream([body, limit](const uint8_t* bytes, size_t count) {
-        if (count > limit - body->size())
-            throw std::length_error("the answer is too large");
-        body->append(reinterpret_cast<const char*>(bytes), count);
-    }));
-    http_response response = client.request(*request, http::Operation::token()).get();
-    response.content_ready().get();
+    request->set_response_stream(http::SinkBuffer::stream(
+        [body, limit](const uint8_t* bytes, size_t count) {
+            if (count > limit - body->size())
+                throw std::length_error("the answer is too large");
+            body->append(reinterpret_cast<const char*>(bytes), count);
+        },
+        http::SinkBuffer::Place::inPlace));
+    http_response response = SendAndWait(client, *request);
 
     if (response.status_code() >= 400)
         errorCode.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", TextOf(response, *body), response.status_code(), 0));

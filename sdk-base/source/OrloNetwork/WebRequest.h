@@ -28,12 +28,23 @@ private:
 
 namespace OrloWebService {
 
+/// What the requests of a client carry.
+enum class Traffic {
+    calls,       ///< JSON: the whole of a call gets no longer than five times the time-out
+    files,       ///< as long as there is headway
+    filesOfBatch ///< the same, on connections that are kept for the next file
+};
+
+/// Of an answer that tells an error no more is kept; the rest isn't read.
+constexpr size_t largestErrorBody = size_t{1} << 20;
+
 /// A client for one request. It follows no redirects, which would carry the access token to another host, verifies
-/// certificates always, and uses the proxy and the certificate file of the configuration.
+/// certificates always, and uses the proxy and the certificate file of the configuration. The time-out of the config is how long a request
+/// may go without any headway: nothing looked up, connected, sent or received.
 /// Throws std::invalid_argument for an empty or unusable address, and std::runtime_error once the process ends.
 ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri);
-ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri,
-                                                                              web::http::client::http_client_config& config);
+ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client>
+CreateClient(const std::wstring& baseUri, web::http::client::http_client_config& config, Traffic traffic = Traffic::calls);
 
 /// A request with the user's identity in its headers. A null body means no body. A request is sent once; another
 /// attempt makes another one. Throws for a path that is no valid URI and for a token that fits no header.
@@ -42,10 +53,14 @@ ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const we
 ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const web::http::method& method, const web::uri& pathAndQuery,
                                                                         const std::wstring& body);
 
+/// Sends the request on this thread, and returns when all of the answer is in the request's response stream. Throws on a transport failure,
+/// and what the stream throws.
+ORLO_NETWORK_API web::http::http_response SendAndWait(web::http::client::http_client& client, const web::http::http_request& request);
+
 /// No answer of the REST services comes near this; beyond it an answer is taken for an attack on the memory.
 constexpr size_t largestAnswer = size_t{512} << 20;
 
-/// Sends the request and waits for the whole answer, body included. A status of 400 or above leaves an HttpError with
+/// Sends the request on this thread and waits for the whole answer, body included. A status of 400 or above leaves an HttpError with
 /// the answer's body as its message in `errorCode`; other statuses leave `errorCode` alone. Throws on a transport failure,
 /// and std::length_error for a body of more than `limit` bytes, of which no more than those are read into memory.
 ORLO_NETWORK_API web::http::http_response ExecuteRequest(web::http::client::http_client& client,

@@ -1,19 +1,20 @@
 #include "WorkPermit.h"
 
+#include "Engine/Curl.h"
+#include "Engine/Loop.h"
+#include "Engine/Workers.h"
+
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/ProcessEnd.h>
 
 #include <openssl/crypto.h>
-#include <pplx/pplx.h>
 #include <pplx/threadpool.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <functional>
-#include <future>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -43,30 +44,19 @@ Permits& permits()
     return instance;
 }
 
-std::atomic<bool> isPoolMade{false};
-
 thread_local unsigned piecesOfThisThread = 0;
 thread_local unsigned operationsOfThisThread = 0;
 
-using Turn = std::shared_ptr<std::promise<void>>;
-
-void endTurn(void* turn)
+/// cpprestsdk makes its pool with the first client, and gives it forty threads, of which the library uses none. A host that wants them says
+/// so before its first call.
+void makePool()
 {
-    const std::unique_ptr<Turn> owner(static_cast<Turn*>(turn));
-    (*owner)->set_value();
-}
-
-/// What cpprestsdk has queued for itself goes unrun when its pool goes, with all that it holds; so its queue gets a few turns first. Each
-/// turn ends behind what was queued before it.
-void letPoolRunDry()
-{
-    for (int i = 0; i < 4; ++i) {
-        const Turn turn = std::make_shared<std::promise<void>>();
-        auto owner = std::make_unique<Turn>(turn);
-        pplx::get_ambient_scheduler()->schedule(&endTurn, owner.get());
-        static_cast<void>(owner.release()); // the queue has it
-        if (turn->get_future().wait_for(std::chrono::milliseconds(50)) != std::future_status::ready)
-            return; // its threads are busy with something else
+    constexpr int threads = 2;
+    try {
+        crossplat::threadpool::initialize_with_threads(threads);
+    }
+    catch (const std::exception&) { // the host has made it
+        crossplat::threadpool::shared_instance();
     }
 }
 
@@ -105,8 +95,9 @@ void awaitCalls()
         all.phase = Phase::over;
         all.givenBack.wait_until(lock, end, [&] { return all.pieces == piecesOfThisThread; });
     }
-    if (isPoolMade)
-        quietly(&letPoolRunDry);
+    // What nobody waits for is dropped: its requests are cancelled, and its workers do nothing without a permit.
+    Loop::instance().endBy(end);
+    Workers::instance().endBy(end);
 }
 
 /// What the work uses is made first, so that it goes last: OpenSSL, and cpprestsdk's pool, whose threads use OpenSSL. Nothing of that is
@@ -119,12 +110,8 @@ bool makeWhatIsUsed()
         return false;
     utils::keepOpenSsl();
     OPENSSL_init_crypto(OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr); // it does nothing for nothing
-    try {
-        crossplat::threadpool::shared_instance();
-        isPoolMade = true;
-    }
-    catch (const std::exception&) { // no thread to be had; the work itself will say so
-    }
+    quietly([] { curl::makeReady(); });
+    quietly(&makePool);
     return true;
 }
 
@@ -187,23 +174,6 @@ OperationPermit::~OperationPermit()
     const std::lock_guard lock(all.mutex);
     all.operations.erase(std::find(all.operations.begin(), all.operations.end(), m_interruption));
     --operationsOfThisThread;
-    all.givenBack.notify_all();
-}
-
-void WorkBaton::take()
-{
-    Permits& all = permits();
-    const std::lock_guard lock(all.mutex);
-    all.pieces += m_taken ? 0 : 1;
-    m_taken = true;
-}
-
-void WorkBaton::drop()
-{
-    Permits& all = permits();
-    const std::lock_guard lock(all.mutex);
-    all.pieces -= m_taken ? 1 : 0;
-    m_taken = false;
     all.givenBack.notify_all();
 }
 

@@ -47,22 +47,4 @@ private:
     bool m_given;
 };
 
-/// Joins two pieces of the same work, so that the end of the process doesn't come between them: the first takes it as its last act, under
-/// its permit, and the second drops it as its first.
-class ORLO_NETWORK_API WorkBaton
-{
-public:
-    WorkBaton() = default;
-    ~WorkBaton() { drop(); }
-
-    WorkBaton(const WorkBaton&) = delete;
-    WorkBaton& operator=(const WorkBaton&) = delete;
-
-    void take();
-    void drop();
-
-private:
-    bool m_taken = false;
-};
-
 } // namespace orlo::http

@@ -1,6 +1,7 @@
 #include "AsyncCall.h"
 
 #include <BaseCommon/Text.h>
+#include <OrloNetwork/Engine/Workers.h>
 #include <OrloNetwork/Operation.h>
 #include <OrloNetwork/SinkBuffer.h>
 #include <OrloNetwork/WebRequest.h>
@@ -60,53 +61,57 @@ private:
     const Interruption::Scope m_scope;
 };
 
-void reportFailure(const pplx::task<void>& ended, const Step& step, http::WorkBaton& baton)
+/// The response, once its body is there, without a thread between the two.
+pplx::task<http_response> withContent(const http_response& response)
+{
+    const pplx::task_options atOnce(http::Workers::atOnce());
+    return pplx::create_task(response._get_impl()->_get_data_available(), atOnce)
+        .then([response](utility::size64_t) { return response; }, atOnce);
+}
+
+void reportCaught(const Step& step)
+{
+    http::HandleCasablancaException(pplx::task_from_exception<void>(std::current_exception()), step.context, step.key, *step.error);
+}
+
+/// The end of an exchange, in one piece: the outcome may stand and the process end while it still runs.
+void conclude(const pplx::task<http_response>& arrived, const Step& step, const Exchange& made,
+              const std::function<void(http_response)>& answered)
 {
     const Piece piece(step);
-    baton.drop();
-    if (piece)
-        return http::HandleCasablancaException(ended, step.context, step.key, *step.error);
     try {
-        ended.get();
+        const http_response response = arrived.get();
+        if (!piece)
+            return;
+        OrloWebService::LogResponse(response, *made.request, *step.error);
+        answered(response);
     }
-    catch (...) { // looked at, which is all that a failure wants now
+    catch (...) {
+        if (piece)
+            reportCaught(step);
     }
 }
 
-struct PassOn
-{
-    http::WorkBaton& baton;
-    ~PassOn() { baton.take(); }
-};
-
 } // namespace
 
-void exchange(const Step& step, const std::function<Exchange()>& prepare, std::function<void(const uint8_t*, size_t)> sink,
+void exchange(const Step& step, const std::function<Exchange()>& prepare, const concurrency::streams::ostream& sink,
               std::function<void(http_response)> answered)
 {
-    const auto baton = std::make_shared<http::WorkBaton>();
-    const auto fail = [step, baton](const pplx::task<void>& ended) { reportFailure(ended, step, *baton); };
     try {
         goOnUnlessBrokenOff(step);
         const Exchange made = prepare();
-        made.request->set_response_stream(http::SinkBuffer::stream(std::move(sink)));
+        made.request->set_response_stream(sink);
         OrloWebService::LogRequest(*made.client, *made.request);
         const auto cancellation = std::make_shared<const http::Cancellation>(interruptionOf(step));
         made.client->request(*made.request, cancellation->token())
-            .then([made](const http_response& response) { return response.content_ready(); })
-            .then([made, cancellation, step, baton, answered = std::move(answered)](const http_response& response) {
-                const Piece piece(step);
-                if (!piece)
-                    return;
-                // The outcome may stand and the process end before the last continuation has had its turn.
-                const PassOn pass{*baton};
-                OrloWebService::LogResponse(response, *made.request, *step.error);
-                answered(response);
-            })
-            .then(fail);
+            .then(&withContent, pplx::task_options(http::Workers::atOnce()))
+            .then([made, cancellation, step,
+                   answered = std::move(answered)](const pplx::task<http_response>& arrived) { conclude(arrived, step, made, answered); },
+                  pplx::task_options(http::Workers::scheduler()));
     }
     catch (...) {
-        fail(pplx::task_from_exception<void>(std::current_exception()));
+        if (const Piece piece(step); piece)
+            reportCaught(step);
     }
 }
 
@@ -119,7 +124,7 @@ void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)>
         body->append(reinterpret_cast<const char*>(bytes), count);
     };
     exchange(
-        step, [call] { return call.prepare(); }, receive,
+        step, [call] { return call.prepare(); }, http::SinkBuffer::stream(receive, http::SinkBuffer::Place::inPlace),
         [step, call, body, answered = std::move(answered)](http_response response) {
             noteStatus(*step.error, response, *body);
             response.set_body(std::move(*body), "application/json");

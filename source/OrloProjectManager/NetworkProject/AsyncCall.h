@@ -4,6 +4,8 @@
 
 #include <BaseCommon/Callbacks.h>
 
+#include <cpprest/streams.h>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -24,10 +26,10 @@ struct Step
     void stop() const { context->propagate = false; }
 };
 
-/// Sends a request whose answer's body goes to `sink`, a few bytes at a time, and calls `answered` on a task of cpprestsdk
+/// Sends a request whose answer's body goes to `sink`, and calls `answered` on one of the library's workers
 /// when the whole body has gone there. What `prepare` throws, what goes wrong on the way, and what `answered` throws reaches
 /// the chain's handler through HandleCasablancaException. Throws nothing itself.
-void exchange(const Step& step, const std::function<Exchange()>& prepare, std::function<void(const uint8_t*, size_t)> sink,
+void exchange(const Step& step, const std::function<Exchange()>& prepare, const concurrency::streams::ostream& sink,
               std::function<void(web::http::http_response)> answered);
 
 /// The same for a REST operation, with the answer in memory. A status of 400 or above is left in the step's ErrorCode.

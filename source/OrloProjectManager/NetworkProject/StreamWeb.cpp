@@ -21,6 +21,7 @@
 
 namespace orlo::OrloWebService {
 
+using http::SinkBuffer;
 using web::http::http_response;
 
 namespace {
@@ -255,7 +256,7 @@ bool PutFileAsync(ErrorCode& error, const std::string& url, const std::string& c
     const auto receive = [answer](const std::uint8_t* bytes, size_t count) {
         answer->append(reinterpret_cast<const char*>(bytes), std::min(count, largestAnswer - answer->size()));
     };
-    exchange(step, put, receive, [step, answer](const http_response& response) {
+    exchange(step, put, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace), [step, answer](const http_response& response) {
         noteStatus(*step.error, response, *answer);
         const bool ok = isOk(step, response, L"OrloWebService::PutFileAsync - code:");
         step.complete(response.status_code(), ok ? jsonOrNothing(*answer) : step.error->GetErrorMessage());
@@ -275,7 +276,8 @@ void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& cont
     };
     const auto received = std::make_shared<std::vector<unsigned char>>();
     const auto receive = [received](const std::uint8_t* bytes, size_t count) { append(*received, bytes, count); };
-    exchange(step, get, receive, [step, received](const http_response& response) { fileArrived(step, response, std::move(*received)); });
+    exchange(step, get, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace),
+             [step, received](const http_response& response) { fileArrived(step, response, std::move(*received)); });
 }
 
 void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context, Pieces pieces)
@@ -285,7 +287,7 @@ void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const s
     const auto stream = std::make_shared<StreamTarget>(target);
     const auto receive = [stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); };
     exchange(
-        step, [url, pieces] { return signedExchange(methods::GET, url, bytesOf(pieces)); }, receive,
+        step, [url, pieces] { return signedExchange(methods::GET, url, bytesOf(pieces)); }, SinkBuffer::stream(receive),
         [step, stream](const http_response& response) { streamArrived(step, response, *stream); });
 }
 
@@ -294,11 +296,10 @@ try {
     const http::Operation operation;
     const auto stream = std::make_shared<StreamTarget>(target);
     const Exchange made = signedExchange(methods::GET, url, bytesOf(Pieces::small));
-    made.request->set_response_stream(
-        http::SinkBuffer::stream([stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); }));
+    made.request->set_response_stream(SinkBuffer::stream(
+        [stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); }, SinkBuffer::Place::inPlace));
     LogRequest(*made.client, *made.request);
-    const http_response response = made.client->request(*made.request, http::Operation::token()).get();
-    response.content_ready().get();
+    const http_response response = SendAndWait(*made.client, *made.request);
     LogResponse(response, *made.request, error);
     noteStatus(error, response, stream->head);
     if (!isOk(response, L"OrloWebService::DownloadFileFromUrl - code:"))

@@ -1,0 +1,130 @@
+#include "Here.h"
+
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace orlo::http {
+
+namespace {
+
+struct Carrier
+{
+    curl::Multi multi = curl::makeMulti();
+    curl::Easy easy = curl::makeEasy();
+};
+
+/// Made handles are kept for the next calls: to make one takes longer than a small call.
+class Carriers
+{
+public:
+    std::unique_ptr<Carrier> take()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            if (!m_free.empty()) {
+                auto last = std::move(m_free.back());
+                m_free.pop_back();
+                return last;
+            }
+        }
+        return std::make_unique<Carrier>();
+    }
+
+    void giveBack(std::unique_ptr<Carrier> carrier)
+    {
+        curl_easy_reset(carrier->easy.get());
+        const std::lock_guard lock(m_mutex);
+        if (m_free.size() < most)
+            m_free.push_back(std::move(carrier));
+    }
+
+private:
+    static constexpr std::size_t most = 16;
+
+    std::mutex m_mutex;
+    std::vector<std::unique_ptr<Carrier>> m_free;
+};
+
+// Never destroyed: a call may still run while the process ends.
+Carriers& carriers()
+{
+    static Carriers& instance = *new Carriers;
+    return instance;
+}
+
+/// Wakes the one who waits when the call is cancelled.
+class Awakening
+{
+public:
+    Awakening(const pplx::cancellation_token& token, CURLM* multi) : m_token(token)
+    {
+        if (m_token.is_cancelable())
+            m_registration = m_token.register_callback([multi] { curl_multi_wakeup(multi); });
+    }
+    ~Awakening()
+    {
+        if (m_token.is_cancelable())
+            m_token.deregister_callback(m_registration); // it waits for one that runs
+    }
+    Awakening(const Awakening&) = delete;
+    Awakening& operator=(const Awakening&) = delete;
+
+private:
+    const pplx::cancellation_token m_token;
+    pplx::cancellation_token_registration m_registration;
+};
+
+/// The handle is attached as long as this lives.
+class Ride
+{
+public:
+    Ride(CURLM* multi, CURL* easy) : m_multi(multi), m_easy(easy) { curl::require(curl_multi_add_handle(m_multi, m_easy)); }
+    ~Ride() { curl_multi_remove_handle(m_multi, m_easy); }
+    Ride(const Ride&) = delete;
+    Ride& operator=(const Ride&) = delete;
+
+    std::optional<CURLcode> step()
+    {
+        int running = 0;
+        curl::require(curl_multi_perform(m_multi, &running));
+        return curl::endedOn(m_multi).code;
+    }
+
+private:
+    CURLM* m_multi;
+    CURL* m_easy;
+};
+
+void carry(Transfer& transfer, Carrier& carrier)
+{
+    transfer.attach(carrier.easy.get(), nullptr);
+    const Awakening awakening(transfer.token(), carrier.multi.get());
+    Ride ride(carrier.multi.get(), carrier.easy.get());
+    while (true) {
+        if (transfer.token().is_canceled())
+            return transfer.endWith(cancelled());
+        if (const auto ended = ride.step())
+            return transfer.end(*ended);
+        if (Transfer::Clock::now() >= transfer.due())
+            return transfer.endTooLate();
+        curl::waitUntil(carrier.multi.get(), transfer.due());
+    }
+}
+
+} // namespace
+
+void carryHere(const std::shared_ptr<Transfer>& transfer)
+{
+    auto carrier = carriers().take();
+    try {
+        carry(*transfer, *carrier);
+    }
+    catch (...) {
+        transfer->endWith(std::current_exception());
+        return; // what is the matter with the handle nobody knows
+    }
+    carriers().giveBack(std::move(carrier));
+}
+
+} // namespace orlo::http

@@ -1,0 +1,157 @@
+#include "Workers.h"
+
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace orlo::http {
+
+namespace {
+
+constexpr unsigned usual = 4;
+constexpr unsigned most = 100;
+constexpr std::chrono::milliseconds patience{20};
+constexpr std::chrono::seconds idleTime{1};
+
+thread_local unsigned depthOfThisThread = 0;
+
+void runQuietly(const std::function<void()>& work) noexcept
+{
+    try {
+        work();
+    }
+    catch (...) { // it told its caller what it had to tell
+    }
+}
+
+class Scheduler final : public pplx::scheduler_interface
+{
+public:
+    void schedule(pplx::TaskProc_t procedure, void* parameter) override
+    {
+        Workers::instance().run([procedure, parameter] { procedure(parameter); });
+    }
+};
+
+class AtOnce final : public pplx::scheduler_interface
+{
+public:
+    void schedule(pplx::TaskProc_t procedure, void* parameter) override { procedure(parameter); }
+};
+
+} // namespace
+
+struct Workers::State
+{
+    void start();
+    void work();
+    /// Returns: false when there is nothing more to do for this thread.
+    bool awaitWork(std::unique_lock<std::mutex>& lock);
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::condition_variable gone;
+    std::deque<std::function<void()>> queue;
+    unsigned threads = 0;
+    unsigned busy = 0;
+    bool hasEnded = false;
+};
+
+Workers::Workers() : m_state(std::make_unique<State>())
+{}
+
+Workers& Workers::instance()
+{
+    static Workers& workers = *new Workers;
+    return workers;
+}
+
+pplx::scheduler_ptr Workers::scheduler()
+{
+    static Scheduler& scheduler = *new Scheduler;
+    return pplx::scheduler_ptr(&scheduler);
+}
+
+pplx::scheduler_ptr Workers::atOnce()
+{
+    static AtOnce& scheduler = *new AtOnce;
+    return pplx::scheduler_ptr(&scheduler);
+}
+
+void Workers::run(std::function<void()> work)
+{
+    State& state = *m_state;
+    {
+        const std::lock_guard lock(state.mutex);
+        if (!state.hasEnded) {
+            state.queue.push_back(std::move(work));
+            if (state.threads == state.busy && state.threads < most)
+                state.start();
+            if (state.threads > 0) {
+                state.changed.notify_all();
+                return;
+            }
+            work = std::move(state.queue.back());
+            state.queue.pop_back();
+        }
+    }
+    runQuietly(work);
+}
+
+void Workers::State::start()
+{
+    try {
+        std::thread([this] { work(); }).detach();
+        ++threads;
+    }
+    catch (const std::system_error&) { // none to be had: those that are there do the work
+    }
+}
+
+bool Workers::State::awaitWork(std::unique_lock<std::mutex>& lock)
+{
+    while (true) {
+        if (!changed.wait_for(lock, idleTime, [&] { return !queue.empty() || hasEnded; }) || queue.empty())
+            return false;
+        // One that is surplus waits whether the usual ones get to it.
+        if (busy < usual || changed.wait_for(lock, patience, [&] { return queue.empty() || busy < usual; }) == false)
+            return true;
+    }
+}
+
+void Workers::State::work()
+{
+    ++depthOfThisThread;
+    std::unique_lock lock(mutex);
+    while (awaitWork(lock)) {
+        std::function<void()> next = std::move(queue.front());
+        queue.pop_front();
+        ++busy;
+        if (!queue.empty() && threads == busy && threads < most)
+            start();
+        lock.unlock();
+        runQuietly(next);
+        next = nullptr; // what it held goes before the lock is taken again
+        lock.lock();
+        --busy;
+        changed.notify_all();
+    }
+    --threads;
+    gone.notify_all();
+}
+
+void Workers::endBy(std::chrono::steady_clock::time_point end)
+{
+    State& state = *m_state;
+    std::unique_lock lock(state.mutex);
+    const unsigned own = depthOfThisThread;
+    state.hasEnded = true;
+    state.changed.notify_all();
+    state.gone.wait_until(lock, end, [&] { return state.threads <= own; });
+}
+
+} // namespace orlo::http
