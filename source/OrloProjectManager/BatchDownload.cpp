@@ -151,9 +151,8 @@ void DownloadBatchFilesHandler::stream(const Entry& entry, const std::wstring& t
 {
     const auto context = std::make_shared<ChainContext>(shared_from_this(), propagate);
     ErrorCode& error = context->error;
-    http::launchWithRetry(context, error, [&entry, target, context, &error, pieces = OrloWebService::Pieces::large]() mutable {
-        OrloWebService::GetFileByStreamModeAsync(error, entry.datasetFilePathWithSAS, target, context,
-                                                 std::exchange(pieces, OrloWebService::Pieces::small));
+    http::launchWithRetry(context, error, [&entry, target, context, &error] {
+        OrloWebService::GetFileByStreamModeAsync(error, entry.datasetFilePathWithSAS, target, context);
     });
 }
 

@@ -3,6 +3,7 @@
 #include "LocalFiles.h"
 #include "NetworkProject/FieldReaders.h"
 #include "NetworkProject/FieldText.h"
+#include "NetworkProject/ReceivedFile.h"
 #include "NetworkProject/StreamWeb.h"
 #include "NetworkProject/TransferWeb.h"
 #include "TransferSteps.h"
@@ -47,7 +48,7 @@ void DownloadFileHandler::on_complete(int status, const std::wstring& body, cons
 {
     if (status == 200 && stepKey == "GetFile") {
         m_fetched = true;
-        m_written = !body.empty() && OrloWebServiceUtils::WriteDataToFileGeneric(data, m_localPath);
+        m_written = !body.empty() && write(data);
     }
     else if (status == 200) {
         takeAddress(body, stepKey);
@@ -59,6 +60,11 @@ void DownloadFileHandler::on_complete(int status, const std::wstring& body, cons
     }
     const bool succeeded = m_authorityAcquired && m_fetched && m_written;
     m_outcome->settle(succeeded ? PromiseData(true, 200, m_localPath) : PromiseData(false, status, body), error, ORLO_HERE(onComplete));
+}
+
+bool DownloadFileHandler::write(const std::vector<unsigned char>& data)
+{
+    return m_received && m_received->isLarge() ? m_received->moveToPlace() : OrloWebServiceUtils::WriteDataToFileGeneric(data, m_localPath);
 }
 
 void DownloadFileHandler::takeAddress(const std::wstring& body, const std::string& stepKey)
@@ -79,11 +85,12 @@ void DownloadFileHandler::takeAddress(const std::wstring& body, const std::strin
     }
 }
 
-void DownloadFileHandler::getFile(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error) const
+void DownloadFileHandler::getFile(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
 {
     context->propagate = false;
-    http::launchWithRetry(context, error, [this, context, &error, pieces = OrloWebService::Pieces::large]() mutable {
-        OrloWebService::GetFileAsync(error, m_address, context, std::exchange(pieces, OrloWebService::Pieces::small));
+    http::launchWithRetry(context, error, [this, context, &error] {
+        m_received = std::make_shared<ReceivedFile>(m_localPath);
+        OrloWebService::GetFileAsync(error, m_address, context, m_received);
     });
 }
 

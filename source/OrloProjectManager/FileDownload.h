@@ -6,6 +6,8 @@
 
 namespace orlo {
 
+class ReceivedFile;
+
 /// Hears the two steps of a single download: the authority, which gives a signed address, and the file.
 class DownloadFileHandler final : public IOrloFileCallback
 {
@@ -20,13 +22,15 @@ public:
 
 private:
     void takeAddress(const std::wstring& body, const std::string& stepKey);
-    void getFile(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error) const;
+    void getFile(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error);
+    bool write(const std::vector<unsigned char>& data);
 
     bool m_authorityAcquired = false;
     bool m_fetched = false;
     bool m_written = false;
     std::wstring m_localPath;
     std::wstring m_address;
+    std::shared_ptr<ReceivedFile> m_received; ///< by the attempt that ended last
     const std::shared_ptr<TransferOutcome> m_outcome;
 };
 

@@ -1,6 +1,7 @@
 #include "FileUpload.h"
 
 #include "NetworkProject/FieldText.h"
+#include "NetworkProject/FileBody.h"
 #include "NetworkProject/StreamWeb.h"
 #include "NetworkProject/TransferWeb.h"
 #include "TransferSteps.h"
@@ -44,21 +45,36 @@ struct RemoteName
 
 using AuthorityStep = std::function<void(ErrorCode&, const RemoteName&, const std::shared_ptr<OrloCallbackContext>&)>;
 
+/// A larger file is sent from where it lies.
+constexpr unsigned long long mostInMemory = 16ULL << 20;
+
+bool read(const std::wstring& path, bool gzip, UploadContent& content)
+{
+    content.gzip = gzip;
+    auto file = FileBody::open(path);
+    if (!file)
+        return false;
+    if (gzip || file->size() <= mostInMemory)
+        return OrloWebServiceUtils::ReadFileContentGeneric(path, content.bytes);
+    content.file = std::move(file);
+    return true;
+}
+
 void upload(const std::shared_ptr<TransferOutcome>& outcome, const std::wstring& path, RemoteName name, bool gzip,
             const AuthorityStep& acquire)
 {
     if (path.empty() || !utils::fileExists(path))
         return outcome->refuse(L"invalid file path");
-    std::string content;
-    if (!OrloWebServiceUtils::ReadFileContentGeneric(path, content))
+    UploadContent content;
+    if (!read(path, gzip, content))
         return outcome->refuse(L"read file fail");
-    if (content.empty())
+    if (!content.file && content.bytes.empty())
         return outcome->refuse(L"invalid file content");
     if (name.fileName.empty())
         name.fileName = utils::getFileName(path);
     if (name.filePath.empty())
         name.filePath = defaultRemoteFolder();
-    startChain(std::make_shared<UploadFileHandler>(outcome, std::move(content), gzip),
+    startChain(std::make_shared<UploadFileHandler>(outcome, std::move(content)),
                [name, acquire](ErrorCode& error, const auto& context) { acquire(error, name, context); });
 }
 
@@ -82,8 +98,8 @@ std::wstring uploadResult(const std::wstring& remotePath, const std::wstring& an
     return utils::toWstring(result.ToString());
 }
 
-UploadFileHandler::UploadFileHandler(std::shared_ptr<TransferOutcome> outcome, std::string content, bool gzip)
-    : m_content(std::move(content)), m_outcome(std::move(outcome)), m_gzip(gzip)
+UploadFileHandler::UploadFileHandler(std::shared_ptr<TransferOutcome> outcome, UploadContent content)
+    : m_content(std::move(content)), m_outcome(std::move(outcome))
 {}
 
 void UploadFileHandler::on_complete(int status, const std::wstring& body, const std::string& stepKey,
@@ -120,8 +136,12 @@ void UploadFileHandler::putFile(const std::shared_ptr<OrloCallbackContext>& cont
 {
     context->propagate = false;
     // The context keeps this handler, and with it the address and the bytes.
-    http::launchWithRetry(context, error,
-                          [this, context, &error] { OrloWebService::PutFileAsync(error, m_uploadAddress, m_content, context, m_gzip); });
+    http::launchWithRetry(context, error, [this, context, &error] {
+        if (m_content.file)
+            OrloWebService::PutFileAsync(error, m_uploadAddress, m_content.file, context);
+        else
+            OrloWebService::PutFileAsync(error, m_uploadAddress, m_content.bytes, context, m_content.gzip);
+    });
 }
 
 namespace HttpClient {

@@ -6,11 +6,21 @@
 
 namespace orlo {
 
+class FileBody;
+
+/// What is sent: bytes in memory, or a large file from where it lies.
+struct UploadContent
+{
+    std::string bytes;
+    bool gzip = false;
+    std::shared_ptr<const FileBody> file; ///< null: the bytes
+};
+
 /// Hears the two steps of an upload: the authority, which gives a signed address, and the sending of the bytes.
 class UploadFileHandler final : public IOrloCallback
 {
 public:
-    UploadFileHandler(std::shared_ptr<TransferOutcome> outcome, std::string content, bool gzip);
+    UploadFileHandler(std::shared_ptr<TransferOutcome> outcome, UploadContent content);
 
     void on_complete(int status, const std::wstring& body, const std::string& stepKey, std::shared_ptr<OrloCallbackContext> context,
                      ErrorCode& error) override;
@@ -22,12 +32,11 @@ private:
     bool m_authorityAcquired = false;
     bool m_putDone = false;
     /// Held for the whole chain, so that a repeated step can send it again.
-    const std::string m_content;
+    const UploadContent m_content;
     std::string m_uploadAddress;
     std::wstring m_remotePath;
     std::wstring m_result;
     const std::shared_ptr<TransferOutcome> m_outcome;
-    const bool m_gzip;
 };
 
 /// What the future carries after an upload: the path in the store, with what the store told about the file where it did.

@@ -1,7 +1,8 @@
 #include "TransferSteps.h"
 
-#include <BaseCommon/NativeText.h>
+#include <BaseCommon/Text.h>
 #include <OrloNetwork/GenericRetryHandler.h>
+#include <OrloNetwork/JsonText.h>
 
 namespace orlo {
 
@@ -15,7 +16,7 @@ void startChain(std::shared_ptr<IOrloCallback> handler, FirstStep firstStep)
 web::json::value jsonOrNull(const std::wstring& body)
 {
     try {
-        return web::json::value::parse(utils::toNative(body));
+        return http::parseJson(utils::toString(body));
     }
     catch (const std::exception&) { // half a surrogate pair is told by another type than the rest
         return web::json::value::null();

@@ -47,8 +47,8 @@ public:
     {
         ErrorCode error;
         fails(error, 4, [](Expectation& expected) { expected.reset(); });
-        expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", 104);
-        expectLog(repeated({caughtWords + std::wstring(L"Failed to read HTTP status line]")}));
+        expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
+        expectLog(repeated({caughtWords + resetBy(server.url()) + L"]"}));
     }
 
     void bodyThatIsNoJson()

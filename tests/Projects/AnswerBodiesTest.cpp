@@ -156,11 +156,11 @@ TEST_F(AnswerBodiesTest, textsBeyondTheBasicPlaneSurvive)
     EXPECT_EQ(projects[0]->GetName(), std::wstring(L"\x1F600\x1F600\0.", 4));
 }
 
-TEST_F(AnswerBodiesTest, anErrorBodyOfManyMebibytesIsKeptAsTheMessage)
+TEST_F(AnswerBodiesTest, ofAnErrorBodyOfManyMebibytesTheFirstIsKeptAsTheMessage)
 {
     server.expect("GET", "/v2/projects/p-1").reply(404, std::string(8 * mebibyte, 'e'), "text/plain");
     EXPECT_EQ(ICollaborationProject::Load(L"p-1", error), nullptr);
-    EXPECT_EQ(error.GetErrorMessage().size(), 8 * mebibyte);
+    EXPECT_EQ(error.GetErrorMessage(), std::wstring(mebibyte, L'e'));
 }
 
 class BrokenAnswersTest : public testing::Test
@@ -229,9 +229,9 @@ TEST_F(BrokenAnswersTest, aPlatformThatIsNotThereIsRetriedToTheLimit)
     const HostSetup host(closedAddress);
     EXPECT_TRUE(ICollaborationProjectManager::Get()->GetAllProjects(error).empty());
     EXPECT_EQ(error.GetValue(), 3892314114);
-    EXPECT_EQ(error.GetErrorMessage(), L"Failed to connect to any resolved endpoint");
+    EXPECT_EQ(error.GetErrorMessage(), L"Failed to connect to any resolved endpoint (127.0.0.1:1: Connection refused)");
     const std::wstring caught = L"E@orlo::http::SendNormalRequestWithRetry OrloNetworkRetry::SendNormalRequestWithRetry - A generic "
-                                L"exception caught: message[Failed to connect to any resolved endpoint]";
+                                L"exception caught: message[Failed to connect to any resolved endpoint (127.0.0.1:1: Connection refused)]";
     EXPECT_EQ(log.lines(), (Lines{caught, L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[1]", caught,
                                   L"E [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - max retry attempts exceeded"}));
 }

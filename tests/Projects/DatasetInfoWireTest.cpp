@@ -81,7 +81,7 @@ TEST_F(DatasetInfoWireTest, aTransportFailureKeepsItsCodeAndIsNeitherLoggedNorRe
     server.expect("GET", "/v2/dataSets/d-1").reset();
     expectEmpty(manager.GetDatasetInfo("d-1", error));
     EXPECT_EQ(server.requestCount(), 1u);
-    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", 104);
+    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
     EXPECT_EQ(log.lines(), Lines{});
 }
 
@@ -144,7 +144,7 @@ TEST_F(DatasetInfoWireTest, aTransportFailureByModelingIdIsNeitherLoggedNorRetri
 {
     server.expect("POST", "/dataset/modelingid").body(R"(["m-1"])").reset();
     expectEmpty(manager.GetDatasetInfoByModelingId("m-1", error));
-    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", 104);
+    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
     EXPECT_EQ(log.lines(), Lines{});
 }
 
@@ -191,7 +191,7 @@ TEST_F(DatasetInfoWireTest, aTransportFailureOfAFolderIsNeitherLoggedNorRetried)
 {
     server.expect("GET", "/dataset/byfolder?folderId=f-1").reset();
     EXPECT_TRUE(manager.GetDatasetInfosInFolder(L"f-1", error).empty());
-    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", 104);
+    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
     EXPECT_EQ(log.lines(), Lines{});
 }
 

@@ -77,7 +77,7 @@ TEST_F(SpecialtyWireTest, aTransportFailureKeepsItsCodeAndSticksToo)
 {
     server.expect("GET", "/specialties/reset").reset();
     EXPECT_EQ(typeOf(L"reset"), 0);
-    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", 104);
+    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
     EXPECT_EQ(log.lines(), Lines{});
     error.Clear();
     EXPECT_EQ(typeOf(L"reset"), 0);

@@ -14,19 +14,22 @@ struct Break
     const char* name;
     RawAnswer answer;
     const wchar_t* words;
+    const wchar_t* why;
     int code;
 };
 
 const Break beforeHeaders[] = {
-    {"resetBeforeHeaders", RawAnswer::resetBeforeAnswer(), L"Failed to read HTTP status line", 104},
-    {"closedBeforeHeaders", RawAnswer::bytes(""), L"Failed to read HTTP status line", 103},
-    {"noHttp", RawAnswer::bytes("garbage\r\n\r\n"), L"Invalid HTTP status line", 0},
+    {"resetBeforeHeaders", RawAnswer::resetBeforeAnswer(), L"Failed to read HTTP status line", L"Connection reset by peer", 104},
+    {"closedBeforeHeaders", RawAnswer::bytes(""), L"Failed to read HTTP status line", L"Empty reply from server", 103},
+    {"noHttp", RawAnswer::bytes("garbage\r\n\r\n"), L"Invalid HTTP status line", L"Received HTTP/0.9 when not allowed", 0},
 };
 
 const Break inTheBody[] = {
-    {"resetMidBody", RawAnswer::resetAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body", 104},
-    {"closedMidBody", RawAnswer::closeAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body", 2},
+    {"resetMidBody", RawAnswer::resetAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body", L"Connection reset by peer", 104},
+    {"closedMidBody", RawAnswer::closeAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body", L"transfer closed with 700 bytes remaining to read", 2},
 };
+
+constexpr const wchar_t* refused = L"Failed to connect to any resolved endpoint (127.0.0.1:1: Connection refused)";
 
 std::string nameOf(Road road)
 {
@@ -81,7 +84,7 @@ protected:
 TEST_P(TransferFailureTest, thePlatformRefusesTheConnection)
 {
     moveServices(host, closedAddress);
-    expectFailed(run(), L"Failed to connect to any resolved endpoint", 113);
+    expectFailed(run(), refused, 113);
 }
 
 TEST_P(TransferFailureTest, thePlatformBreaksOff)
@@ -90,7 +93,7 @@ TEST_P(TransferFailureTest, thePlatformBreaksOff)
         SCOPED_TRACE(how.name);
         const RawServer broken(how.answer);
         moveServices(host, broken.url());
-        expectFailed(run(), how.words, how.code);
+        expectFailed(run(), failedWith(broken.url(), how.words, how.why), how.code);
     };
     std::for_each(std::begin(beforeHeaders), std::end(beforeHeaders), breaksOff);
     std::for_each(std::begin(inTheBody), std::end(inTheBody), breaksOff);
@@ -100,7 +103,7 @@ TEST_P(TransferFailureTest, theStoreRefusesTheConnection)
 {
     address = "http://127.0.0.1:1/c";
     authoritiesGiveTheAddress();
-    expectFailed(run(), L"Failed to connect to any resolved endpoint", 113);
+    expectFailed(run(), refused, 113);
 }
 
 TEST_P(TransferFailureTest, theStoreBreaksOff)
@@ -109,7 +112,7 @@ TEST_P(TransferFailureTest, theStoreBreaksOff)
         SCOPED_TRACE(how.name);
         const RawServer broken(how.answer);
         address = broken.url() + "/c";
-        expectFailed(run(), how.words, how.code);
+        expectFailed(run(), failedWith(broken.url(), how.words, how.why), how.code);
     };
     authoritiesGiveTheAddress();
     std::for_each(std::begin(beforeHeaders), std::end(beforeHeaders), breaksOff);

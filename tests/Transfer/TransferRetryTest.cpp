@@ -138,8 +138,8 @@ TEST_F(TransferRetryTest, aTransportFailureIsTheOutcomeWhenTheRetriesAreUsedUp)
 {
     expectReadAuthority().reply(200, good());
     store.expect("GET", "/b").times(4).reset();
-    expectOutcome(download(), false, 5555, L"Failed to read HTTP status line");
-    expectHttpError(error, exceptionValue, L"generic exception", L"Failed to read HTTP status line", 104);
+    expectOutcome(download(), false, 5555, resetBy(store.url()));
+    expectHttpError(error, exceptionValue, L"generic exception", resetBy(store.url()), 104);
 }
 
 TEST_F(TransferRetryTest, everyStreamOfABatchHasRetriesOfItsOwn)

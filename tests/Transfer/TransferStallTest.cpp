@@ -42,9 +42,9 @@ TEST_F(TransferStallTest, aStoreThatSaysNothingEndsEveryTransfer)
 {
     const RawServer silent(RawAnswer::stall());
     authoritiesGive(silent.url() + "/c");
-    expectTimeOut(upload(), L"Failed to read HTTP status line");
-    expectTimeOut(download(), L"Failed to read HTTP status line");
-    expectTimeOut(batch(), L"Failed to read HTTP status line");
+    expectTimeOut(upload(), silenceOf(silent.url()));
+    expectTimeOut(download(), silenceOf(silent.url()));
+    expectTimeOut(batch(), silenceOf(silent.url()));
 }
 
 /// Sends the head of an answer and a part of its body, and then nothing until it is let go.
@@ -69,9 +69,10 @@ TEST_F(TransferStallTest, aStoreThatStopsInTheBodyEndsEveryTransfer)
 {
     const HalfAnswer half;
     authoritiesGive(half.url() + "/c");
-    expectTimeOut(upload(), L"Failed to read response body");
-    expectTimeOut(download(), L"Failed to read response body");
-    expectTimeOut(batch(), L"Failed to read response body");
+    const std::wstring words = failedWith(half.url(), L"Failed to read response body", L"nothing came or went in time");
+    expectTimeOut(upload(), words);
+    expectTimeOut(download(), words);
+    expectTimeOut(batch(), words);
     EXPECT_FALSE(std::filesystem::exists(localPath("d")));
     EXPECT_FALSE(std::filesystem::exists(cached("ds-1", "a/b")));
 }
@@ -83,7 +84,7 @@ TEST_F(TransferStallTest, aLaterTimeOutOfTheConfigurationHasNoEffect)
     OrloConfigManager::Configure(config);
     const RawServer silent(RawAnswer::stall());
     authoritiesGive(silent.url() + "/c");
-    expectTimeOut(download(), L"Failed to read HTTP status line");
+    expectTimeOut(download(), silenceOf(silent.url()));
 }
 
 TEST_F(TransferStallTest, aStalledStreamIsRepeated)

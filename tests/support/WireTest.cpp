@@ -34,6 +34,22 @@ void expectGenericError(const ErrorCode& error, long long value, const std::wstr
     EXPECT_EQ(error.GetErrorMessage(), message);
 }
 
+std::wstring failedWith(const std::string& url, const std::wstring& what, const std::wstring& why)
+{
+    const std::string withoutScheme = url.substr(url.find("://") + 3);
+    return what + L" (" + utils::toWstring(withoutScheme.substr(0, withoutScheme.find('/'))) + L": " + why + L")";
+}
+
+std::wstring resetBy(const std::string& url)
+{
+    return failedWith(url, L"Failed to read HTTP status line", L"Connection reset by peer");
+}
+
+std::wstring silenceOf(const std::string& url)
+{
+    return failedWith(url, L"Failed to read HTTP status line", L"nothing came or went in time");
+}
+
 void moveServices(const HostSetup& host, const std::string& url)
 {
     OrloConfig config = host.config();

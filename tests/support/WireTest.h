@@ -25,6 +25,13 @@ void expectClear(const ErrorCode& error);
 void expectHttpError(const ErrorCode& error, long long value, const std::wstring& name, const std::wstring& message, int code);
 void expectGenericError(const ErrorCode& error, long long value, const std::wstring& name, const std::wstring& message);
 
+/// The words of a failure of the transport: what failed, with the server of an address, and why.
+std::wstring failedWith(const std::string& url, const std::wstring& what, const std::wstring& why);
+/// The server reset the connection instead of answering.
+std::wstring resetBy(const std::string& url);
+/// The server said nothing until the time-out.
+std::wstring silenceOf(const std::string& url);
+
 /// An address where nobody listens.
 inline constexpr const char* closedAddress = "http://127.0.0.1:1";
 

@@ -97,15 +97,6 @@ bool isNameFree(const std::wstring& path)
 
 constexpr std::wstring_view halfMadeHead = L".~";
 
-// A name in the same folder, so that a rename can bring it to `path`. Empty if no random name can be had.
-std::wstring temporaryBeside(const std::wstring& path)
-{
-    const std::wstring guid = generateGuid();
-    if (guid.empty())
-        return {};
-    return path.substr(0, path.size() - getFileName(path).size()).append(halfMadeHead) + guid;
-}
-
 std::wstring numbered(const std::wstring& stem, int number, const std::wstring& extension)
 {
     return stem + L" (" + toWstring(number) + L")" + extension;
@@ -329,7 +320,7 @@ bool createDirectoryRecursively(const std::wstring& path)
 
 bool copyFile(const std::wstring& from, const std::wstring& to)
 {
-    const std::wstring temporary = temporaryBeside(to);
+    const std::wstring temporary = halfMadeNameBeside(to);
     if (to.empty() || temporary.empty() || !hasFile(from))
         return false;
     std::error_code error;
@@ -435,7 +426,7 @@ catch (const std::exception&) { // a file that is larger than memory
 
 bool writeFileAtomically(const std::wstring& path, std::string_view bytes, FileAccess access)
 {
-    const std::wstring temporary = temporaryBeside(path);
+    const std::wstring temporary = halfMadeNameBeside(path);
     if (path.empty() || temporary.empty() || !writeNewFile(temporary, bytes, access == FileAccess::ownerOnly))
         return false;
     if (!renameOver(temporary, path)) {
@@ -443,6 +434,14 @@ bool writeFileAtomically(const std::wstring& path, std::string_view bytes, FileA
         return false;
     }
     return flushFolder(folderOf(path));
+}
+
+std::wstring halfMadeNameBeside(const std::wstring& path)
+{
+    const std::wstring guid = generateGuid();
+    if (guid.empty())
+        return {};
+    return path.substr(0, path.size() - getFileName(path).size()).append(halfMadeHead) + guid;
 }
 
 bool isHalfMadeName(const std::wstring& name)

@@ -115,6 +115,10 @@ enum class FileAccess { usual, ownerOnly };
 /// The new file is made beside the old one under a name of its own.
 ORLO_BASE_API bool writeFileAtomically(const std::wstring& path, std::string_view bytes, FileAccess access = FileAccess::usual);
 
+/// A new name beside the file's, under which it can be made until it is whole: a rename brings it to its place then. Empty if no random
+/// name can be had.
+ORLO_BASE_API std::wstring halfMadeNameBeside(const std::wstring& path);
+
 /// Whether copyFile, moveFile and writeFileAtomically give such names to files until they are whole.
 ORLO_BASE_API bool isHalfMadeName(const std::wstring& name);
 

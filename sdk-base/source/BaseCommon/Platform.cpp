@@ -209,6 +209,42 @@ bool makeFilePrivate(const std::wstring& path)
     return Handle(openPath(path, GENERIC_WRITE, shareAll, OPEN_ALWAYS)).isOpen();
 }
 
+OpenFile::~OpenFile()
+{
+    const Handle file(handleOf(m_handle));
+}
+
+bool OpenFile::open(const std::wstring& path)
+{
+    Handle file(openPath(path, GENERIC_READ, shareAll, OPEN_EXISTING));
+    if (!file.isOpen() || GetFileType(file.get()) != FILE_TYPE_DISK)
+        return false;
+    m_handle = static_cast<long long>(reinterpret_cast<std::intptr_t>(file.detach()));
+    return true;
+}
+
+bool OpenFile::getVersion(Version& version) const
+{
+    BY_HANDLE_FILE_INFORMATION information = {};
+    if (GetFileInformationByHandle(handleOf(m_handle), &information) == 0)
+        return false;
+    version.size = (static_cast<unsigned long long>(information.nFileSizeHigh) << 32) | information.nFileSizeLow;
+    version.changed =
+        (static_cast<long long>(information.ftLastWriteTime.dwHighDateTime) << 32) | information.ftLastWriteTime.dwLowDateTime;
+    return true;
+}
+
+bool OpenFile::read(unsigned long long place, void* room, std::size_t size, std::size_t& got) const
+{
+    OVERLAPPED from = {};
+    from.Offset = static_cast<DWORD>(place);
+    from.OffsetHigh = static_cast<DWORD>(place >> 32);
+    DWORD count = 0;
+    const bool isRead = ReadFile(handleOf(m_handle), room, static_cast<DWORD>(std::min<std::size_t>(size, 1U << 30)), &count, &from) != 0;
+    got = count;
+    return isRead || GetLastError() == ERROR_HANDLE_EOF;
+}
+
 bool FileLock::open(const std::wstring& path)
 {
     Handle file(openPath(path, GENERIC_READ | GENERIC_WRITE, shareAll, OPEN_ALWAYS));
@@ -414,6 +450,36 @@ bool makeFilePrivate(const std::wstring& path)
         return false;
     const bool isWide = S_ISREG(status.st_mode) && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0;
     return !isWide || ::fchmod(file.get(), S_IRUSR | S_IWUSR) == 0;
+}
+
+OpenFile::~OpenFile()
+{
+    const Descriptor file(static_cast<int>(m_handle));
+}
+
+bool OpenFile::open(const std::wstring& path)
+{
+    // Without O_NONBLOCK a pipe would wait here for its writer.
+    m_handle = openPath(path, O_RDONLY | O_NONBLOCK);
+    struct stat status = {};
+    return m_handle >= 0 && ::fstat(static_cast<int>(m_handle), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool OpenFile::getVersion(Version& version) const
+{
+    struct stat status = {};
+    if (::fstat(static_cast<int>(m_handle), &status) != 0)
+        return false;
+    version.size = static_cast<unsigned long long>(status.st_size);
+    version.changed = static_cast<long long>(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec;
+    return true;
+}
+
+bool OpenFile::read(unsigned long long place, void* room, std::size_t size, std::size_t& got) const
+{
+    const ssize_t count = untilNotInterrupted([&] { return ::pread(static_cast<int>(m_handle), room, size, static_cast<off_t>(place)); });
+    got = count > 0 ? static_cast<std::size_t>(count) : 0;
+    return count >= 0;
 }
 
 bool FileLock::open(const std::wstring& path)

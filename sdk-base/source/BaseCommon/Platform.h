@@ -50,6 +50,35 @@ ORLO_BASE_API bool writeNewFile(const std::wstring& path, std::string_view bytes
 /// Returns: false if it can't be opened for writing, or belongs to somebody else.
 ORLO_BASE_API bool makeFilePrivate(const std::wstring& path);
 
+/// A regular file that is open for reading: what becomes of its name meanwhile doesn't matter. Any number of threads may read.
+class ORLO_BASE_API OpenFile
+{
+public:
+    /// Of a file that was written to another one is told, unless the system's clock is too coarse to see it.
+    struct Version
+    {
+        bool operator==(const Version& other) const { return size == other.size && changed == other.changed; }
+        bool operator!=(const Version& other) const { return !(*this == other); }
+
+        unsigned long long size = 0;
+        long long changed = 0; ///< in the system's own units
+    };
+
+    OpenFile() = default;
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile();
+
+    /// Once for an object.   Returns: false if there is none, or it can't be read.
+    bool open(const std::wstring& path);
+    bool getVersion(Version& version) const;
+    /// Reads on from the place, fewer bytes than asked for at the end.   Returns: false on a failure of the system.
+    bool read(unsigned long long place, void* room, std::size_t size, std::size_t& got) const;
+
+private:
+    long long m_handle = -1;
+};
+
 /// A lock between processes, and between threads, on a file that is made for it and stays. The system drops it when the process ends.
 class ORLO_BASE_API FileLock
 {

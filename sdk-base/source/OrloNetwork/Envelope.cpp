@@ -1,3 +1,4 @@
+#include "JsonText.h"
 #include "NetworkCommon.h"
 #include "WebRequest.h"
 
@@ -37,7 +38,7 @@ namespace http {
 void ParseErrorBody(HttpMessage& message, const std::wstring& body)
 {
     try {
-        const web::json::value envelope = web::json::value::parse(utils::toNative(body));
+        const web::json::value envelope = parseJson(utils::toString(body));
         ORLOHTTPGenericResponse response;
         if (OrloPayloadProcessor::ParseORLOHTTPGenericResponse(envelope, response)) {
             message.code = response.code;

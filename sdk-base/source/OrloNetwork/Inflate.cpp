@@ -3,104 +3,91 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <stdexcept>
 
 namespace orlo::http {
 
-namespace {
-
-class Inflater
+struct Inflater::State
 {
-public:
-    explicit Inflater(const std::vector<unsigned char>& compressed)
+    explicit State(unsigned long long most) : left(most)
     {
         constexpr int anyHeader = MAX_WBITS + 32;
-        if (inflateInit2(&m_stream, anyHeader) != Z_OK)
+        if (inflateInit2(&stream, anyHeader) != Z_OK)
             throw std::runtime_error("a compressed answer can't be inflated");
-        // zlib never writes to its input
-        m_stream.next_in = const_cast<unsigned char*>(compressed.data());
-        m_left = compressed.size();
-        feed();
     }
+    ~State() { inflateEnd(&stream); }
 
-    ~Inflater() { inflateEnd(&m_stream); }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
 
-    Inflater(const Inflater&) = delete;
-    Inflater& operator=(const Inflater&) = delete;
-
-    bool hasInput() const { return m_stream.avail_in > 0 || m_left > 0; }
-
-    /// Inflates into the room given; what was written, 0 at the end of the last member.
-    size_t read(unsigned char* room, size_t size)
+    /// Inflates a part of the input into the room.   Returns: how much was written.
+    std::size_t step()
     {
-        const uInt offered = static_cast<uInt>(std::min<size_t>(size, std::numeric_limits<uInt>::max()));
-        m_stream.next_out = room;
-        m_stream.avail_out = offered;
-        while (m_stream.avail_out == offered && !m_finished)
-            step();
-        return offered - m_stream.avail_out;
-    }
-
-private:
-    /// The input counts in 32 bits.
-    void feed()
-    {
-        const uInt piece = static_cast<uInt>(std::min<size_t>(m_left, std::numeric_limits<uInt>::max()));
-        m_stream.avail_in = piece;
-        m_left -= piece;
-    }
-
-    void step()
-    {
-        if (m_stream.avail_in == 0)
-            feed();
-        if (m_stream.avail_in == 0)
-            throw std::runtime_error("a compressed answer is cut short");
-        const int result = inflate(&m_stream, Z_NO_FLUSH);
-        if (result == Z_STREAM_END)
-            endMember();
-        else if (result != Z_OK)
+        if (hasEnded && inflateReset(&stream) != Z_OK)
             throw std::runtime_error("a compressed answer is broken");
-    }
-
-    void endMember()
-    {
-        if (m_stream.avail_in == 0)
-            feed();
-        m_finished = m_stream.avail_in == 0;
-        if (!m_finished && inflateReset(&m_stream) != Z_OK)
+        stream.next_out = room.data();
+        stream.avail_out = static_cast<uInt>(room.size());
+        const int result = inflate(&stream, Z_NO_FLUSH);
+        hasEnded = result == Z_STREAM_END;
+        if (!hasEnded && result != Z_OK && result != Z_BUF_ERROR)
             throw std::runtime_error("a compressed answer is broken");
+        const std::size_t written = room.size() - stream.avail_out;
+        if (written > left)
+            throw std::runtime_error("a compressed answer is too large");
+        left -= written;
+        return written;
     }
 
-    z_stream m_stream{};
-    size_t m_left = 0;
-    bool m_finished = false;
+    z_stream stream{};
+    unsigned long long left; ///< until the limit
+    bool hasEnded = false;   ///< the member at hand; another one may follow
+    std::array<unsigned char, 64 << 10> room;
 };
 
-} // namespace
+Inflater::Inflater(unsigned long long limit) : m_state(std::make_unique<State>(limit))
+{}
+
+Inflater::~Inflater() = default;
+
+void Inflater::feed(const unsigned char* bytes, std::size_t count, const Out& out)
+{
+    State& state = *m_state;
+    while (count > 0) {
+        // The input counts in 32 bits.
+        const auto piece = static_cast<uInt>(std::min<std::size_t>(count, std::numeric_limits<uInt>::max()));
+        // zlib never writes to its input
+        state.stream.next_in = const_cast<unsigned char*>(bytes);
+        state.stream.avail_in = piece;
+        // What fills the room may have left something behind it.
+        std::size_t written = 0;
+        do {
+            written = state.step();
+            if (written > 0)
+                out(state.room.data(), written);
+        } while (state.stream.avail_in > 0 || (written == state.room.size() && !state.hasEnded));
+        bytes += piece;
+        count -= piece;
+    }
+}
+
+void Inflater::end() const
+{
+    if (!m_state->hasEnded)
+        throw std::runtime_error("a compressed answer is cut short");
+}
 
 std::vector<unsigned char> inflateAll(const std::vector<unsigned char>& compressed, std::size_t limit)
 {
     std::vector<unsigned char> inflated;
-    Inflater inflater(compressed);
-    size_t used = 0;
-    while (true) {
-        if (used == inflated.size())
-            inflated.resize(std::min(limit, std::max<size_t>(inflated.size() * 2, std::max<size_t>(compressed.size() * 2, 4096))));
-        if (used == inflated.size()) {
-            // The room is used up to the limit: one more byte is one too many.
-            unsigned char beyond = 0;
-            if (inflater.read(&beyond, 1) != 0)
-                throw std::runtime_error("a compressed answer is too large");
-            break;
-        }
-        const size_t got = inflater.read(inflated.data() + used, inflated.size() - used);
-        if (got == 0)
-            break;
-        used += got;
-    }
-    inflated.resize(used);
+    Inflater inflater(limit);
+    inflater.feed(compressed.data(), compressed.size(), [&](const unsigned char* bytes, std::size_t count) {
+        if (inflated.capacity() - inflated.size() < count)
+            inflated.reserve(std::min(limit, std::max(inflated.size() + count, std::max(2 * inflated.capacity(), 2 * compressed.size()))));
+        inflated.insert(inflated.end(), bytes, bytes + count);
+    });
+    inflater.end();
     return inflated;
 }
 

@@ -24,6 +24,8 @@ public:
     void write(const void* bytes, std::size_t count);
     /// Closes the file, which then exists also without content. Throws as write does.
     void close();
+    /// It has another name now.
+    void keep() { m_exists = false; }
     /// Moves the closed file over the target, in one step. On failure the file stays under its temporary name.
     bool moveTo(const std::wstring& target);
 

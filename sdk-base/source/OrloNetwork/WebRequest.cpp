@@ -2,6 +2,7 @@
 
 #include "Charset.h"
 #include "Engine/EngineStage.h"
+#include "JsonText.h"
 #include "Operation.h"
 #include "SinkBuffer.h"
 #include "WorkPermit.h"
@@ -194,7 +195,7 @@ web::json::value ReadJson(const http_response& response)
     if (decoding == http::Decoding::invalid)
         throw web::json::json_exception(charset == http::Charset::utf8 ? "the answer is not valid UTF-8"
                                                                        : "the answer is not valid UTF-16");
-    return web::json::value::parse(utils::toNative(text));
+    return http::parseJson(text);
 }
 
 std::wstring TextOf(const http_response& response, const std::string& body)

@@ -58,7 +58,7 @@ ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const we
 ORLO_NETWORK_API web::http::http_response SendAndWait(web::http::client::http_client& client, const web::http::http_request& request);
 
 /// No answer of the REST services comes near this; beyond it an answer is taken for an attack on the memory.
-constexpr size_t largestAnswer = size_t{512} << 20;
+constexpr size_t largestAnswer = size_t{128} << 20;
 
 /// Sends the request on this thread and waits for the whole answer, body included. A status of 400 or above leaves an HttpError with
 /// the answer's body as its message in `errorCode`; other statuses leave `errorCode` alone. Throws on a transport failure,
@@ -71,7 +71,8 @@ ORLO_NETWORK_API web::http::http_response ExecuteRequest(web::http::client::http
 ORLO_NETWORK_API std::string ReadBody(const web::http::http_response& response);
 
 /// The answer's body as JSON; null for an empty one. Throws http_exception for a content type that is not JSON's or names an unknown
-/// charset, and json_exception for a body that doesn't parse, isn't valid in its charset or nests deeper than cpprestsdk reads.
+/// charset, and json_exception for a body that doesn't parse, isn't valid in its charset, nests deeper than cpprestsdk reads or
+/// holds more values than parseJson takes.
 /// Without a charset the body is UTF-8; UTF-16 without a byte order mark has the high byte first.
 ORLO_NETWORK_API web::json::value ReadJson(const web::http::http_response& response);
 

@@ -3,7 +3,9 @@
 #include "../CallFrame.h"
 #include "../LocalFiles.h"
 #include "AsyncCall.h"
+#include "FileBody.h"
 #include "GzipPayload.h"
+#include "ReceivedFile.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
@@ -11,7 +13,7 @@
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
 #include <OrloLogging/TimeCostingHelper.h>
-#include <OrloNetwork/Inflate.h>
+#include <OrloNetwork/JsonText.h>
 #include <OrloNetwork/Operation.h>
 #include <OrloNetwork/SinkBuffer.h>
 #include <OrloNetwork/TempFile.h>
@@ -31,13 +33,6 @@ constexpr const char* putLabel = "{70F6DC40-AE5E-4168-AE5C-A6C7B5001777}";
 constexpr const char* getLabel = "{52182BD1-774E-4DB7-8DE2-CC12526FFDC3}";
 constexpr const char* streamLabel = "{8D78B598-F02A-40AD-9984-17126A4D3B38}";
 
-constexpr size_t uploadPiece = size_t{256} << 10;
-
-size_t bytesOf(Pieces pieces)
-{
-    return pieces == Pieces::large ? size_t{1} << 20 : size_t{64} << 10;
-}
-
 void beginTransfer(const wchar_t* words, const char* label)
 {
     log::info(words);
@@ -53,16 +48,15 @@ void endTransfer(const std::wstring& words, const char* label)
 }
 
 /// Signed addresses go out as they stand, but for blanks, which no address may hold.
-Exchange signedExchange(const web::http::method& method, std::wstring address, size_t piece)
+Exchange signedExchange(const web::http::method& method, std::wstring address, Traffic traffic = Traffic::files)
 {
     utils::strReplace(address, L" ", L"%20");
     web::http::client::http_client_config config;
     config.set_timeout(secondsAsTimeout(timeoutOfFirstUse()));
-    config.set_chunksize(piece);
     const auto request = std::make_shared<web::http::http_request>(method);
     // Empty on purpose, and set before any body: a signed address takes no content type, and the body would bring one.
     request->headers().add(web::http::header_names::content_type, utility::string_t());
-    return {CreateClient(address, config), request};
+    return {CreateClient(address, config, traffic), request};
 }
 
 /// Sends the bytes from where they are, and keeps their owner for as long as anything may read them.
@@ -96,8 +90,7 @@ bool isOk(const Step& step, const http_response& response, const wchar_t* words)
 std::wstring jsonOrNothing(const std::string& body)
 {
     try {
-        return body.empty() || !utils::isValidUtf8(body) ? std::wstring()
-                                                         : utils::fromNative(web::json::value::parse(utils::toNative(body)).serialize());
+        return body.empty() || !utils::isValidUtf8(body) ? std::wstring() : utils::fromNative(http::parseJson(body).serialize());
     }
     catch (const std::exception&) { // half a surrogate pair is told by another type than the rest
         return {};
@@ -129,14 +122,6 @@ bool looksCompressed(const std::vector<unsigned char>& bytes)
     return bytes.size() >= 3 && bytes[0] == 0x1F && bytes[1] == 0x8B;
 }
 
-bool saysCompressed(const http_response& response)
-{
-    utility::string_t encoding;
-    response.headers().match(web::http::header_names::content_encoding, encoding);
-    const std::wstring name = utils::LowerString(utils::fromNative(encoding));
-    return name == L"gzip" || name == L"x-gzip" || name == L"deflate";
-}
-
 /// One wide character for each byte.
 std::wstring widened(const std::vector<unsigned char>& bytes)
 {
@@ -148,35 +133,11 @@ std::wstring widened(const std::vector<unsigned char>& bytes)
     return wide;
 }
 
-void append(std::vector<unsigned char>& received, const std::uint8_t* bytes, size_t count)
-{
-    if (received.capacity() - received.size() < count) {
-        received.reserve(std::max(received.size() + count, 2 * received.capacity()));
-        utils::expectFilling(received.data() + received.size(), received.capacity() - received.size());
-    }
-    received.insert(received.end(), bytes, bytes + count);
-}
-
-/// The bytes of an answer, inflated where it says that it is compressed. The words of an error that can't be inflated stay as
-/// they came: its status counts for more.
-std::vector<unsigned char> contentOf(const http_response& response, std::vector<unsigned char>&& received)
-{
-    if (!saysCompressed(response) || received.empty())
-        return std::move(received);
-    try {
-        return http::inflateAll(received, utils::memoryLimit() / 8);
-    }
-    catch (const std::exception&) {
-        if (response.status_code() == web::http::status_codes::OK)
-            throw;
-        return std::move(received);
-    }
-}
-
-void fileArrived(const Step& step, const http_response& response, std::vector<unsigned char>&& received)
+void fileArrived(const Step& step, const http_response& response, ReceivedFile& file)
 {
     const int status = response.status_code();
-    const std::vector<unsigned char> bytes = contentOf(response, std::move(received));
+    file.end();
+    const std::vector<unsigned char>& bytes = file.head();
     noteStatus(*step.error, response, status < 400 ? std::string() : textOf(bytes));
     if (!isOk(step, response, L"OrloWebService::GetFileAsync - code:")) {
         step.complete(status, step.error->GetErrorMessage(), {});
@@ -236,6 +197,29 @@ void streamArrived(const Step& step, const http_response& response, StreamTarget
     endTransfer(L"END TO GetFileByStreamModeAsync.", streamLabel);
 }
 
+/// giveBody: what throws fails the attempt. confirm: the same, when the store has taken all.
+void put(const Step& step, const std::string& url, std::function<void(web::http::http_request&)> giveBody, std::function<void()> confirm)
+{
+    const auto prepare = [url, giveBody = std::move(giveBody)] {
+        const Exchange made = signedExchange(methods::PUT, utils::toWstring(url));
+        giveBody(*made.request);
+        return made;
+    };
+    const auto answer = std::make_shared<std::string>();
+    const auto receive = [answer](const std::uint8_t* bytes, size_t count) {
+        answer->append(reinterpret_cast<const char*>(bytes), std::min(count, largestAnswer - answer->size()));
+    };
+    exchange(step, prepare, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace),
+             [step, answer, confirm = std::move(confirm)](const http_response& response) {
+                 noteStatus(*step.error, response, *answer);
+                 const bool ok = isOk(step, response, L"OrloWebService::PutFileAsync - code:");
+                 if (ok)
+                     confirm();
+                 step.complete(response.status_code(), ok ? jsonOrNothing(*answer) : step.error->GetErrorMessage());
+                 endTransfer(L"END TO PutFile.", putLabel);
+             });
+}
+
 } // namespace
 
 bool PutFileAsync(ErrorCode& error, const std::string& url, const std::string& content, const Context& context, bool gzip)
@@ -245,49 +229,53 @@ bool PutFileAsync(ErrorCode& error, const std::string& url, const std::string& c
     Payload payload;
     if (!prepare(content, context, gzip, payload, step))
         return false;
-    const auto put = [url, payload, gzip] {
-        Exchange made = signedExchange(methods::PUT, utils::toWstring(url), uploadPiece);
+    const auto giveBody = [payload, gzip](web::http::http_request& request) {
         if (gzip)
-            made.request->headers().add(web::http::header_names::content_encoding, utils::toNative(std::string("gzip")));
-        setBody(*made.request, payload);
-        return made;
+            request.headers().add(web::http::header_names::content_encoding, utils::toNative(std::string("gzip")));
+        setBody(request, payload);
     };
-    const auto answer = std::make_shared<std::string>();
-    const auto receive = [answer](const std::uint8_t* bytes, size_t count) {
-        answer->append(reinterpret_cast<const char*>(bytes), std::min(count, largestAnswer - answer->size()));
-    };
-    exchange(step, put, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace), [step, answer](const http_response& response) {
-        noteStatus(*step.error, response, *answer);
-        const bool ok = isOk(step, response, L"OrloWebService::PutFileAsync - code:");
-        step.complete(response.status_code(), ok ? jsonOrNothing(*answer) : step.error->GetErrorMessage());
-        endTransfer(L"END TO PutFile.", putLabel);
-    });
+    put(step, url, giveBody, [] {});
     return true;
 }
 
-void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& context, Pieces pieces)
+void PutFileAsync(ErrorCode& error, const std::string& url, const std::shared_ptr<const FileBody>& file, const Context& context)
+{
+    beginTransfer(L"BEGIN TO PutFileAsync.", putLabel);
+    const auto giveBody = [file](web::http::http_request& request) {
+        file->requireUnchanged();
+        request.set_body(file->stream(), file->size(), utility::string_t());
+    };
+    put({"PutFile", context, &error}, url, giveBody, [file] { file->requireUnchanged(); });
+}
+
+void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& context)
+{
+    GetFileAsync(error, url, context, std::make_shared<ReceivedFile>(std::wstring()));
+}
+
+void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& context, const std::shared_ptr<ReceivedFile>& file)
 {
     const Step step{"GetFile", context, &error};
     beginTransfer(L"BEGIN TO GetFileAsync.", getLabel);
-    const auto get = [url, pieces] {
-        Exchange made = signedExchange(methods::GET, url, bytesOf(pieces));
+    const auto get = [url] {
+        const Exchange made = signedExchange(methods::GET, url);
         made.request->headers().add(web::http::header_names::accept_encoding, utils::toNative(std::string("gzip")));
         return made;
     };
-    const auto received = std::make_shared<std::vector<unsigned char>>();
-    const auto receive = [received](const std::uint8_t* bytes, size_t count) { append(*received, bytes, count); };
-    exchange(step, get, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace),
-             [step, received](const http_response& response) { fileArrived(step, response, std::move(*received)); });
+    const auto receive = [file](const std::uint8_t* bytes, size_t count) { file->receive(bytes, count); };
+    exchange(
+        step, get, SinkBuffer::stream(receive), [step, file](const http_response& response) { fileArrived(step, response, *file); },
+        [file](const http_response& response) { file->begin(response); });
 }
 
-void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context, Pieces pieces)
+void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context)
 {
     const Step step{"GetFileByStreamMode", context, &error};
     beginTransfer(L"BEGIN TO GetFileByStreamModeAsync.", streamLabel);
     const auto stream = std::make_shared<StreamTarget>(target);
     const auto receive = [stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); };
     exchange(
-        step, [url, pieces] { return signedExchange(methods::GET, url, bytesOf(pieces)); }, SinkBuffer::stream(receive),
+        step, [url] { return signedExchange(methods::GET, url, Traffic::filesOfBatch); }, SinkBuffer::stream(receive),
         [step, stream](const http_response& response) { streamArrived(step, response, *stream); });
 }
 
@@ -295,7 +283,7 @@ bool DownloadFileFromUrl(ErrorCode& error, const std::wstring& url, const std::w
 try {
     const http::Operation operation;
     const auto stream = std::make_shared<StreamTarget>(target);
-    const Exchange made = signedExchange(methods::GET, url, bytesOf(Pieces::small));
+    const Exchange made = signedExchange(methods::GET, url);
     made.request->set_response_stream(SinkBuffer::stream(
         [stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); }, SinkBuffer::Place::inPlace));
     LogRequest(*made.client, *made.request);

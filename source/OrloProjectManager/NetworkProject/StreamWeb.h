@@ -8,7 +8,9 @@
 namespace orlo {
 
 class ErrorCode;
+class FileBody;
 class OrloCallbackContext;
+class ReceivedFile;
 
 /// The steps of the transfers that talk to a signed address: no token goes there, and of the address no part but the path is
 /// ever logged. The answer reaches the context's handler under the step's key; a status that is not 200 clears the context's
@@ -17,17 +19,16 @@ namespace OrloWebService {
 
 using Context = std::shared_ptr<OrloCallbackContext>;
 
-/// How much is read or written at a time. Large pieces are fast, but each must come through within the time-out; so the
-/// attempt that follows a failed one takes small pieces.
-enum class Pieces { large, small };
-
 /// `content` must live as long as the context. False, with the handler told, if the content can't be compressed.
 bool PutFileAsync(ErrorCode& error, const std::string& url, const std::string& content, const Context& context, bool gzip);
+/// The same from an open file, piece by piece. One that is written to meanwhile fails the step.
+void PutFileAsync(ErrorCode& error, const std::string& url, const std::shared_ptr<const FileBody>& file, const Context& context);
 /// Brings a file into memory; a compressed answer is inflated.
-void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& context, Pieces pieces = Pieces::large);
+void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& context);
+/// The same for a file of any size: of a large one the handler is given the head only, and `file` holds it all.
+void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& context, const std::shared_ptr<ReceivedFile>& file);
 /// Streams a file to disk, through a temporary file that is moved to the target when it is whole.
-void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context,
-                              Pieces pieces = Pieces::large);
+void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context);
 
 /// The same without a chain, for callers that wait: a web function for SendNormalRequestWithRetry. Throws on a transport
 /// failure.   Returns: whether the whole file is in its place; without that, the target is as it was.
