@@ -1,0 +1,148 @@
+// Work by the library in a process of its own, as a program that links it would do it.
+//
+//   OrloEngineWorker URL ROOT [--ca FILE] [--keep] [--watch] WORK
+//
+// WORK is one of: get COUNT THREADS | upload FILE | download REMOTE FILE | batch FOLDER COUNT
+// --keep lets the library keep its connections, --watch counts its threads, which takes a second longer. Prints what Usage.h says.
+
+#include "Usage.h"
+
+#include <BaseCommon/ErrorCode.h>
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+#include <OrloAuth/UserSession.h>
+#include <OrloCommon/OrloConfigManager.h>
+#include <OrloProjectManager/OrloProjectManager.h>
+#include <OrloProjectManager/Transfer/HttpClient.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace orlo;
+using Words = std::vector<std::string>;
+
+struct Options
+{
+    std::string url;
+    std::string root;
+    std::string caFile;
+    bool keep = false;
+    bool watch = false;
+    Words work;
+};
+
+Options optionsOf(const Words& words)
+{
+    Options options{words[0], words[1], {}, false, false, {}};
+    size_t next = 2;
+    for (; next < words.size() && words[next].compare(0, 2, "--") == 0; ++next) {
+        if (words[next] == "--ca" && next + 1 < words.size())
+            options.caFile = words[++next];
+        options.keep = options.keep || words[next] == "--keep";
+        options.watch = options.watch || words[next] == "--watch";
+    }
+    options.work.assign(words.begin() + static_cast<std::ptrdiff_t>(next), words.end());
+    return options;
+}
+
+/// Returns: whether the library can.
+bool keepConnections(OrloConfig&)
+{
+    // TODO: `config.keepConnections = true; return true;` as soon as the setting exists. This is the only place.
+    return false;
+}
+
+bool setUp(const Options& options)
+{
+    OrloConfig config;
+    config.serviceUrls[L"project"] = utils::toWstring(options.url);
+    config.caFile = utils::toWstring(options.caFile);
+    if (options.keep && !keepConnections(config))
+        return false;
+    OrloConfigManager::Configure(config);
+    utils::setLocalRoot(utils::toWstring(options.root));
+    UserSession::SignIn({L"demo", L"demo-account", L"demo-token"});
+    return true;
+}
+
+bool getOne(ICollaborationProjectManager& manager)
+{
+    ErrorCode error;
+    const DatasetInfo info = manager.GetDatasetInfo("5f0c2a6e-7d5b-4b8e-9a55-0d6f3f1f2a10", error);
+    if (error.isClear() && info.name == L"east tower")
+        return true;
+    std::fprintf(stderr, "a request failed: %s\n", utils::toString(error.GetErrorMessage()).substr(0, 200).c_str());
+    return false;
+}
+
+bool getMany(int count, int threads)
+{
+    std::atomic<int> left{count};
+    std::atomic<int> good{0};
+    const auto getUntilNoneIsLeft = [&] {
+        ICollaborationProjectManager* const manager = ICollaborationProjectManager::Get();
+        while (left.fetch_sub(1) > 0)
+            good += getOne(*manager) ? 1 : 0;
+    };
+    std::vector<std::thread> others;
+    for (int i = 1; i < threads; ++i)
+        others.emplace_back(getUntilNoneIsLeft);
+    getUntilNoneIsLeft();
+    for (std::thread& other : others)
+        other.join();
+    return good == count;
+}
+
+std::vector<std::string> seeds(const std::string& folder, int count)
+{
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i)
+        names.push_back(folder + "/" + std::to_string(i));
+    return names;
+}
+
+bool transfer(const Words& work)
+{
+    ErrorCode error;
+    std::future<PromiseData> future;
+    if (work[0] == "upload")
+        future = HttpClient::uploadFile(error, utils::toWstring(work[1]), L"", L"", false);
+    else if (work[0] == "download")
+        future = HttpClient::downloadFile(utils::toWstring(work[1]), utils::toWstring(work[2]), error);
+    else
+        future = HttpClient::downloadBatchFiles(error, "blocks", "bench-dataset", seeds(work[1], std::stoi(work[2])), nullptr);
+    const PromiseData outcome = future.get();
+    if (!outcome.success)
+        std::fprintf(stderr, "the transfer failed: %d %s\n", outcome.status, utils::toString(outcome.message).substr(0, 200).c_str());
+    return outcome.success;
+}
+
+bool doWork(const Words& work)
+{
+    return work[0] == "get" ? getMany(std::stoi(work[1]), std::stoi(work[2])) : transfer(work);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 5)
+        return 2;
+    const Options options = optionsOf({argv + 1, argv + argc});
+    if (!setUp(options)) {
+        std::printf("unsupported: the library can't keep connections yet\n");
+        return 3;
+    }
+    const auto watch = options.watch ? std::make_unique<bench::ThreadWatch>() : nullptr;
+    const auto begin = std::chrono::steady_clock::now();
+    const bool good = doWork(options.work);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    const long peak = bench::statusNumber("VmHWM");
+    const long threads = watch ? watch->most() : 0;
+    if (watch)
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+    bench::report(taken.count(), peak, threads, watch ? bench::statusNumber("Threads") : 0);
+    return good ? 0 : 1;
+}
