@@ -84,14 +84,15 @@ private:
 class TlsStream : public Stream
 {
 public:
-    /// Records are gathered and read ahead, so that a record doesn't cost a call of the kernel.
+    /// Between the records and the socket lies a buffer for each direction, so that a record doesn't cost a call of the kernel.
+    /// OpenSSL's own reading ahead would move what is left of the buffer for every record.
     TlsStream(int socket, SSL_CTX* context) : m_socket(socket), m_tls(SSL_new(context))
     {
-        BIO* const gathering = BIO_new(BIO_f_buffer());
-        BIO_set_write_buffer_size(gathering, largePiece / 4);
-        SSL_set_bio(m_tls, BIO_new_socket(socket, BIO_NOCLOSE), BIO_push(gathering, BIO_new_socket(socket, BIO_NOCLOSE)));
-        SSL_set_read_ahead(m_tls, 1);
-        SSL_set_default_read_buffer_len(m_tls, largePiece / 4);
+        BIO* const buffers = BIO_new(BIO_f_buffer());
+        BIO_set_write_buffer_size(buffers, largePiece / 4);
+        BIO_set_read_buffer_size(buffers, largePiece / 4);
+        BIO_push(buffers, BIO_new_socket(socket, BIO_NOCLOSE));
+        SSL_set_bio(m_tls, buffers, buffers);
     }
     ~TlsStream() override
     {
