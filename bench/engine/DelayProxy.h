@@ -3,7 +3,6 @@
 #include <atomic>
 #include <chrono>
 #include <deque>
-#include <map>
 #include <memory>
 #include <string>
 #include <thread>

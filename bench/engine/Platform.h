@@ -42,8 +42,8 @@ public:
 
     void countConnection() { ++m_connections; }
 
-    /// For the benchmark's own questions, apart from what is measured: /counts gives and clears the numbers of connections and
-    /// small requests, the size of the last upload and its checksum; /sums/on and /sums/off.
+    /// For the benchmark's own questions, apart from what is measured. Each gives and clears the numbers of connections and small
+    /// requests, the size of the last upload and its checksum; /sums/on and /sums/off say whether that is taken.
     Answer answerToControl(const Request& request);
 
 private:

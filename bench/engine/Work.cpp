@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <random>
 #include <unistd.h>
 

@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <sstream>
 
@@ -352,13 +353,15 @@ Options optionsOf(const std::vector<std::string>& words)
 
 bool hasRoom(const std::vector<std::pair<Work, bool>>& rows)
 {
-    std::size_t sources = 0;
-    std::size_t received = 0;
+    std::map<std::string, std::size_t> sources;
+    std::size_t needed = 64 * mebibyte;
     for (const auto& [work, tls] : rows) {
-        sources += work.bytes();
-        received = std::max(received, work.bytes());
+        sources[Sources::name(work)] = work.bytes();
+        needed = std::max(needed, work.bytes() + 64 * mebibyte); // what arrives
     }
-    return fs::space("/dev/shm").available > sources + received + 64 * mebibyte;
+    for (const auto& [name, size] : sources)
+        needed += size;
+    return fs::space("/dev/shm").available > needed;
 }
 
 } // namespace
