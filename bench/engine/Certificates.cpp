@@ -39,7 +39,7 @@ Certificate makeCertificate(const char* name, EVP_PKEY* key, const X509* issuer,
     require(made && X509_set_version(made.get(), 2) == 1);
     ASN1_INTEGER_set(X509_get_serialNumber(made.get()), ++serial);
     X509_gmtime_adj(X509_getm_notBefore(made.get()), -3600);
-    X509_gmtime_adj(X509_getm_notAfter(made.get()), 24 * 3600);
+    X509_gmtime_adj(X509_getm_notAfter(made.get()), 24L * 3600);
     X509_NAME* const subject = X509_get_subject_name(made.get());
     X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_UTF8, reinterpret_cast<const unsigned char*>(name), -1, -1, 0);
     require(X509_set_issuer_name(made.get(), X509_get_subject_name(issuer ? issuer : made.get())) == 1);
