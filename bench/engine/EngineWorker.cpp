@@ -47,24 +47,15 @@ Options optionsOf(const Words& words)
     return options;
 }
 
-/// Returns: whether the library can.
-bool keepConnections(OrloConfig&)
-{
-    // TODO: `config.keepConnections = true; return true;` as soon as the setting exists. This is the only place.
-    return false;
-}
-
-bool setUp(const Options& options)
+void setUp(const Options& options)
 {
     OrloConfig config;
     config.serviceUrls[L"project"] = utils::toWstring(options.url);
     config.caFile = utils::toWstring(options.caFile);
-    if (options.keep && !keepConnections(config))
-        return false;
+    config.keepConnections = options.keep;
     OrloConfigManager::Configure(config);
     utils::setLocalRoot(utils::toWstring(options.root));
     UserSession::SignIn({L"demo", L"demo-account", L"demo-token"});
-    return true;
 }
 
 bool getOne(ICollaborationProjectManager& manager)
@@ -131,10 +122,7 @@ int main(int argc, char** argv)
     if (argc < 5)
         return 2;
     const Options options = optionsOf({argv + 1, argv + argc});
-    if (!setUp(options)) {
-        std::printf("unsupported: the library can't keep connections yet\n");
-        return 3;
-    }
+    setUp(options);
     const auto watch = options.watch ? std::make_unique<bench::ThreadWatch>() : nullptr;
     const auto begin = std::chrono::steady_clock::now();
     const bool good = doWork(options.work);

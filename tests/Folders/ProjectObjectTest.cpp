@@ -47,8 +47,8 @@ public:
     {
         ErrorCode error;
         fails(error, 4, [](Expectation& expected) { expected.reset(); });
-        expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
-        expectLog(repeated({caughtWords + resetBy(server.url()) + L"]"}));
+        expectHttpError(error, 3892314114, L"generic exception", resetBy(m_server.url()), 104);
+        expectLog(repeated(Lines{caughtWords + resetBy(m_server.url()) + L"]"}));
     }
 
     void bodyThatIsNoJson()

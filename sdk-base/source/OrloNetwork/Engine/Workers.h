@@ -2,7 +2,7 @@
 
 #include <OrloNetwork/Export.h>
 
-#include <pplx/pplxinterface.h>
+#include <pplx/pplxtasks.h>
 
 #include <chrono>
 #include <functional>
