@@ -2,7 +2,6 @@
 
 #include "Engine/Workers.h"
 
-#include <condition_variable>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -24,13 +23,12 @@ struct SinkBuffer::Runs : std::enable_shared_from_this<Runs>
 
     bool offer(const uint8_t* bytes, size_t count, const Wake& wakeSender)
     {
-        if (place == Place::inPlace) {
+        // A thread that may wait writes by itself.
+        if (place == Place::inPlace || !wakeSender) {
             write(bytes, count);
             return true;
         }
-        std::unique_lock lock(mutex);
-        if (!wakeSender)
-            changed.wait(lock, [&] { return hasRoom(); });
+        const std::lock_guard lock(mutex);
         if (thrown)
             std::rethrow_exception(thrown);
         if (!hasRoom()) {
@@ -86,7 +84,6 @@ private:
             const Wake woken = std::exchange(wake, nullptr);
             const Flushed ended = goesOn ? nullptr : std::exchange(flushed, nullptr);
             const std::exception_ptr end = thrown;
-            changed.notify_all();
             lock.unlock();
             if (woken)
                 woken();
@@ -111,7 +108,6 @@ private:
 
     const Place place;
     std::mutex mutex;
-    std::condition_variable changed;
     std::vector<uint8_t> coming;
     std::vector<uint8_t> going; ///< of the thread that writes, while one does
     bool isWriting = false;

@@ -30,7 +30,8 @@ public:
     SinkBuffer(Write write, Place place);
     ~SinkBuffer() override;
 
-    /// Takes a run of bytes, which may go when this returns. With a null `wake` it waits until there is room.
+    /// Takes a run of bytes, which may go when this returns. With a null `wake` the function is called at once, on a thread that may wait.
+    /// All of a body comes in one of the two ways.
     /// Returns: false if there is no room; `wake` is called, on any thread, when there is. Throws what the function threw.
     bool offer(const uint8_t* bytes, size_t count, const Wake& wake);
     /// Calls back when the function has had all, at once or on the thread where it had the last of them.

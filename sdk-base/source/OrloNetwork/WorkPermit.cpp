@@ -1,6 +1,7 @@
 #include "WorkPermit.h"
 
 #include "Engine/Curl.h"
+#include "Engine/FileThreads.h"
 #include "Engine/Loop.h"
 #include "Engine/Workers.h"
 
@@ -97,6 +98,7 @@ void awaitCalls()
     }
     // What nobody waits for is dropped: its requests are cancelled, and its workers do nothing without a permit.
     Loop::instance().endBy(end);
+    FileThreads::instance().endBy(end);
     Workers::instance().endBy(end);
 }
 

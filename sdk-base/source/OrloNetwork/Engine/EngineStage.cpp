@@ -1,5 +1,6 @@
 #include "EngineStage.h"
 
+#include "FileThreads.h"
 #include "Here.h"
 #include "Loop.h"
 
@@ -13,10 +14,10 @@ thread_local unsigned wantedHere = 0;
 
 pplx::task<web::http::http_response> EngineStage::propagate(web::http::http_request request)
 try {
-    const auto transfer = std::make_shared<Transfer>(m_route, std::move(request));
+    const auto transfer = std::make_shared<Transfer>(m_route, request);
     if (CarriedHere::isWanted())
         carryHere(transfer);
-    else
+    else if (!m_route->isOfFiles || request.method() != web::http::methods::GET || !FileThreads::instance().carry(transfer))
         Loop::instance().carry(transfer);
     return transfer->answer();
 }

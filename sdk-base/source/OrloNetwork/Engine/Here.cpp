@@ -1,5 +1,6 @@
 #include "Here.h"
 
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -7,12 +8,6 @@
 namespace orlo::http {
 
 namespace {
-
-struct Carrier
-{
-    curl::Multi multi = curl::makeMulti();
-    curl::Easy easy = curl::makeEasy();
-};
 
 /// Made handles are kept for the next calls: to make one takes longer than a small call.
 class Carriers
@@ -96,29 +91,30 @@ private:
     CURL* m_easy;
 };
 
-void carry(Transfer& transfer, Carrier& carrier)
+} // namespace
+
+std::function<void()> carryOn(const std::shared_ptr<Transfer>& transfer, const Carrier& carrier, const std::atomic<bool>& stops)
 {
-    transfer.attach(carrier.easy.get(), nullptr);
-    const Awakening awakening(transfer.token(), carrier.multi.get());
+    transfer->attach(carrier.easy.get(), nullptr);
+    const Awakening awakening(transfer->token(), carrier.multi.get());
     Ride ride(carrier.multi.get(), carrier.easy.get());
     while (true) {
-        if (transfer.token().is_canceled())
-            return transfer.endWith(cancelled());
+        if (stops || transfer->token().is_canceled())
+            return [transfer] { transfer->endWith(cancelled()); };
         if (const auto ended = ride.step())
-            return transfer.end(*ended);
-        if (Transfer::Clock::now() >= transfer.due())
-            return transfer.endTooLate();
-        curl::waitUntil(carrier.multi.get(), transfer.due());
+            return [transfer, code = *ended] { transfer->end(code); };
+        if (Transfer::Clock::now() >= transfer->due())
+            return [transfer] { transfer->endTooLate(); };
+        curl::waitUntil(carrier.multi.get(), transfer->due());
     }
 }
 
-} // namespace
-
 void carryHere(const std::shared_ptr<Transfer>& transfer)
 {
+    static const std::atomic<bool> never{false};
     auto carrier = carriers().take();
     try {
-        carry(*transfer, *carrier);
+        carryOn(transfer, *carrier, never)();
     }
     catch (...) {
         transfer->endWith(std::current_exception());

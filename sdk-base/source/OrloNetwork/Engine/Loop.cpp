@@ -13,7 +13,7 @@ namespace orlo::http {
 
 namespace {
 
-constexpr std::chrono::seconds idleTime{1};
+constexpr std::chrono::milliseconds idleTime{500};
 
 struct Letter
 {

@@ -5,7 +5,7 @@
 namespace orlo::http {
 
 /// Carries the transfers that nobody waits for on a thread of his own: any number of them on one thread, which comes with the first and
-/// goes a second after the last, with the connections that were kept. Nothing on it waits but for the network.   Threads: any.
+/// goes half a second after the last, with the connections that were kept. Nothing on it waits but for the network.   Threads: any.
 class Loop
 {
 public:

@@ -14,7 +14,7 @@ using web::http::http_response;
 
 namespace {
 
-constexpr long receiveRoom = 256 << 10;
+constexpr long receiveRoom = 100 << 10;
 constexpr long sendRoom = 512 << 10;
 
 /// libcurl says no more than that it has no memory when a head goes beyond its own bounds.

@@ -15,7 +15,7 @@ namespace {
 constexpr unsigned usual = 4;
 constexpr unsigned most = 100;
 constexpr std::chrono::milliseconds patience{20};
-constexpr std::chrono::seconds idleTime{1};
+constexpr std::chrono::milliseconds idleTime{500};
 
 thread_local unsigned depthOfThisThread = 0;
 
@@ -28,12 +28,18 @@ void runQuietly(const std::function<void()>& work) noexcept
     }
 }
 
+thread_local Workers::Gathering* gatheringOfThisThread = nullptr;
+
 class Scheduler final : public pplx::scheduler_interface
 {
 public:
     void schedule(pplx::TaskProc_t procedure, void* parameter) override
     {
-        Workers::instance().run([procedure, parameter] { procedure(parameter); });
+        auto work = [procedure, parameter] { procedure(parameter); };
+        if (gatheringOfThisThread)
+            gatheringOfThisThread->add(std::move(work));
+        else
+            Workers::instance().run(std::move(work));
     }
 };
 
@@ -80,6 +86,29 @@ pplx::scheduler_ptr Workers::atOnce()
 {
     static AtOnce& scheduler = *new AtOnce;
     return pplx::scheduler_ptr(&scheduler);
+}
+
+Workers::Gathering::~Gathering()
+{
+    run();
+}
+
+void Workers::Gathering::begin()
+{
+    gatheringOfThisThread = this;
+}
+
+void Workers::Gathering::add(std::function<void()> work)
+{
+    m_gathered.push_back(std::move(work));
+}
+
+void Workers::Gathering::run()
+{
+    if (gatheringOfThisThread == this)
+        gatheringOfThisThread = nullptr;
+    for (const auto& work : std::exchange(m_gathered, {}))
+        runQuietly(work);
 }
 
 void Workers::run(std::function<void()> work)

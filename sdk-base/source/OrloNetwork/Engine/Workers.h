@@ -7,11 +7,12 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace orlo::http {
 
 /// Threads for all that may block: the continuations of requests, a host's handlers among them, and the reading and writing of files, so
-/// that none of it holds up the loop that carries the bytes. There are four while there is much to do, none a second after there is
+/// that none of it holds up the loop that carries the bytes. There are four while there is much to do, none half a second after there is
 /// nothing. Where all of them are held up a further one comes every 20 ms, so that a handler that waits for another transfer never waits
 /// for a thread; a hundred at the most.   Threads: any.
 class ORLO_NETWORK_API Workers
@@ -27,6 +28,24 @@ public:
     static pplx::scheduler_ptr scheduler();
     /// For continuations that wait for nothing: they run on the thread that ends their task.
     static pplx::scheduler_ptr atOnce();
+
+    /// Keeps back what this thread hands to the scheduler, to do it itself.
+    class ORLO_NETWORK_API Gathering
+    {
+    public:
+        Gathering() = default;
+        ~Gathering();
+        Gathering(const Gathering&) = delete;
+        Gathering& operator=(const Gathering&) = delete;
+
+        void begin();
+        void add(std::function<void()> work);
+        /// Does all of it, and gathers no more.
+        void run();
+
+    private:
+        std::vector<std::function<void()>> m_gathered;
+    };
 
     /// For the end of the process: waits until nothing is left to do and no thread is there, but the caller's own.
     void endBy(std::chrono::steady_clock::time_point end);
