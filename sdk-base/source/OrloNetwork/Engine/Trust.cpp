@@ -131,7 +131,9 @@ CURLSH* sessions()
 
 CURLcode takeStore(CURL*, void* context, void* trust)
 {
-    SSL_CTX_set1_cert_store(static_cast<SSL_CTX*>(context), static_cast<const Trust*>(trust)->store.get());
+    // Not as the context's own store: libcurl adds to that one when the server answers, while other threads use ours, and would make an
+    // anchor of every certificate in it.
+    SSL_CTX_set1_verify_cert_store(static_cast<SSL_CTX*>(context), static_cast<const Trust*>(trust)->store.get());
     return CURLE_OK;
 }
 
