@@ -72,6 +72,14 @@ int numberOfBreak(const Failure& failure)
     return failure.systemError > 0 ? static_cast<int>(failure.systemError) : inputOutput;
 }
 
+/// A handle keeps the error of an earlier call of the system, one of its former transfer even. Where the last one failed, libcurl's words
+/// tell it; but for connecting, which ends with that call.
+bool isOfThisTransfer(const Failure& failure)
+{
+    return failure.code == CURLE_COULDNT_CONNECT ||
+           failure.words.find(std::generic_category().message(static_cast<int>(failure.systemError))) != std::string::npos;
+}
+
 struct Told
 {
     int number;
@@ -117,8 +125,10 @@ web::http::http_exception transportFailure(int number, const std::string& text)
     return {std::error_code(number, std::generic_category()), utils::toNative(text)};
 }
 
-std::exception_ptr exceptionOf(const Failure& failure)
+std::exception_ptr exceptionOf(Failure failure)
 {
+    if (!isOfThisTransfer(failure))
+        failure.systemError = 0;
     const Told told = telling(failure);
     // The system's words are shorter than libcurl's, and the same each time.
     const bool isOfSystem = failure.systemError > 0 && isOneOf(failure.code, {CURLE_COULDNT_CONNECT, CURLE_SEND_ERROR, CURLE_RECV_ERROR});

@@ -29,7 +29,7 @@ web::http::http_exception transportFailure(int number, const std::string& text);
 
 /// The number that cpprestsdk gives for such a failure, which the retry rule goes by, and words that say what failed,
 /// with whom and why. They hold no path, no query and no credential.
-std::exception_ptr exceptionOf(const Failure& failure);
+std::exception_ptr exceptionOf(Failure failure);
 
 /// The transfer made no headway, or not enough, in the time that it had.
 std::exception_ptr timedOut(Stage stage, const std::string& place, const char* why);
