@@ -66,6 +66,7 @@ private:
     Failure failureOf(CURLcode code, const char* words) const;
     bool isChunked() const;
     bool mayBeCut() const;
+    bool isHeadTooLarge(CURLcode code) const;
 
     const std::shared_ptr<const Route> m_route;
     web::http::http_request m_request;
@@ -87,7 +88,7 @@ private:
     bool m_isConnected = false;
     bool m_isDelivered = false;
     bool m_isPaused = false;
-    bool m_isCut = false; ///< the rest of the words of an error
+    bool m_isCut = false; ///< what is left of the answer isn't waited for
 };
 
 } // namespace orlo::http
