@@ -3,7 +3,9 @@
 #include <condition_variable>
 #include <deque>
 #include <exception>
+#include <iterator>
 #include <mutex>
+#include <set>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -12,8 +14,10 @@ namespace orlo::http {
 
 namespace {
 
-constexpr unsigned usual = 4;
-constexpr unsigned most = 100;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t usual = 4;
+constexpr std::size_t most = 256;
 constexpr std::chrono::milliseconds patience{20};
 constexpr std::chrono::milliseconds idleTime{500};
 
@@ -57,13 +61,15 @@ struct Workers::State
     void work();
     /// Returns: false when there is nothing more to do for this thread.
     bool awaitWork(std::unique_lock<std::mutex>& lock);
+    /// A piece that runs longer than the patience lasts is held up, and leaves its place to another one.
+    Clock::time_point nextPlace() const;
 
     std::mutex mutex;
     std::condition_variable changed;
     std::condition_variable gone;
     std::deque<std::function<void()>> queue;
-    unsigned threads = 0;
-    unsigned busy = 0;
+    std::size_t threads = 0;
+    std::multiset<Clock::time_point> running; ///< when each piece began
     bool hasEnded = false;
 };
 
@@ -118,7 +124,7 @@ void Workers::run(std::function<void()> work)
         const std::lock_guard lock(state.mutex);
         if (!state.hasEnded) {
             state.queue.push_back(std::move(work));
-            if (state.threads == state.busy && state.threads < most)
+            if (state.threads == state.running.size() && state.threads < most)
                 state.start();
             if (state.threads > 0) {
                 state.changed.notify_all();
@@ -141,14 +147,20 @@ void Workers::State::start()
     }
 }
 
+Clock::time_point Workers::State::nextPlace() const
+{
+    return running.size() < usual ? Clock::time_point::min() : *std::next(running.rbegin(), usual - 1) + patience;
+}
+
 bool Workers::State::awaitWork(std::unique_lock<std::mutex>& lock)
 {
     while (true) {
         if (!changed.wait_for(lock, idleTime, [&] { return !queue.empty() || hasEnded; }) || queue.empty())
             return false;
-        // One that is surplus waits whether the usual ones get to it.
-        if (busy < usual || changed.wait_for(lock, patience, [&] { return queue.empty() || busy < usual; }) == false)
+        const auto place = nextPlace();
+        if (place <= Clock::now())
             return true;
+        changed.wait_until(lock, place, [&] { return queue.empty() || nextPlace() < place; });
     }
 }
 
@@ -159,14 +171,14 @@ void Workers::State::work()
     while (awaitWork(lock)) {
         std::function<void()> next = std::move(queue.front());
         queue.pop_front();
-        ++busy;
-        if (!queue.empty() && threads == busy && threads < most)
+        const auto piece = running.insert(Clock::now());
+        if (!queue.empty() && threads == running.size() && threads < most)
             start();
         lock.unlock();
         runQuietly(next);
         next = nullptr; // what it held goes before the lock is taken again
         lock.lock();
-        --busy;
+        running.erase(piece);
         changed.notify_all();
     }
     --threads;

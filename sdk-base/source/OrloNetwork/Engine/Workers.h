@@ -13,8 +13,8 @@ namespace orlo::http {
 
 /// Threads for all that may block: the continuations of requests, a host's handlers among them, and the reading and writing of files, so
 /// that none of it holds up the loop that carries the bytes. There are four while there is much to do, none half a second after there is
-/// nothing. Where all of them are held up a further one comes every 20 ms, so that a handler that waits for another transfer never waits
-/// for a thread; a hundred at the most.   Threads: any.
+/// nothing. A piece that is held up for 20 ms leaves its place to another one on a further thread, so that a handler that waits for
+/// another transfer never waits for a thread; 256 at the most.   Threads: any.
 class ORLO_NETWORK_API Workers
 {
 public:
