@@ -4,9 +4,12 @@
 #include "support/HostSetup.h"
 #include "support/TempFolder.h"
 
+#include <BaseCommon/Text.h>
+
 #include <gtest/gtest.h>
 #include <openssl/err.h>
 
+#include <cwchar>
 #include <stdexcept>
 
 namespace orlo::test {
@@ -29,17 +32,19 @@ protected:
         OrloConfigManager::Configure(config);
     }
 
-    void expectRefused(const TlsServer& server)
+    void expectRefused(const TlsServer& server, const std::string& why)
     {
         try {
             get(server.url(), error);
             ADD_FAILURE() << "the certificate was accepted";
         }
         catch (const web::http::http_exception& e) {
-            EXPECT_EQ(std::string(e.what()), "Error in SSL handshake");
+            EXPECT_EQ(std::string(e.what()), "Error in SSL handshake (" + placeOf(server) + ": " + why + ")");
         }
         EXPECT_EQ(server.requestCount(), 0);
     }
+
+    static std::string placeOf(const TlsServer& server) { return utils::toString(server.url().substr(std::wcslen(L"https://"))); }
 
     std::string whyNoClient() const
     {
@@ -83,20 +88,20 @@ TEST_F(TlsTest, theFileMayHaveAChineseName)
 
 TEST_F(TlsTest, withoutAConfiguredFileAnUnknownCertificateIsRefused)
 {
-    expectRefused(TlsServer(identity));
+    expectRefused(TlsServer(identity), "SSL certificate problem: self-signed certificate");
 }
 
 TEST_F(TlsTest, aCertificateThatTheConfiguredFileDoesNotHoldIsRefused)
 {
     trust(Identity("IP:127.0.0.1").pem());
-    expectRefused(TlsServer(identity));
+    expectRefused(TlsServer(identity), "SSL certificate problem: self-signed certificate");
 }
 
 TEST_F(TlsTest, aCertificateForAnotherHostIsRefused)
 {
     const Identity elsewhere("DNS:elsewhere.example,IP:127.0.0.2");
     trust(elsewhere.pem());
-    expectRefused(TlsServer(elsewhere));
+    expectRefused(TlsServer(elsewhere), "SSL: no alternative certificate subject name matches target host name '127.0.0.1'");
 }
 
 TEST_F(TlsTest, aRefusedCertificateIsNotAskedForAgain)
@@ -112,7 +117,8 @@ TEST_F(TlsTest, aRefusedCertificateIsNotAskedForAgain)
         },
         false, error);
     EXPECT_EQ(attempts, 1);
-    EXPECT_EQ(error.GetErrorMessage(), L"Error in SSL handshake");
+    EXPECT_EQ(utils::toString(error.GetErrorMessage()),
+              "Error in SSL handshake (" + placeOf(server) + ": SSL certificate problem: self-signed certificate)");
 }
 
 TEST_F(TlsTest, anotherFileTakesEffectForTheNextClient)
