@@ -1,3 +1,4 @@
+#include "Gate.h"
 #include "support/HttpExchange.h"
 #include "support/RawServer.h"
 #include "support/Sockets.h"
@@ -11,8 +12,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <stdexcept>
 
 namespace orlo::test {
@@ -67,28 +66,6 @@ TEST(SinkBufferTest, neverHandsOverTwoRunsAtOnce)
     EXPECT_FALSE(overlapped);
     EXPECT_GT(calls, 1);
 }
-
-/// Holds whoever enters until it is opened.
-class Gate
-{
-public:
-    void enter()
-    {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_opened.wait(lock, [this] { return m_open; });
-    }
-    void open()
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_open = true;
-        m_opened.notify_all();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_opened;
-    bool m_open = false;
-};
 
 /// Sends a body of so many MiB and counts what the client's side took.
 class CountingServer

@@ -1,16 +1,23 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace orlo::test {
 
-/// A certificate which vouches for itself, made for the test, with its key.
+class Connection;
+
+/// A certificate, made for the test, with its key.
 class Identity
 {
 public:
     /// names: what it is good for, as "IP:127.0.0.1" or "DNS:platform.example".
-    explicit Identity(const std::string& names);
+    /// It vouches for itself, until so long from now.
+    explicit Identity(const std::string& names, std::chrono::seconds end = std::chrono::hours(24));
+    /// Another one vouches for it.
+    Identity(const std::string& names, const Identity& issuer);
     ~Identity();
     Identity(const Identity&) = delete;
     Identity& operator=(const Identity&) = delete;
@@ -20,8 +27,35 @@ public:
 
 private:
     friend class TlsServer;
+    friend class TlsPeer;
     struct Parts;
     std::unique_ptr<Parts> m_parts;
+};
+
+/// The server's end of TLS on a connection of a test server.
+class TlsPeer
+{
+public:
+    TlsPeer(Connection& connection, const Identity& identity);
+    ~TlsPeer();
+    TlsPeer(const TlsPeer&) = delete;
+    TlsPeer& operator=(const TlsPeer&) = delete;
+
+    bool shakeHands();
+    /// Appends what came to `buffer`; waits for it.   Returns: false at the end or on a broken connection.
+    bool read(std::string& buffer);
+    bool write(std::string_view bytes);
+    /// Tells the peer that nothing more comes; a plain end of the connection doesn't.
+    void closeInWords();
+
+private:
+    bool sendAll();
+    /// What TLS asks for after a call that gave `result`.   Returns: whether the call is to be repeated.
+    bool goOn(int result);
+
+    struct Session;
+    Connection& m_connection;
+    std::unique_ptr<Session> m_session;
 };
 
 /// An HTTPS server which answers every request with "{}".
