@@ -1,14 +1,14 @@
 #include "Workers.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <exception>
-#include <iterator>
 #include <mutex>
-#include <set>
 #include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace orlo::http {
 
@@ -57,6 +57,8 @@ public:
 
 struct Workers::State
 {
+    State() { running.reserve(most); }
+
     void start();
     void work();
     /// Returns: false when there is nothing more to do for this thread.
@@ -69,7 +71,7 @@ struct Workers::State
     std::condition_variable gone;
     std::deque<std::function<void()>> queue;
     std::size_t threads = 0;
-    std::multiset<Clock::time_point> running; ///< when each piece began
+    std::vector<Clock::time_point> running; ///< when each piece began, the first one first; there is room for all
     bool hasEnded = false;
 };
 
@@ -149,7 +151,7 @@ void Workers::State::start()
 
 Clock::time_point Workers::State::nextPlace() const
 {
-    return running.size() < usual ? Clock::time_point::min() : *std::next(running.rbegin(), usual - 1) + patience;
+    return running.size() < usual ? Clock::time_point::min() : running[running.size() - usual] + patience;
 }
 
 bool Workers::State::awaitWork(std::unique_lock<std::mutex>& lock)
@@ -171,14 +173,15 @@ void Workers::State::work()
     while (awaitWork(lock)) {
         std::function<void()> next = std::move(queue.front());
         queue.pop_front();
-        const auto piece = running.insert(Clock::now());
+        const auto begin = Clock::now();
+        running.push_back(begin);
         if (!queue.empty() && threads == running.size() && threads < most)
             start();
         lock.unlock();
         runQuietly(next);
         next = nullptr; // what it held goes before the lock is taken again
         lock.lock();
-        running.erase(piece);
+        running.erase(std::find(running.begin(), running.end(), begin));
         changed.notify_all();
     }
     --threads;
