@@ -94,6 +94,12 @@ TEST_F(EngineIsolationTest, sixSinksThatBlockHoldUpNobody)
     expectBlockedOnesToHoldUpNobody(6);
 }
 
+// The files beyond six go on the loop, and are written by workers.
+TEST_F(EngineIsolationTest, twentySinksThatBlockHoldUpNobody)
+{
+    expectBlockedOnesToHoldUpNobody(20);
+}
+
 TEST_F(EngineIsolationTest, aSinkThatBlocksLongerThanTheTimeOutDoesNotFail)
 {
     auto request = requestOf("GET", "/large");

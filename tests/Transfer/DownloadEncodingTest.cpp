@@ -1,6 +1,8 @@
 #include "TransferTestSupport.h"
 #include "support/RawServer.h"
 
+#include <BaseCommon/Text.h>
+
 namespace orlo::test {
 namespace {
 
@@ -123,7 +125,8 @@ TEST_F(DownloadEncodingTest, aTailThatComesLateInItsOwnSmallChunkArrives)
     for (const std::size_t tail : {1U, 2U, 8U, 10U, 18U}) {
         const RawServer late(RawAnswer::bytes(chunkedGzip(compressed, {compressed.size() - tail, tail})).fragments(1000));
         for (int i = 0; i < 10; ++i) {
-            ASSERT_TRUE(downloadFrom(late.url() + "/f").success);
+            const PromiseData outcome = downloadFrom(late.url() + "/f");
+            ASSERT_TRUE(outcome.success) << outcome.status << " " << utils::toString(outcome.message.substr(0, 300)) << error.GetValue();
             ASSERT_TRUE(readFile(localPath("f")) == zeros);
         }
     }

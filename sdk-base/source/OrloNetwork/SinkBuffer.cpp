@@ -116,16 +116,23 @@ private:
     Flushed flushed;
 };
 
-SinkBuffer::SinkBuffer(Write write, Place place)
-    : streambuf_state_manager(std::ios_base::out), m_runs(std::make_shared<Runs>(std::move(write), place))
+SinkBuffer::SinkBuffer(Write write, Place place, Begin begin)
+    : streambuf_state_manager(std::ios_base::out), m_begin(std::move(begin)), m_runs(std::make_shared<Runs>(std::move(write), place))
 {}
 
 SinkBuffer::~SinkBuffer() = default;
 
-concurrency::streams::ostream SinkBuffer::stream(Write write, Place place)
+concurrency::streams::ostream SinkBuffer::stream(Write write, Place place, Begin begin)
 {
-    std::shared_ptr<concurrency::streams::details::basic_streambuf<uint8_t>> buffer = std::make_shared<SinkBuffer>(std::move(write), place);
+    std::shared_ptr<concurrency::streams::details::basic_streambuf<uint8_t>> buffer =
+        std::make_shared<SinkBuffer>(std::move(write), place, std::move(begin));
     return concurrency::streams::ostream(concurrency::streams::streambuf<uint8_t>(buffer));
+}
+
+void SinkBuffer::begin(const web::http::http_response& response)
+{
+    if (m_begin)
+        m_begin(response);
 }
 
 bool SinkBuffer::offer(const uint8_t* bytes, size_t count, const Wake& wake)

@@ -3,6 +3,7 @@
 #include <OrloNetwork/Export.h>
 
 #include <cpprest/astreambuf.h>
+#include <cpprest/http_msg.h>
 #include <cpprest/streams.h>
 
 #include <exception>
@@ -25,11 +26,15 @@ public:
     /// carries the bytes, it must not, unless that is the caller's own.
     enum class Place { apart, inPlace };
 
-    static concurrency::streams::ostream stream(Write write, Place place = Place::apart);
+    /// Hears the head of the answer before any of its body, and waits for nothing.
+    using Begin = std::function<void(const web::http::http_response& response)>;
 
-    SinkBuffer(Write write, Place place);
+    static concurrency::streams::ostream stream(Write write, Place place = Place::apart, Begin begin = nullptr);
+
+    SinkBuffer(Write write, Place place, Begin begin);
     ~SinkBuffer() override;
 
+    void begin(const web::http::http_response& response);
     /// Takes a run of bytes, which may go when this returns. With a null `wake` the function is called at once, on a thread that may wait.
     /// All of a body comes in one of the two ways.
     /// Returns: false if there is no room; `wake` is called, on any thread, when there is. Throws what the function threw.
@@ -69,6 +74,7 @@ private:
     static pos_type nowhere() { return static_cast<pos_type>(traits::eof()); }
     static pplx::task<int_type> ended();
 
+    const Begin m_begin;
     struct Runs;
     const std::shared_ptr<Runs> m_runs;
 };

@@ -95,7 +95,7 @@ void conclude(const pplx::task<http_response>& arrived, const Step& step, const 
 } // namespace
 
 void exchange(const Step& step, const std::function<Exchange()>& prepare, const concurrency::streams::ostream& sink,
-              std::function<void(http_response)> answered, std::function<void(const http_response&)> begun)
+              std::function<void(http_response)> answered)
 {
     try {
         goOnUnlessBrokenOff(step);
@@ -104,13 +104,7 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, const 
         OrloWebService::LogRequest(*made.client, *made.request);
         const auto cancellation = std::make_shared<const http::Cancellation>(interruptionOf(step));
         made.client->request(*made.request, cancellation->token())
-            .then(
-                [begun = std::move(begun)](const http_response& response) {
-                    if (begun)
-                        begun(response);
-                    return withContent(response);
-                },
-                pplx::task_options(http::Workers::atOnce()))
+            .then(&withContent, pplx::task_options(http::Workers::atOnce()))
             .then([made, cancellation, step,
                    answered = std::move(answered)](const pplx::task<http_response>& arrived) { conclude(arrived, step, made, answered); },
                   pplx::task_options(http::Workers::scheduler()));

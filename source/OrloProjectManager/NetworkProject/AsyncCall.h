@@ -27,11 +27,10 @@ struct Step
 };
 
 /// Sends a request whose answer's body goes to `sink`, and calls `answered` on one of the library's workers
-/// when the whole body has gone there. `begun` hears the head of the answer before any of the body, and waits for nothing. What `prepare`
-/// throws, what goes wrong on the way, and what `answered` throws reaches the chain's handler through HandleCasablancaException. Throws
-/// nothing itself.
+/// when the whole body has gone there. What `prepare` throws, what goes wrong on the way, and what `answered` throws
+/// reaches the chain's handler through HandleCasablancaException. Throws nothing itself.
 void exchange(const Step& step, const std::function<Exchange()>& prepare, const concurrency::streams::ostream& sink,
-              std::function<void(web::http::http_response)> answered, std::function<void(const web::http::http_response&)> begun = nullptr);
+              std::function<void(web::http::http_response)> answered);
 
 /// The same for a REST operation, with the answer in memory. A status of 400 or above is left in the step's ErrorCode.
 void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered);

@@ -262,10 +262,9 @@ void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& cont
         made.request->headers().add(web::http::header_names::accept_encoding, utils::toNative(std::string("gzip")));
         return made;
     };
-    const auto receive = [file](const std::uint8_t* bytes, size_t count) { file->receive(bytes, count); };
-    exchange(
-        step, get, SinkBuffer::stream(receive), [step, file](const http_response& response) { fileArrived(step, response, *file); },
-        [file](const http_response& response) { file->begin(response); });
+    const auto sink = SinkBuffer::stream([file](const std::uint8_t* bytes, size_t count) { file->receive(bytes, count); },
+                                         SinkBuffer::Place::apart, [file](const http_response& response) { file->begin(response); });
+    exchange(step, get, sink, [step, file](const http_response& response) { fileArrived(step, response, *file); });
 }
 
 void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context)

@@ -28,6 +28,12 @@ BodySink::BodySink(const concurrency::streams::ostream& stream)
     : m_own(std::dynamic_pointer_cast<SinkBuffer>(stream.streambuf().get_base())), m_other(stream.streambuf())
 {}
 
+void BodySink::begin(const web::http::http_response& response) const
+{
+    if (m_own)
+        m_own->begin(response);
+}
+
 bool BodySink::write(const std::uint8_t* bytes, std::size_t count, const Wake& wake)
 {
     if (!(m_own ? m_own->offer(bytes, count, wake) : writeToOther(bytes, count, wake)))

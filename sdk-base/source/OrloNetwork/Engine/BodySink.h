@@ -22,6 +22,7 @@ public:
     BodySink() = default;
     explicit BodySink(const concurrency::streams::ostream& stream);
 
+    void begin(const web::http::http_response& response) const;
     /// wake: as for a transfer.
     /// Returns: false where the stream hasn't room; the piece wasn't taken then, and is to be given again after `wake`.
     /// Throws what the stream throws.

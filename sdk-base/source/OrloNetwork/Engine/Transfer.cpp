@@ -162,6 +162,7 @@ void Transfer::deliver()
     else
         answer._prepare_to_receive_data();
     m_sink = BodySink(answer.outstream());
+    m_sink.begin(m_response);
     m_isDelivered = true;
     // libcurl takes a HEAD with a body for another method, and would wait for what doesn't come.
     m_isCut = m_form.method == "HEAD" && m_form.hasBody();
@@ -178,6 +179,7 @@ std::size_t Transfer::take(const char* bytes, std::size_t count)
         m_isPaused = true;
         return CURL_WRITEFUNC_PAUSE;
     }
+    touch(); // a disk that took its time has used up none of the server's
     m_isCut = wanted < count;
     return m_isCut ? 0 : count; // the rest isn't waited for
 }
@@ -186,6 +188,7 @@ std::size_t Transfer::give(char* room, std::size_t size)
 {
     touch();
     const auto given = m_source.read(room, size, m_wake);
+    touch();
     m_isPaused = !given;
     return given ? *given : CURL_READFUNC_PAUSE;
 }
