@@ -116,6 +116,7 @@ void Transfer::attach(CURL* easy, std::function<void()> wake)
     m_wake = std::move(wake);
     applyTo(easy, *m_route);
     m_form.applyTo(easy);
+    shareSessions(easy);
     if (m_trust)
         http::applyTo(easy, *m_trust);
     // Nothing but a GET may be sent again by libcurl when a kept connection turns out to be dead.

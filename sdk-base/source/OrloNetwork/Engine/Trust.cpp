@@ -169,6 +169,10 @@ void applyTo(CURL* easy, const Trust& trust)
     curl::set(easy, CURLOPT_CAPATH, trust.name);
     curl::setPointer(easy, CURLOPT_SSL_CTX_FUNCTION, &takeStore);
     curl::setPointer(easy, CURLOPT_SSL_CTX_DATA, &trust);
+}
+
+void shareSessions(CURL* easy)
+{
     curl::setPointer(easy, CURLOPT_SHARE, sessions());
 }
 

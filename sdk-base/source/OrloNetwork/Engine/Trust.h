@@ -26,4 +26,7 @@ std::shared_ptr<const Trust> trustInSystem();
 /// The trust must live as long as the handle's transfer and the connection that it makes.
 void applyTo(CURL* easy, const Trust& trust);
 
+/// For every transfer, over TLS or not: a handle that has made sessions of its own before would lose their memory.
+void shareSessions(CURL* easy);
+
 } // namespace orlo::http
