@@ -34,6 +34,23 @@ protected:
     std::vector<std::string> cachedFiles() const { return filesBelow(cached("ds-1", "")); }
 };
 
+TEST_F(BatchTest, keepsItsConnectionsForTheNextFile)
+{
+    std::vector<std::string> seeds;
+    std::vector<BatchEntry> entries;
+    for (int i = 0; i < 40; ++i) {
+        const std::string name = "f" + std::to_string(i);
+        seeds.push_back("blocks/" + name);
+        entries.push_back({"blocks/" + name, atStore("/" + name)});
+        store.expect("GET", "/" + name).reply(fileReply(name));
+    }
+    store.anyOrder();
+    platform.expect("POST", "/datasets/ds-1/blockFiles/readSAS").anyBody().reply(200, batchReply(entries));
+    expectOutcome(download(seeds), true, 200, L"success to batch download files");
+    EXPECT_EQ(cachedFiles().size(), 40U);
+    EXPECT_LE(store.connectionCount(), 6U);
+}
+
 TEST_F(BatchTest, streamsEveryFileIntoTheCacheOfTheDataset)
 {
     const std::string large = patterned(5 << 20);

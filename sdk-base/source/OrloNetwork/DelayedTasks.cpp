@@ -26,7 +26,7 @@ struct DelayedTask
 void runOne(DelayedTask task)
 {
     try {
-        // A request that starts while the statics go would meet cpprestsdk's pool half destroyed.
+        // A request that starts while the statics go would meet them half destroyed.
         if (const WorkPermit permit(task.isAwaited); permit)
             task.work();
     }

@@ -48,7 +48,7 @@ void goOnUnlessBrokenOff(const Step& step)
         throw std::runtime_error("the work was broken off");
 }
 
-/// A piece of the step's work on a thread of the pool.
+/// A piece of the step's work on a worker.
 class Piece
 {
 public:
