@@ -20,7 +20,10 @@ std::string utf8(const utility::string_t& text)
 
 web::uri addressOf(const web::http::http_request& request)
 {
-    return web::uri_builder(request.absolute_uri()).set_user_info(utility::string_t()).set_fragment(utility::string_t()).to_uri();
+    web::uri whole = request.absolute_uri();
+    if (whole.user_info().empty() && whole.fragment().empty())
+        return whole;
+    return web::uri_builder(whole).set_user_info(utility::string_t()).set_fragment(utility::string_t()).to_uri();
 }
 
 std::string placeOf(const web::uri& address, bool isSecure)
