@@ -138,7 +138,8 @@ bool FileThreads::carry(const std::shared_ptr<Transfer>& transfer)
     if (state.threads == most)
         return false;
     try {
-        std::thread([&state, transfer] { state.work(transfer); }).detach();
+        // What the thread was made with would live as long as it, and longer than the end of the process waits.
+        std::thread([&state, first = transfer]() mutable { state.work(std::move(first)); }).detach();
     }
     catch (const std::system_error&) { // none to be had
         return false;
