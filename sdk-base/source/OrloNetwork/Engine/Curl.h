@@ -3,7 +3,14 @@
 // libcurl's handles with their ends, and its options with their failures.
 
 #include <chrono>
+// cpprestsdk makes macros of two words that libcurl asks clang about.
+#pragma push_macro("dllimport")
+#pragma push_macro("dllexport")
+#undef dllimport
+#undef dllexport
 #include <curl/curl.h>
+#pragma pop_macro("dllexport")
+#pragma pop_macro("dllimport")
 #include <memory>
 #include <optional>
 #include <string>
