@@ -254,10 +254,11 @@ TEST_P(EngineBoundsTest, aTimeOutOfNothingFailsAtOnce)
 
 TEST_P(EngineBoundsTest, anUploadThatTheServerStopsToRead)
 {
-    SocketServer full([](Connection& connection) {
+    std::atomic<bool> isOver{false};
+    SocketServer full([&](Connection& connection) {
         std::string head;
         connection.read(head);
-        std::this_thread::sleep_for(3s);
+        EXPECT_TRUE(waitUntil([&] { return isOver.load(); }));
     });
     const std::string body(64 * mebibyte, 'x');
     for (const Traffic traffic : {Traffic::calls, Traffic::files}) {
@@ -265,6 +266,7 @@ TEST_P(EngineBoundsTest, anUploadThatTheServerStopsToRead)
             outcomeWithin(300ms, 2s, full.url(), within(300ms, traffic), requestOf("PUT", "/a", body, "application/octet-stream"));
         expectTimeOut(outcome, "Failed to write request body (" + place(full) + ": nothing came or went in time)");
     }
+    isOver = true;
 }
 
 TEST_P(EngineBoundsTest, anUploadThatTheServerReadsSlowlyGoesOn)
