@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/Sanitized.h"
 #include "support/Sockets.h"
 
 #include <OrloNetwork/WebRequest.h>
@@ -97,13 +98,5 @@ private:
 
 /// Measures how long something takes.
 std::chrono::milliseconds timeOf(const std::function<void()>& work);
-
-/// Whether the build is slow and takes more memory by a sanitizer.
-constexpr bool isSanitized =
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    true;
-#else
-    false;
-#endif
 
 } // namespace orlo::test

@@ -1,5 +1,6 @@
 #include "TransferTestSupport.h"
 #include "support/RawServer.h"
+#include "support/Sanitized.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/Text.h>
@@ -37,13 +38,6 @@ std::size_t memoryOf(const std::string& key)
     }
     return 0;
 }
-
-constexpr bool isSanitized =
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    true;
-#else
-    false;
-#endif
 
 class LargeDownloadTest : public TransferTest
 {
