@@ -1,4 +1,4 @@
-#include <OrloProjectManager/SpaceConfig.h>
+#include <OrloProjectManager/Design/SpaceConfig.h>
 
 #include <cpprest/json.h>
 

@@ -1,4 +1,4 @@
-#include "BaseCommon/LivingChild.h"
+#include "LivingChild.h"
 #include "support/TempFolder.h"
 
 #include <BaseCommon/Files.h>

@@ -1,4 +1,4 @@
-#include <OrloProjectManager/NetworkProject/ConfigTexts.h>
+#include <OrloProjectManager/NetworkProject/Design/ConfigTexts.h>
 
 #include <gtest/gtest.h>
 

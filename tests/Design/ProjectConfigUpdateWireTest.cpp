@@ -1,7 +1,7 @@
 #include "support/WireTest.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloProjectManager/NetworkProject/ConfigWeb.h>
+#include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
 
 #include <cpprest/json.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "support/VirtualSlot.h"
 
 #include <OrloProjectManager/Design/ISpaceConfig.h>
-#include <OrloProjectManager/SpaceConfig.h>
+#include <OrloProjectManager/Design/SpaceConfig.h>
 
 #include <gtest/gtest.h>
 

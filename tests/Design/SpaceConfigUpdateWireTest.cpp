@@ -3,8 +3,8 @@
 
 #include <BaseCommon/NativeText.h>
 #include <OrloProjectManager/Design/ISpaceConfig.h>
-#include <OrloProjectManager/NetworkProject/ConfigWeb.h>
-#include <OrloProjectManager/Project.h>
+#include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
+#include <OrloProjectManager/Projects/Project.h>
 
 #include <gtest/gtest.h>
 

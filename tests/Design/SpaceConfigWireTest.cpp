@@ -2,7 +2,7 @@
 
 #include <BaseCommon/Text.h>
 #include <OrloProjectManager/Design/ISpaceConfig.h>
-#include <OrloProjectManager/Project.h>
+#include <OrloProjectManager/Projects/Project.h>
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "support/WireTest.h"
 
 #include <BaseCommon/NativeText.h>
-#include <OrloProjectManager/SpaceConfig.h>
+#include <OrloProjectManager/Design/SpaceConfig.h>
 
 #include <cpprest/json.h>
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <LocalPlatform/Answer.h>
-#include <LocalPlatform/BlobStore.h>
+#include <LocalPlatform/Server/Answer.h>
+#include <LocalPlatform/Store/BlobStore.h>
 #include <fstream>
 
 namespace orlo::platform {

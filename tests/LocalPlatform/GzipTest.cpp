@@ -1,7 +1,7 @@
 #include "TransferFixture.h"
 
-#include <LocalPlatform/Answer.h>
-#include <LocalPlatform/Gzip.h>
+#include <LocalPlatform/Server/Answer.h>
+#include <LocalPlatform/Server/Gzip.h>
 
 namespace orlo::platform::test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <LocalPlatform/Answer.h>
-#include <LocalPlatform/Signing.h>
+#include <LocalPlatform/Server/Answer.h>
+#include <LocalPlatform/Store/Signing.h>
 
 namespace orlo::platform {
 namespace {

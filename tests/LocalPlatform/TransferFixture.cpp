@@ -1,6 +1,6 @@
 #include "TransferFixture.h"
 
-#include <LocalPlatform/Gzip.h>
+#include <LocalPlatform/Server/Gzip.h>
 #include <random>
 
 namespace orlo::platform::test {

@@ -1,6 +1,6 @@
 #include "support/WireTest.h"
 
-#include <OrloProjectManager/NetworkProject/ConfigWeb.h>
+#include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
 
 #include <gtest/gtest.h>
 

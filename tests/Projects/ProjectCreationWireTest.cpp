@@ -37,7 +37,7 @@ TEST_F(ProjectCreationWireTest, sendsTheKeysInOrderAndAddsTheDefaultSpaceConfig)
     expectClear(error);
     EXPECT_EQ(log.lines(), Lines{L"E@orlo::ProjectManager::CreateProject 创建项目添加默认空间配置成功"});
     EXPECT_EQ(log.entries().front().tag, L"[ORLOSDK]");
-    EXPECT_EQ(log.entries().front().source, "source/OrloProjectManager/ProjectManager.cpp");
+    EXPECT_EQ(log.entries().front().source, "source/OrloProjectManager/Projects/ProjectManager.cpp");
     EXPECT_NE(log.entries().front().sourceLine().find("return createProject(ORLO_HERE(function)"), std::string::npos);
 }
 

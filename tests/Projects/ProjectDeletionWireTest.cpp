@@ -1,6 +1,6 @@
 #include "support/WireTest.h"
 
-#include <OrloProjectManager/NetworkProject/ProjectWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/ProjectWeb.h>
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
 
 #include <gtest/gtest.h>

@@ -157,7 +157,7 @@ TEST_F(ProjectListingWireTest, anEarlierErrorIsLoggedUnderTheNameOfTheListingAnd
     EXPECT_TRUE(manager.GetOwnerProjects(error).empty());
     expectClear(error);
     EXPECT_EQ(log.lines(), Lines{L"E@orlo::ProjectManager::GetAllProjects 传入的ErrorCode，已有错误存在:earlier"});
-    EXPECT_EQ(log.entries().front().source, "source/OrloProjectManager/ProjectManager.cpp");
+    EXPECT_EQ(log.entries().front().source, "source/OrloProjectManager/Projects/ProjectManager.cpp");
     EXPECT_EQ(log.entries().front().tag, L"[ORLOSDK]");
 }
 

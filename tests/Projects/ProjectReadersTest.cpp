@@ -1,6 +1,6 @@
-#include <OrloProjectManager/NetworkProject/DatasetReaders.h>
-#include <OrloProjectManager/NetworkProject/ProjectReaders.h>
-#include <OrloProjectManager/Project.h>
+#include <OrloProjectManager/NetworkProject/Projects/DatasetReaders.h>
+#include <OrloProjectManager/NetworkProject/Projects/ProjectReaders.h>
+#include <OrloProjectManager/Projects/Project.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "support/VirtualSlot.h"
 
-#include <OrloProjectManager/ProjectFont.h>
+#include <OrloProjectManager/Resources/ProjectFont.h>
 
 #include <gtest/gtest.h>
 

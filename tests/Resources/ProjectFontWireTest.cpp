@@ -1,7 +1,7 @@
 #include "support/WireTest.h"
 
-#include <OrloProjectManager/Project.h>
-#include <OrloProjectManager/ProjectFont.h>
+#include <OrloProjectManager/Projects/Project.h>
+#include <OrloProjectManager/Resources/ProjectFont.h>
 
 #include <gtest/gtest.h>
 

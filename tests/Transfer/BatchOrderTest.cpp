@@ -1,4 +1,4 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 
 #include <algorithm>
 #include <condition_variable>

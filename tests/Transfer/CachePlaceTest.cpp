@@ -1,6 +1,6 @@
 #include "support/TempFolder.h"
 
-#include <OrloProjectManager/CachePlace.h>
+#include <OrloProjectManager/Transfer/CachePlace.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloProjectManager/NetworkProject/GzipPayload.h>
+#include <OrloProjectManager/NetworkProject/Transfer/GzipPayload.h>
 
 #include <regex>
 #include <stdexcept>

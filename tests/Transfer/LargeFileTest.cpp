@@ -1,4 +1,4 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 #include "support/RawServer.h"
 #include "support/Sanitized.h"
 

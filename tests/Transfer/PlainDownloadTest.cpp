@@ -1,8 +1,8 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
-#include <OrloProjectManager/NetworkProject/StreamWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/StreamWeb.h>
 
 namespace orlo::test {
 namespace {

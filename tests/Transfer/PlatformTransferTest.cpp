@@ -1,10 +1,10 @@
-#include "TransferTestSupport.h"
-#include "UploadJobs/PlatformHost.h"
+#include "support/TransferTestSupport.h"
+#include "support/PlatformHost.h"
 
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
-#include <OrloProjectManager/NetworkProject/StreamWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/StreamWeb.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 
 #include <LocalPlatform/LocalPlatform.h>

@@ -1,9 +1,9 @@
-#include "Network/ThreadShortage.h"
-#include "TransferTestSupport.h"
+#include "support/ThreadShortage.h"
+#include "support/TransferTestSupport.h"
 
-#include <OrloNetwork/WorkPermit.h>
-#include <OrloProjectManager/TransferChain.h>
-#include <OrloProjectManager/TransferSteps.h>
+#include <OrloNetwork/Lifetime/WorkPermit.h>
+#include <OrloProjectManager/Transfer/TransferChain.h>
+#include <OrloProjectManager/Transfer/TransferSteps.h>
 
 #include <stdexcept>
 

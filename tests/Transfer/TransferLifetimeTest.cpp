@@ -1,5 +1,5 @@
 #include "ChildProcess.h"
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/Text.h>

@@ -1,4 +1,4 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloLogging/ILogManager.h>

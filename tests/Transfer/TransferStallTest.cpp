@@ -1,7 +1,7 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 #include "support/RawServer.h"
 
-#include <OrloProjectManager/NetworkProject/WebCall.h>
+#include <OrloProjectManager/NetworkProject/Call/WebCall.h>
 
 namespace orlo::test {
 namespace {

@@ -1,9 +1,9 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloProjectManager/NetworkProject/StreamWeb.h>
-#include <OrloProjectManager/NetworkProject/TransferWeb.h>
-#include <OrloProjectManager/TransferChain.h>
+#include <OrloProjectManager/NetworkProject/Transfer/StreamWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/TransferWeb.h>
+#include <OrloProjectManager/Transfer/TransferChain.h>
 
 #include <future>
 

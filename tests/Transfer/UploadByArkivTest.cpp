@@ -1,4 +1,4 @@
-#include "TransferTestSupport.h"
+#include "support/TransferTestSupport.h"
 
 namespace orlo::test {
 namespace {

@@ -1,4 +1,4 @@
-#include <OrloProjectManager/FileUpload.h>
+#include <OrloProjectManager/Transfer/FileUpload.h>
 
 #include <gtest/gtest.h>
 

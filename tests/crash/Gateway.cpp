@@ -1,4 +1,4 @@
-#include "crash/Gateway.h"
+#include "Gateway.h"
 
 #include <strings.h>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "Jobs/ChildProcess.h"
-#include "Jobs/Sql.h"
-#include "crash/Kills.h"
+#include "OrloJobManager/ChildProcess.h"
+#include "support/Sql.h"
+#include "Kills.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
-#include "crash/Kills.h"
-#include "crash/UploadJobHosts.h"
+#include "Kills.h"
+#include "UploadJobHosts.h"
 
 #include <algorithm>
 #include <csignal>

@@ -1,4 +1,4 @@
-#include "crash/UploadJobHosts.h"
+#include "UploadJobHosts.h"
 
 #include <cstdlib>
 #include <future>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Jobs/ChildProcess.h"
-#include "Jobs/Sql.h"
-#include "UploadJobs/PlatformHost.h"
-#include "crash/Gateway.h"
+#include "OrloJobManager/ChildProcess.h"
+#include "support/Sql.h"
+#include "support/PlatformHost.h"
+#include "Gateway.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 #include "support/Waiting.h"

@@ -4,7 +4,7 @@
 //
 // ROOT is its local root, URL the platform's address. Files go to the folder "f-1" of the project "p-1".
 
-#include "Jobs/HostCommands.h"
+#include "OrloJobManager/HostCommands.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>

@@ -1,4 +1,4 @@
-#include "Jobs/Sql.h"
+#include "support/Sql.h"
 #include "RunProgram.h"
 #include "support/TempFolder.h"
 

@@ -1,8 +1,8 @@
-#include "fuzz/Doors.h"
+#include "Doors.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/Text.h>
-#include <OrloProjectManager/CachePlace.h>
+#include <OrloProjectManager/Transfer/CachePlace.h>
 
 #include <algorithm>
 #include <vector>

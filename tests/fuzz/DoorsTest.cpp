@@ -1,6 +1,6 @@
-#include "fuzz/Doors.h"
+#include "Doors.h"
 
-#include "fuzz/Mutations.h"
+#include "Mutations.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/Text.h>

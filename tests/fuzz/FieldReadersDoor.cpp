@@ -1,12 +1,12 @@
-#include "fuzz/Doors.h"
+#include "Doors.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloNetwork/WebRequest.h>
-#include <OrloProjectManager/NetworkProject/DatasetReaders.h>
-#include <OrloProjectManager/NetworkProject/FieldText.h>
-#include <OrloProjectManager/NetworkProject/FolderReaders.h>
-#include <OrloProjectManager/NetworkProject/ProjectReaders.h>
+#include <OrloProjectManager/NetworkProject/Projects/DatasetReaders.h>
+#include <OrloProjectManager/NetworkProject/Call/FieldText.h>
+#include <OrloProjectManager/NetworkProject/Projects/FolderReaders.h>
+#include <OrloProjectManager/NetworkProject/Projects/ProjectReaders.h>
 
 #include <optional>
 

@@ -1,6 +1,6 @@
-#include "fuzz/Doors.h"
+#include "Doors.h"
 
-#include <OrloNetwork/Inflate.h>
+#include <OrloNetwork/Body/Inflate.h>
 
 #include <zlib.h>
 

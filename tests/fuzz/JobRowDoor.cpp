@@ -1,5 +1,5 @@
-#include "fuzz/Doors.h"
-#include "fuzz/Silence.h"
+#include "Doors.h"
+#include "Silence.h"
 
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
 #include <OrloProjectManager/FileJob/UploadModuleJobEntity.h>

@@ -1,4 +1,4 @@
-#include "fuzz/Doors.h"
+#include "Doors.h"
 
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/Text.h>

@@ -1,4 +1,4 @@
-#include "fuzz/Mutations.h"
+#include "Mutations.h"
 
 #include <string_view>
 

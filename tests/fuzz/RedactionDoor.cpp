@@ -1,4 +1,4 @@
-#include "fuzz/Doors.h"
+#include "Doors.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloLogging/Redaction.h>

@@ -1,8 +1,8 @@
-#include "fuzz/Doors.h"
-#include "fuzz/Silence.h"
+#include "Doors.h"
+#include "Silence.h"
 
 #include <BaseCommon/NativeText.h>
-#include <OrloProjectManager/SpaceConfig.h>
+#include <OrloProjectManager/Design/SpaceConfig.h>
 
 namespace orlo::fuzz {
 

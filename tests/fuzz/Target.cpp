@@ -1,4 +1,4 @@
-#include "fuzz/Doors.h"
+#include "Doors.h"
 
 #include <cstddef>
 #include <cstdint>

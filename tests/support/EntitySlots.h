@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/VirtualSlot.h"
+#include "VirtualSlot.h"
 
 #include <gtest/gtest.h>
 

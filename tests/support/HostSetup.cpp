@@ -1,4 +1,4 @@
-#include "support/HostSetup.h"
+#include "HostSetup.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloAuth/UserSession.h>

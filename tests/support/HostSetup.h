@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TempFolder.h"
+#include "TempFolder.h"
 
 #include <OrloCommon/OrloConfigManager.h>
 

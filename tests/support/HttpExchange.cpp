@@ -1,6 +1,6 @@
-#include "support/HttpExchange.h"
+#include "HttpExchange.h"
 
-#include "support/Sockets.h"
+#include "Sockets.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,4 +1,4 @@
-#include "support/LogCapture.h"
+#include "LogCapture.h"
 
 #include <BaseCommon/Text.h>
 

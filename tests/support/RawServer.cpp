@@ -1,4 +1,4 @@
-#include "support/RawServer.h"
+#include "RawServer.h"
 
 #include <BaseCommon/Text.h>
 

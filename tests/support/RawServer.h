@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/HttpExchange.h"
-#include "support/Sockets.h"
+#include "HttpExchange.h"
+#include "Sockets.h"
 
 #include <condition_variable>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "support/ScriptedServer.h"
+#include "ScriptedServer.h"
 
 #include <BaseCommon/Text.h>
 

@@ -1,4 +1,4 @@
-#include "support/SmallStack.h"
+#include "SmallStack.h"
 
 #include <pthread.h>
 #include <stdexcept>

@@ -1,6 +1,6 @@
-#include "support/Sockets.h"
+#include "Sockets.h"
 
-#include "support/Waiting.h"
+#include "Waiting.h"
 
 #include <arpa/inet.h>
 #include <cerrno>

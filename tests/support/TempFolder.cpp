@@ -1,4 +1,4 @@
-#include "support/TempFolder.h"
+#include "TempFolder.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>

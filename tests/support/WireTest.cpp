@@ -1,4 +1,4 @@
-#include "support/WireTest.h"
+#include "WireTest.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>

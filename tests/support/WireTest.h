@@ -1,8 +1,8 @@
 #pragma once
 
-#include "support/HostSetup.h"
-#include "support/LogCapture.h"
-#include "support/ScriptedServer.h"
+#include "HostSetup.h"
+#include "LogCapture.h"
+#include "ScriptedServer.h"
 
 #include <BaseCommon/ErrorCode.h>
 

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "BlobStore.h"
-#include "Clock.h"
-#include "Faults.h"
+#include "Store/BlobStore.h"
+#include "Store/Clock.h"
+#include "Server/Faults.h"
 #include "LocalPlatform.h"
-#include "RequestLog.h"
-#include "Router.h"
-#include "Server.h"
-#include "Signing.h"
-#include "Store.h"
-#include "Transfers.h"
+#include "Server/RequestLog.h"
+#include "Server/Router.h"
+#include "Server/Server.h"
+#include "Store/Signing.h"
+#include "Store/Store.h"
+#include "Store/Transfers.h"
 
 #include <filesystem>
 #include <mutex>

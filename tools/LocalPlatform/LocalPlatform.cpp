@@ -1,10 +1,10 @@
 #include "LocalPlatform.h"
 
 #include "Core.h"
-#include "Datasets.h"
-#include "Files.h"
-#include "Projects.h"
-#include "Users.h"
+#include "Routes/Datasets.h"
+#include "Routes/Files.h"
+#include "Routes/Projects.h"
+#include "Routes/Users.h"
 
 namespace orlo::platform {
 

@@ -1,5 +1,5 @@
 #include "LocalPlatform.h"
-#include "Router.h"
+#include "Server/Router.h"
 
 #include <csignal>
 #include <getopt.h>

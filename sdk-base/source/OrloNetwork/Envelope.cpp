@@ -1,4 +1,4 @@
-#include "JsonText.h"
+#include "Body/JsonText.h"
 #include "NetworkCommon.h"
 #include "WebRequest.h"
 

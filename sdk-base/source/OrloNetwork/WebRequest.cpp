@@ -1,11 +1,11 @@
 #include "WebRequest.h"
 
-#include "Charset.h"
+#include "Body/Charset.h"
 #include "Engine/EngineStage.h"
-#include "JsonText.h"
-#include "Operation.h"
-#include "SinkBuffer.h"
-#include "WorkPermit.h"
+#include "Body/JsonText.h"
+#include "Lifetime/Operation.h"
+#include "Body/SinkBuffer.h"
+#include "Lifetime/WorkPermit.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/NativeText.h>

@@ -1,6 +1,6 @@
 #include "UploadFileJobEntity.h"
 
-#include "../CollaborationFileManager.h"
+#include "../Transfer/CollaborationFileManager.h"
 #include "JobFields.h"
 
 #include <OrloProjectManager/Transfer/IFileManager.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../SinkBuffer.h"
+#include "../Body/SinkBuffer.h"
 
 #include <cpprest/streams.h>
 

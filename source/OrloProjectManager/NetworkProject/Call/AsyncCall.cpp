@@ -1,0 +1,136 @@
+#include "AsyncCall.h"
+
+#include <BaseCommon/Text.h>
+#include <OrloNetwork/Engine/Workers.h>
+#include <OrloNetwork/Lifetime/Operation.h>
+#include <OrloNetwork/Body/SinkBuffer.h>
+#include <OrloNetwork/WebRequest.h>
+#include <OrloNetwork/Lifetime/WorkPermit.h>
+
+#include <stdexcept>
+
+namespace orlo {
+
+using web::http::http_response;
+
+void Step::complete(int status, const std::wstring& body) const
+{
+    if (const auto handler = context->handler)
+        handler->on_complete(status, body, key, context, *error);
+}
+
+void Step::complete(int status, const std::wstring& body, const std::vector<unsigned char>& data) const
+{
+    if (const auto handler = std::dynamic_pointer_cast<IOrloFileCallback>(context->handler))
+        handler->on_complete(status, body, data, key, context, *error);
+    else
+        complete(status, body);
+}
+
+void noteStatus(ErrorCode& error, const http_response& response, const std::string& body)
+{
+    const int status = response.status_code();
+    if (status >= 400)
+        error.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", OrloWebService::TextOf(response, body), status, 0));
+}
+
+namespace {
+
+/// What breaks the step's chain off; null where nobody waits for the chain, which is just dropped when the process ends.
+const std::shared_ptr<Interruption>& interruptionOf(const Step& step)
+{
+    return step.context->interruption;
+}
+
+void goOnUnlessBrokenOff(const Step& step)
+{
+    if (interruptionOf(step) && interruptionOf(step)->isRequested())
+        throw std::runtime_error("the work was broken off");
+}
+
+/// A piece of the step's work on a worker.
+class Piece
+{
+public:
+    explicit Piece(const Step& step) : m_permit(interruptionOf(step) != nullptr), m_scope(interruptionOf(step)) {}
+
+    explicit operator bool() const { return static_cast<bool>(m_permit); }
+
+private:
+    const http::WorkPermit m_permit;
+    const Interruption::Scope m_scope;
+};
+
+/// The response, once its body is there, without a thread between the two.
+pplx::task<http_response> withContent(const http_response& response)
+{
+    const pplx::task_options atOnce(http::Workers::atOnce());
+    return pplx::create_task(response._get_impl()->_get_data_available(), atOnce)
+        .then([response](utility::size64_t) { return response; }, atOnce);
+}
+
+void reportCaught(const Step& step)
+{
+    http::HandleCasablancaException(pplx::task_from_exception<void>(std::current_exception()), step.context, step.key, *step.error);
+}
+
+/// The end of an exchange, in one piece: the outcome may stand and the process end while it still runs.
+void conclude(const pplx::task<http_response>& arrived, const Step& step, const Exchange& made,
+              const std::function<void(http_response)>& answered)
+{
+    const Piece piece(step);
+    try {
+        const http_response response = arrived.get();
+        if (!piece)
+            return;
+        OrloWebService::LogResponse(response, *made.request, *step.error);
+        answered(response);
+    }
+    catch (...) {
+        if (piece)
+            reportCaught(step);
+    }
+}
+
+} // namespace
+
+void exchange(const Step& step, const std::function<Exchange()>& prepare, const concurrency::streams::ostream& sink,
+              std::function<void(http_response)> answered)
+{
+    try {
+        goOnUnlessBrokenOff(step);
+        const Exchange made = prepare();
+        made.request->set_response_stream(sink);
+        OrloWebService::LogRequest(*made.client, *made.request);
+        const auto cancellation = std::make_shared<const http::Cancellation>(interruptionOf(step));
+        made.client->request(*made.request, cancellation->token())
+            .then(&withContent, pplx::task_options(http::Workers::atOnce()))
+            .then([made, cancellation, step,
+                   answered = std::move(answered)](const pplx::task<http_response>& arrived) { conclude(arrived, step, made, answered); },
+                  pplx::task_options(http::Workers::scheduler()));
+    }
+    catch (...) {
+        if (const Piece piece(step); piece)
+            reportCaught(step);
+    }
+}
+
+void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered)
+{
+    const auto body = std::make_shared<std::string>();
+    const auto receive = [body](const uint8_t* bytes, size_t count) {
+        if (count > OrloWebService::largestAnswer - body->size())
+            throw std::length_error("the answer is too large");
+        body->append(reinterpret_cast<const char*>(bytes), count);
+    };
+    exchange(
+        step, [call] { return call.prepare(); }, http::SinkBuffer::stream(receive, http::SinkBuffer::Place::inPlace),
+        [step, call, body, answered = std::move(answered)](http_response response) {
+            noteStatus(*step.error, response, *body);
+            response.set_body(std::move(*body), "application/json");
+            WebAnswer answer = call.answer(response, *step.error);
+            answered(answer);
+        });
+}
+
+} // namespace orlo

@@ -1,0 +1,230 @@
+#include "WebCall.h"
+
+#include "../../Log.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/Text.h>
+#include <OrloCommon/OrloConfigManager.h>
+#include <OrloNetwork/Lifetime/Operation.h>
+#include <OrloNetwork/WebRequest.h>
+
+#include <chrono>
+#include <stdexcept>
+
+namespace orlo {
+
+web::json::value jsonText(const std::wstring& text)
+{
+    return web::json::value::string(utils::toNative(text));
+}
+
+web::json::value jsonText(const std::string& utf8)
+{
+    return web::json::value::string(utils::toNative(utf8));
+}
+
+web::json::value jsonTexts(const std::vector<std::wstring>& texts)
+{
+    std::vector<web::json::value> values;
+    values.reserve(texts.size());
+    for (const std::wstring& text : texts)
+        values.push_back(jsonText(text));
+    return web::json::value::array(std::move(values));
+}
+
+JsonBody& JsonBody::add(const wchar_t* key, web::json::value value)
+{
+    m_members.emplace_back(utils::toNative(std::wstring(key)), std::move(value));
+    return *this;
+}
+
+WebAnswer::WebAnswer(web::http::http_response response, std::wstring name, FailureWords failureWords, std::wstring message)
+    : m_response(std::move(response)), m_name(std::move(name)), m_failureWords(std::move(failureWords)), m_message(std::move(message))
+{}
+
+bool WebAnswer::ok() const
+{
+    if (status() == web::http::status_codes::OK)
+        return true;
+    if (m_failureWords.words)
+        log::error(*m_failureWords.words + std::to_wstring(status()) + (m_failureWords.withMessage ? L" message: " + m_message : L""));
+    return false;
+}
+
+bool WebAnswer::marked()
+{
+    if (!ok())
+        return false;
+    if (OrloWebService::IsMarkedSuccess(body()))
+        return true;
+    complain(m_name + L" - response is not normal: ");
+    return false;
+}
+
+bool WebAnswer::succeeded()
+{
+    return ok() && OrloWebService::IsMarkedSuccess(body());
+}
+
+bool WebAnswer::okWithData()
+{
+    return ok() && findData();
+}
+
+const web::json::value& WebAnswer::body()
+{
+    if (!m_body)
+        m_body = OrloWebService::ReadJson(m_response);
+    return *m_body;
+}
+
+const web::json::value& WebAnswer::data()
+{
+    static const web::json::value& none = *new web::json::value; // answers come in until the process is gone
+    const web::json::value* const found = findData();
+    return found ? *found : none;
+}
+
+const web::json::value* WebAnswer::findData()
+{
+    return memberOf(body(), L"data");
+}
+
+std::wstring WebAnswer::text() const
+{
+    return OrloWebService::TextOf(m_response, OrloWebService::ReadBody(m_response));
+}
+
+void WebAnswer::complain(const std::wstring& words)
+{
+    log::error(words + utils::fromNative(body().serialize()));
+}
+
+WebCall::WebCall(std::wstring name, const wchar_t* serviceKey, web::http::method method, std::wstring path)
+    : m_name(std::move(name)),
+      m_serviceKey(serviceKey),
+      m_method(std::move(method)),
+      m_path(std::move(path)),
+      m_failureWords{m_name + L" - code:", false}
+{}
+
+WebCall& WebCall::place(const std::wstring& placeholder, const std::wstring& value)
+{
+    utils::strReplace(m_path, placeholder, value);
+    return *this;
+}
+
+WebCall& WebCall::place(const std::wstring& placeholder, const std::string& utf8)
+{
+    return place(placeholder, utils::toWstring(utf8));
+}
+
+WebCall& WebCall::place(const std::wstring& placeholder, int value)
+{
+    return place(placeholder, utils::toWstring(value));
+}
+
+WebCall& WebCall::query(const wchar_t* key, const std::wstring& value)
+{
+    m_query.emplace_back(utils::toNative(std::wstring(key)), utils::toNative(value));
+    return *this;
+}
+
+WebCall& WebCall::body(web::json::value value)
+{
+    m_json = std::move(value);
+    return *this;
+}
+
+WebCall& WebCall::body(std::wstring text)
+{
+    m_text = std::move(text);
+    return *this;
+}
+
+WebCall& WebCall::withTimeout()
+{
+    m_timeoutSeconds = timeoutOfFirstUse();
+    return *this;
+}
+
+WebCall& WebCall::withFreshTimeout()
+{
+    m_timeoutSeconds = OrloConfigManager::Get()->httpTimeout();
+    return *this;
+}
+
+WebCall& WebCall::failureWords(std::wstring words)
+{
+    m_failureWords.words = std::move(words);
+    return *this;
+}
+
+WebCall& WebCall::failsSilently()
+{
+    m_failureWords.words.reset();
+    return *this;
+}
+
+WebCall& WebCall::failsWithMessage()
+{
+    m_failureWords.withMessage = true;
+    return *this;
+}
+
+WebCall& WebCall::plainText(std::wstring text)
+{
+    m_isPlainText = true;
+    return body(std::move(text));
+}
+
+web::uri WebCall::target() const
+{
+    // It would be cut there without a word, and ask for something else.
+    if (utils::holdsNul(m_path))
+        throw std::invalid_argument("a path can't hold a NUL");
+    web::uri_builder builder(utils::toNative(m_path));
+    for (const auto& [key, value] : m_query)
+        builder.append_query(key, value);
+    return builder.to_uri();
+}
+
+Exchange WebCall::prepare() const
+{
+    const std::wstring base = OrloConfigManager::Get()->GetServiceUrl(m_serviceKey);
+    if (base.empty())
+        throw std::invalid_argument("no address is configured for the service \"" + utils::toString(m_serviceKey) + "\"");
+    web::http::client::http_client_config config;
+    if (m_timeoutSeconds)
+        config.set_timeout(secondsAsTimeout(*m_timeoutSeconds));
+    const auto request =
+        m_text ? OrloWebService::CreateRequest(m_method, target(), *m_text) : OrloWebService::CreateRequest(m_method, target(), m_json);
+    if (m_isPlainText)
+        request->headers().set_content_type(utils::toNative(std::string("text/plain; charset=utf-8")));
+    return {OrloWebService::CreateClient(base, config), request};
+}
+
+WebAnswer WebCall::answer(const web::http::http_response& response, const ErrorCode& error) const
+{
+    return WebAnswer(response, m_name, m_failureWords, error.GetErrorMessage());
+}
+
+WebAnswer WebCall::send(ErrorCode& error) const
+{
+    const http::Operation operation;
+    const Exchange made = prepare();
+    return answer(OrloWebService::ExecuteRequest(*made.client, made.request, error), error);
+}
+
+std::chrono::microseconds secondsAsTimeout(int seconds)
+{
+    return std::chrono::microseconds(std::int64_t{seconds} * 1000000);
+}
+
+int timeoutOfFirstUse()
+{
+    static const int seconds = OrloConfigManager::Get()->httpTimeout();
+    return seconds;
+}
+
+} // namespace orlo

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "../Call/TextTable.h"
+
+#include <OrloProjectManager/Design/ConfigType.h>
+#include <OrloProjectManager/Design/ISpaceConfig.h>
+
+namespace orlo {
+
+const TextTable<SpaceType>& spaceTypeTexts();
+const TextTable<ConfigScope>& configScopeTexts();
+/// As the kinds of configuration stand in an address. The wrapper around a stored item has other texts.
+const TextTable<ConfigType>& configTypeTexts();
+
+} // namespace orlo

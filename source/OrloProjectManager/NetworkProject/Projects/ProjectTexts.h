@@ -1,0 +1,21 @@
+#pragma once
+
+#include "../Call/TextTable.h"
+
+#include <OrloProjectManager/Projects/ProjectRecords.h>
+#include <OrloProjectManager/Projects/Specialty.h>
+#include <OrloProjectManager/Projects/StandardProperty.h>
+
+namespace orlo {
+
+const TextTable<ProjectStatus>& projectStatusTexts();
+const TextTable<ProjectGridType>& projectGridTypeTexts();
+const TextTable<SpecialtyType>& specialtyTexts();
+const TextTable<EStandardPropertyValueType>& standardPropertyTypes();
+
+/// "DEFAULT" for every value without a text of its own.
+std::wstring textOf(ProjectScenario scenario);
+/// "Unknown" for every value without a text of its own.
+std::wstring textOf(SpecialtyType type);
+
+} // namespace orlo

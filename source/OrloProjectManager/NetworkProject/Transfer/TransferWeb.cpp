@@ -1,0 +1,133 @@
+#include "TransferWeb.h"
+
+#include "../../Frame/CallFrame.h"
+#include "../Call/AsyncCall.h"
+#include "../Call/FieldReaders.h"
+
+#include <BaseCommon/Text.h>
+
+namespace orlo::OrloWebService {
+
+namespace {
+
+constexpr const wchar_t* newFilePath = L"/file/new";
+constexpr const wchar_t* newDocumentPath = L"/file/doc/upload/url/with/filename";
+constexpr const wchar_t* readFilePath = L"/file/read";
+constexpr const wchar_t* readDocumentPath = L"/file/doc/{fileId}/download/url";
+constexpr const wchar_t* readModuleFilePath = L"/{spaceType}/{spaceTypeParameter}/types/{resourceType}/files/sign_download_url";
+constexpr const wchar_t* readBlocksPath = L"/datasets/{datasetId}/blockFiles/readSAS";
+
+constexpr const char* uploadStep = "AcquireUploadAuthority";
+constexpr const char* downloadStep = "AcquireDownloadAuthority";
+constexpr const char* moduleStep = "AcquireDownloadModuleFileAuthority";
+constexpr const char* batchStep = "AcquireBatchDownloadAuthority";
+
+/// Where the authority stands in an answer.
+enum class Authority { isTheBody, standsUnderData };
+
+std::wstring authorityText(WebAnswer& answer, Authority place)
+{
+    const utility::string_t whole = answer.body().serialize();
+    if (place == Authority::isTheBody)
+        return utils::fromNative(whole);
+    try {
+        // Read once more, since not all that was read can be: a number beyond all bounds is written as no number.
+        const web::json::value envelope = web::json::value::parse(whole);
+        const web::json::value* const data = memberOf(envelope, L"data");
+        return utils::fromNative(data && data->is_object() ? data->serialize() : whole);
+    }
+    catch (const web::json::json_exception&) {
+        log::error(L" catch value::parse(all_data) error");
+        return utils::fromNative(whole);
+    }
+}
+
+/// The answer's JSON goes on to the handler as text. `bytes` says whether the handler is one that takes bytes beside it.
+void acquire(const Step& step, const WebCall& call, Authority place, bool bytes)
+{
+    send(step, call, [step, place, bytes](WebAnswer& answer) {
+        std::wstring body;
+        if (answer.ok())
+            body = authorityText(answer, place);
+        else
+            step.stop();
+        if (bytes)
+            step.complete(answer.status(), body, {});
+        else
+            step.complete(answer.status(), body);
+    });
+}
+
+bool refuseBatch(const Step& step, const std::wstring& words)
+{
+    log::error(L"[OrloWebService::AcquireBatchDownloadAuthorityAsync] " + words);
+    refuse(*step.error, error::badInput, words);
+    // Without this the chain would wait for a step that never comes.
+    step.stop();
+    step.complete(400, words);
+    return false;
+}
+
+web::json::value seedsAsJson(const std::vector<std::string>& seeds)
+{
+    std::vector<web::json::value> values;
+    values.reserve(seeds.size());
+    for (const std::string& seed : seeds)
+        values.push_back(jsonText(seed));
+    return web::json::value::array(std::move(values));
+}
+
+} // namespace
+
+void AcquireUploadAuthorityAsync(ErrorCode& error, const std::wstring& fileName, const std::wstring& filePath, const Context& context)
+{
+    WebCall call(L"OrloWebService::AcquireUploadAuthorityAsync", service::project, methods::PUT, newFilePath);
+    call.query(L"fileName", fileName).query(L"filepath", filePath);
+    acquire({uploadStep, context, &error}, call, Authority::isTheBody, false);
+}
+
+void AcquireUploadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileName, const std::wstring& filePath,
+                                        const std::wstring& targetFolderId, const Context& context)
+{
+    WebCall call(L"OrloWebService::AcquireUploadAuthorityAsync", service::project, methods::GET, newDocumentPath);
+    call.query(L"fileName", fileName).query(L"filepath", filePath).query(L"targetFolderId", targetFolderId);
+    acquire({uploadStep, context, &error}, call, Authority::standsUnderData, false);
+}
+
+void AcquireDownloadAuthorityAsync(ErrorCode& error, const std::wstring& remotePath, const Context& context)
+{
+    WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readFilePath);
+    acquire({downloadStep, context, &error}, call.plainText(remotePath), Authority::isTheBody, true);
+}
+
+void AcquireDownloadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileId, int version, const Context& context)
+{
+    WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readDocumentPath);
+    call.place(L"{fileId}", fileId).query(L"version", utils::toWstring(version));
+    acquire({downloadStep, context, &error}, call, Authority::standsUnderData, true);
+}
+
+void AcquireDownloadAuthorityAsyncForModuleFile(ErrorCode& error, const ModuleFileRequest& request, const Context& context)
+{
+    WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsyncForModuleFile", service::module, methods::POST, readModuleFilePath);
+    call.place(L"{spaceType}", request.spaceType)
+        .place(L"{spaceTypeParameter}", request.spaceTypeParameter)
+        .place(L"{resourceType}", request.resourceType)
+        .plainText(request.body);
+    acquire({moduleStep, context, &error}, call, Authority::isTheBody, true);
+}
+
+bool AcquireBatchDownloadAuthorityAsync(ErrorCode& error, const std::string& datasetId, const std::vector<std::string>& seeds,
+                                        const Context& context)
+{
+    const Step step{batchStep, context, &error};
+    if (seeds.empty())
+        return refuseBatch(step, L"seeds is empty");
+    if (datasetId.empty())
+        return refuseBatch(step, L"dataset id is empty");
+    WebCall call(L"OrloWebService::AcquireBatchDownloadAuthorityAsync", service::project, methods::POST, readBlocksPath);
+    acquire(step, call.place(L"{datasetId}", datasetId).body(seedsAsJson(seeds)), Authority::isTheBody, false);
+    return true;
+}
+
+} // namespace orlo::OrloWebService

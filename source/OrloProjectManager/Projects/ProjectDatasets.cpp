@@ -1,0 +1,79 @@
+#include "../Frame/CallFrame.h"
+#include "../NetworkProject/Projects/DatasetReaders.h"
+#include "../NetworkProject/Projects/DatasetWeb.h"
+#include "../NetworkProject/Call/TextTable.h"
+#include "Project.h"
+
+#include <OrloNetwork/NetworkCommon.h>
+
+namespace orlo {
+
+using http::ORLOHTTPPayloadDataset;
+using http::SendNormalRequestWithRetry;
+
+namespace {
+
+const TextTable<DatasetStatus>& datasetStatusTexts()
+{
+    static const auto& table = *new const TextTable<DatasetStatus>(
+        {{DatasetStatus::Draft, L"draft"}, {DatasetStatus::Committed, L"committed"}}, DatasetStatus::Draft);
+    return table;
+}
+
+ORLOHTTPPayloadDataset workunit(const std::wstring& name, const std::wstring& teamId, const std::wstring& specialtyId,
+                                const std::wstring& ownerId)
+{
+    ORLOHTTPPayloadDataset dataset;
+    dataset.name = name;
+    dataset.teamId = teamId;
+    dataset.specialtyId = specialtyId;
+    dataset.ownerId = ownerId;
+    dataset.type = L"workunit";
+    return dataset;
+}
+
+DatasetInfo createDataset(const ORLOHTTPPayloadDataset& wanted, ErrorCode& error)
+{
+    ORLOHTTPPayloadDataset created;
+    if (SendNormalRequestWithRetry(&OrloWebService::CreateDataSet, false, error, created, wanted))
+        return toDatasetInfo(created);
+    log::error(L"fail to create dataset!");
+    return {};
+}
+
+} // namespace
+
+bool Project::GetDatasetBySatatus(DatasetStatus status, std::vector<DatasetInfo>& out, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::GetDatasetBySatatus")).run(error, [&] {
+        if (!datasetStatusTexts().knows(status))
+            return false;
+        std::vector<ORLOHTTPPayloadDataset> records;
+        const std::wstring text = datasetStatusTexts().textOf(status);
+        if (!SendNormalRequestWithRetry(&OrloWebService::GetDatasetByStatus, false, error, records, m_id, text))
+            return false;
+        for (const ORLOHTTPPayloadDataset& record : records)
+            out.push_back(toDatasetInfo(record));
+        return true;
+    });
+}
+
+DatasetInfo Project::CreateDataset(const std::wstring& name, const std::wstring& teamId, const std::wstring& specialtyId,
+                                   const std::wstring& ownerId, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::CreateDataset")).run(error, [&] {
+        return createDataset(workunit(name, teamId, specialtyId, ownerId), error);
+    });
+}
+
+DatasetInfo Project::CreateDatasetById(const std::wstring& name, const std::wstring& teamId, const std::wstring& specialtyId,
+                                       const std::wstring& ownerId, const std::string& datasetId, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::CreateDatasetById")).run(error, [&] {
+        ORLOHTTPPayloadDataset wanted = workunit(name, teamId, specialtyId, ownerId);
+        wanted.id = datasetId;
+        return createDataset(wanted, error);
+    });
+}
+
+} // namespace orlo

@@ -1,0 +1,65 @@
+#include "ProjectFont.h"
+
+#include "../Frame/CallFrame.h"
+#include "../NetworkProject/Resources/FontWeb.h"
+#include "../NetworkProject/Projects/ProjectWeb.h"
+#include "../Projects/Project.h"
+
+#include <BaseCommon/Text.h>
+#include <OrloNetwork/NetworkCommon.h>
+
+namespace orlo {
+
+using http::SendNormalRequestWithRetry;
+
+IProjectFont::IProjectFont() = default;
+IProjectFont::~IProjectFont() = default;
+
+ProjectFont::ProjectFont(http::ORLOHTTPPayloadFontInfo record)
+    : m_record(std::move(record)), m_resourceBytes(utils::toInt64(m_record.resourceBytes))
+{}
+
+std::wstring ProjectFont::GetFontDownloadUri(ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::ProjectFont::GetFontDownloadUri")).run(error, [&] {
+        http::ORLOHTTPPayloadFontUriAck ack;
+        if (m_record.id.empty() || m_record.projectId.empty())
+            return std::wstring();
+        if (!SendNormalRequestWithRetry(&OrloWebService::GetFontDownloadUri, false, error, ack, m_record.id, m_record.projectId))
+            return std::wstring();
+        log::info(L"ProjectFont::GetFontDownloadUri success");
+        return ack.fileUrlWithSAS;
+    });
+}
+
+bool Project::GetProjectFonts(std::vector<std::shared_ptr<IProjectFont>>& out, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::GetProjectFonts")).run(error, [&] {
+        out.clear();
+        http::ORLOHTTPPayloadFontInfoAck ack;
+        if (!SendNormalRequestWithRetry(&OrloWebService::GetProjectFonts, false, error, ack, m_id))
+            return false;
+        for (http::ORLOHTTPPayloadFontInfo& record : ack.fonts)
+            out.push_back(std::make_shared<ProjectFont>(std::move(record)));
+        return true;
+    });
+}
+
+bool Project::GetProjectStandardProperties(StandardProperties& out, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::GetProjectStandardProperties")).run(error, [&] {
+        // Two first calls at once both read, and the later store wins.
+        auto properties = std::atomic_load(&m_standardProperties);
+        if (!properties) {
+            http::ORLOHTTPPayloadProject record;
+            if (!SendNormalRequestWithRetry(&OrloWebService::GetProject, false, error, record, m_id))
+                return false;
+            properties = std::make_shared<const StandardProperties>(toStandardProperties(record.standardProperties));
+            std::atomic_store(&m_standardProperties, properties);
+        }
+        out = *properties;
+        return true;
+    });
+}
+
+} // namespace orlo

@@ -1,0 +1,114 @@
+#include "BatchDownload.h"
+#include "CachePlace.h"
+#include "../Frame/CallFrame.h"
+#include "../NetworkProject/Transfer/FileWeb.h"
+
+#include <BaseCommon/Files.h>
+#include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/Text.h>
+#include <OrloNetwork/NetworkCommon.h>
+#include <OrloProjectManager/Transfer/HttpClient.h>
+#include <OrloProjectManager/Transfer/IFileManager.h>
+
+namespace orlo {
+
+using http::SendNormalRequestWithRetry;
+
+namespace {
+
+class FileManager final : public IFileManager
+{};
+
+/// A link that leads out of the cache is no file of it.
+bool isCached(const std::wstring& cache, const std::wstring& path)
+{
+    return utils::fileExists(path) && utils::leadsInside(cache, path);
+}
+
+std::wstring failed(const std::wstring& words)
+{
+    log::error(words);
+    return {};
+}
+
+std::wstring downloadThroughCache(const std::string& dsId, const std::wstring& uri, ErrorCode& error)
+{
+    DatasetUri parsed;
+    CachePlace place;
+    if (!parse(uri, parsed) || !findPlace(utils::getLocalFileCachePath(), dsId, parsed, place))
+        return failed(L"invalid uri: " + uri);
+    if (isCached(place.root, place.file))
+        return place.file;
+    if (!utils::hasDirectory(place.folder) && !utils::createDirectoryRecursively(place.folder))
+        return failed(L"failed to create path: " + place.folder);
+    const std::vector<std::string> seeds{utils::toString(parsed.relative)};
+    const PromiseData outcome = downloadBatch(error, utils::toString(parsed.folder), dsId, seeds, nullptr, EmptyBatch::fails).get();
+    // For a batch a file that can't be moved to its place counts as brought.
+    return outcome.success && isCached(place.root, place.file) ? place.file : failed(L"failed to download file from uri: " + uri);
+}
+
+} // namespace
+
+IFileManager::IFileManager() = default;
+IFileManager::~IFileManager() = default;
+
+IFileManager* IFileManager::Get()
+{
+    static auto* const manager = new FileManager; // never destroyed: operations go on until the process is gone
+    return manager;
+}
+
+std::wstring IFileManager::DownloadFile(const std::string& dsId, const std::wstring& uri, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::IFileManager::DownloadFile")).run(error, [&] { return downloadThroughCache(dsId, uri, error); });
+}
+
+std::future<PromiseData> IFileManager::DownloadFile(const std::wstring& remotePath, const std::wstring& localPath, ErrorCode& error)
+{
+    return HttpClient::downloadFile(remotePath, localPath, error);
+}
+
+std::future<PromiseData> IFileManager::DownloadFileByArkiv(const std::wstring& fileId, const std::wstring& localPath, ErrorCode& error)
+{
+    return DownloadFileByArkiv(fileId, 1, localPath, error);
+}
+
+std::future<PromiseData> IFileManager::DownloadFileByArkiv(const std::wstring& fileId, int version, const std::wstring& localPath,
+                                                           ErrorCode& error)
+{
+    return HttpClient::DownloadFileByArkiv(fileId, version, localPath, error);
+}
+
+std::future<PromiseData> IFileManager::UploadFile(const std::wstring& path, std::wstring fileName, std::wstring filePath, ErrorCode& error)
+{
+    return HttpClient::uploadFile(error, path, std::move(fileName), std::move(filePath), false);
+}
+
+std::future<PromiseData> IFileManager::UploadFileByArkiv(const std::wstring& path, std::wstring fileName, std::wstring filePath,
+                                                         const std::wstring& targetFolderId, ErrorCode& error)
+{
+    return HttpClient::uploadFileByArkiv(error, path, targetFolderId, std::move(fileName), std::move(filePath), false);
+}
+
+bool IFileManager::CreateFileDatasetRelationship(const std::string& datasetId, int datasetVersion, const std::string& dwgId, int dwgVersion,
+                                                 ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::IFileManager::CreateFileDatasetRelationship")).run(error, [&] {
+        return SendNormalRequestWithRetry(&OrloWebService::CreateFileDatasetRelationship, false, error, datasetId, datasetVersion, dwgId,
+                                          dwgVersion);
+    });
+}
+
+bool IFileManager::QueryFileRelatedDatasets(const std::string& dwgId, int dwgVersion, std::vector<RelatedDatasetInfo>& out,
+                                            ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::IFileManager::QueryFileRelatedDatasets")).run(error, [&] {
+        std::vector<RelatedDatasetInfo> found;
+        if (!SendNormalRequestWithRetry(&OrloWebService::QueryFileRelatedDatasets, false, error, found, dwgId, dwgVersion))
+            return false;
+        out.insert(out.end(), found.begin(), found.end());
+        return true;
+    });
+}
+
+} // namespace orlo

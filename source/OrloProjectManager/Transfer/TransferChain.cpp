@@ -1,0 +1,109 @@
+#include "TransferChain.h"
+
+#include <BaseCommon/Interruption.h>
+#include <BaseCommon/Text.h>
+#include <OrloNetwork/Lifetime/WorkPermit.h>
+
+#include <thread>
+#include <utility>
+
+namespace orlo {
+
+namespace {
+
+constexpr const wchar_t* endOfPromise = L"[END_SET_FALSE_TO_PROMISE]";
+
+std::future<PromiseData> failedFuture()
+{
+    std::promise<PromiseData> promise;
+    promise.set_value(PromiseData());
+    return promise.get_future();
+}
+
+/// interruption: that of whoever waits for the transfer; null where nobody does.
+void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutcome>& outcome, const CallSite& site,
+               const std::shared_ptr<Interruption>& interruption) noexcept
+{
+    const http::WorkPermit permit(interruption != nullptr);
+    if (!permit)
+        return;
+    const Interruption::Scope scope(interruption);
+    try {
+        worker(outcome);
+    }
+    catch (...) {
+        outcome->failAsCaught(site);
+    }
+}
+
+} // namespace
+
+TransferOutcome::~TransferOutcome()
+{
+    // What is dropped at the end of the process has no caller left.
+    const http::WorkPermit permit;
+    if (!m_callersError || !permit)
+        return;
+    try {
+        set({false, 5555, L"the transfer ended without an outcome"}, ErrorCode());
+    }
+    catch (const std::exception&) { // no memory for the words; the promise is broken then
+    }
+}
+
+void TransferOutcome::set(const PromiseData& data, const ErrorCode& error)
+{
+    const std::lock_guard lock(m_mutex);
+    if (ErrorCode* const callers = std::exchange(m_callersError, nullptr))
+        *callers = error;
+    m_promise.set_value(data);
+}
+
+void TransferOutcome::refuse(const std::wstring& message)
+{
+    const std::lock_guard lock(m_mutex);
+    m_callersError = nullptr;
+    m_promise.set_value({false, 400, message});
+}
+
+void TransferOutcome::settle(const PromiseData& data, const ErrorCode& error, const CallSite& site) noexcept
+{
+    try {
+        set(data, error);
+    }
+    catch (const std::exception& e) {
+        log::errorAt(site, endOfPromise + utils::toWstringTrimTrailingCarriageReturn(e.what()));
+    }
+}
+
+void TransferOutcome::failAsCaught(const CallSite& site)
+{
+    const auto fail = [&](const std::wstring& text, int code) {
+        log::errorAt(site, endOfPromise + text);
+        settle({false, 5555, text}, ErrorCode(error::exception, std::make_shared<HttpError>(L"HttpError", text, code, 0)), site);
+    };
+    try {
+        throw;
+    }
+    catch (const std::exception& e) {
+        fail(utils::toWstringTrimTrailingCarriageReturn(e.what()), 5555);
+    }
+    catch (...) {
+        fail(L"unknown exception", 5556);
+    }
+}
+
+std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker)
+{
+    // Asked before the frame, which would wait for itself.
+    const auto interruption = Interruption::current();
+    std::future<PromiseData> future = CallFrame(site).run(error, [&] {
+        const auto outcome = std::make_shared<TransferOutcome>(error);
+        std::future<PromiseData> started = outcome->future();
+        std::thread([worker = std::move(worker), outcome, site, interruption] { runWorker(worker, outcome, site, interruption); }).detach();
+        return started;
+    });
+    return future.valid() ? std::move(future) : failedFuture();
+}
+
+} // namespace orlo

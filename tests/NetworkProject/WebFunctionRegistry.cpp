@@ -1,0 +1,119 @@
+#include "WebFunctionRegistry.h"
+
+#include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/DatasetWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/FileWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/FolderWeb.h>
+#include <OrloProjectManager/NetworkProject/Resources/FontWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/ProjectWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/SpecialtyWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/TranslationWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
+
+#include <ostream>
+
+namespace orlo::test {
+
+namespace {
+
+using namespace OrloWebService;
+
+http::ORLOHTTPPayloadProject sampleProject()
+{
+    http::ORLOHTTPPayloadProject project;
+    project.name = L"name";
+    project.status = ProjectStatus::Ongoing;
+    return project;
+}
+
+http::ORLOHTTPPayloadDataset sampleDataset()
+{
+    http::ORLOHTTPPayloadDataset dataset;
+    dataset.name = L"name";
+    dataset.teamId = L"team";
+    return dataset;
+}
+
+http::ORLOHTTPPayloadDatasetVersion sampleVersion()
+{
+    http::ORLOHTTPPayloadDatasetVersion version;
+    version.dataSetId = "dataset";
+    version.dataSetSourceFile = L"file";
+    return version;
+}
+
+} // namespace
+
+void PrintTo(const WebFunction& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+// To add a web function: its name, its failure line as logged (empty for silence), a call with sample arguments, and what it
+// makes of a body if that is not JSON of any shape.
+const std::vector<WebFunction>& webFunctions()
+{
+    static const std::vector<WebFunction> rows{
+        // Projects
+        {"GetAllProjects", L"E [ORLOSDK]OrloWebService::GetAllProjects - code:", into(&GetAllProjects, L"DEFAULT")},
+        {"GetProjectsByStatus", L"E [ORLOSDK]OrloWebService::GetAllProjects - code:", into(&GetProjectsByStatus, L"Ongoing")},
+        {"GetSampleProjects", L"E [ORLOSDK]OrloWebService::GetSampleProjects - code:", into(&GetSampleProjects)},
+        {"CreateProjectV2", L"E [ORLOSDK]OrloWebService::CreateProjectV2 - code:", into(&CreateProjectV2, sampleProject())},
+        {"GetProject", L"", into(&GetProject, L"project")},
+        {"DeleteProject", L"E [ORLOSDK]OrloWebService::DeleteProject - code:", plain(&DeleteProject, L"project"), Body::unread},
+        {"GetResourceLimit", L"E [ORLOSDK]OrloWebService::GetResourceLimit - code:", into(&GetResourceLimit)},
+        {"getProjectIdByDataset", L"E [ORLOSDK]OrloWebService::getProjectIdByDataset - code:", plain(&getProjectIdByDataset, "dataset")},
+        {"getProjectIdByModelingId", L"E [ORLOSDK]OrloWebService::getProjectIdByModelingId - code:",
+         plain(&getProjectIdByModelingId, "modeling")},
+        // Folders, teams and specialties
+        {"GetAllFoldersByProject", L"E [ORLOSDK]OrloWebService::GetAllFoldersByProject - code:", into(&GetAllFoldersByProject, L"project")},
+        {"GetRootFolderOfProject", L"E [ORLOSDK]OrloWebService::GetRootFolderOfProject - code:", into(&GetRootFolderOfProject, L"project")},
+        {"GetSubFoldersOfParentFolder", L"E [ORLOSDK]OrloWebService::GetSubFoldersOfParentFolder - code:",
+         into(&GetSubFoldersOfParentFolder, L"folder", true)},
+        {"GetTeamsInProject", L"E [ORLOSDK]OrloWebService::GetTeamsInProject - code:", into(&GetTeamsInProject, L"project")},
+        {"GetSpecialty", L"E [ORLOSDK]OrloWebService::GetSpecialty - code:", into(&GetSpecialty, L"specialty")},
+        {"GetSpecialtiesInProject", L"E [ORLOSDK]OrloWebService::GetSpecialtiesInProject - code:",
+         into(&GetSpecialtiesInProject, L"project")},
+        {"CreateSpecialty", L"", plain(&CreateSpecialty, L"project", L"ZOK", L"name")},
+        {"GetAuthorizationOfUserInProject", L"E [ORLOSDK]OrloWebService::GetAuthorizationOfUserInProject - code:",
+         into(&GetAuthorizationOfUserInProject, L"project", L"user")},
+        // Datasets and versions
+        {"GetDataSetsByFolder", L"E [ORLOSDK]OrloWebService::GetDataSetsByFolder - code:", into(&GetDataSetsByFolder, L"folder")},
+        {"GetDatasetInfo", L"E [ORLOSDK]OrloWebService::GetDatasetInfo - code:", into(&GetDatasetInfo, "dataset")},
+        {"GetDatasetInfoByModelingId", L"E [ORLOSDK]OrloWebService::getProjectIdByModelingId - code:",
+         into(&GetDatasetInfoByModelingId, "modeling")},
+        {"GetDatasetByStatus", L"E [ORLOSDK]OrloWebService::GetAllProjects - code:", into(&GetDatasetByStatus, L"project", L"draft")},
+        {"CreateDataSet", L"", into(&CreateDataSet, sampleDataset())},
+        {"CreateVersion", L"", into(&CreateVersion, sampleVersion())},
+        {"CreateDocVersion", L"", into(&CreateDocVersion, sampleVersion())},
+        {"CreateVersionByNumber", L"", plain(&CreateVersionByNumber, L"dataset", 1, L"meta", true, L"words")},
+        {"GetDatasetVersionByMvd", L"E [ORLOSDK]OrloWebService::GetDatasetVersionByMvd - code:",
+         into(&GetDatasetVersionByMvd, "dataset", 1, L"")},
+        {"GetDatasetVersionAccordingMVD", L"E [ORLOSDK]OrloWebService::GetDatasetVersionByMVD - code:",
+         into(&GetDatasetVersionAccordingMVD, std::vector<int>{1}, "base")},
+        {"MarkPublish", L"", plain(&MarkPublish, "dataset", L"1", L"words")},
+        // Configurations
+        {"AddDefaultSpaceConfig", L"E [ORLOSDK]OrloWebService::AddDefaultSpaceConfig - code:", plain(&AddDefaultSpaceConfig, L"project"),
+         Body::unread},
+        {"UpdateSpaceConfig", L"E [ORLOSDK]OrloWebService::UpdateSpaceConfig - code:", plain(&UpdateSpaceConfig, L"{}", L"project"),
+         Body::unread},
+        {"UpdateProjectConfig", L"", plain(&UpdateProjectConfig, L"{}", L"project", ConfigType::GridConfig), Body::unread},
+        {"GetSpaceConfig", L"E [ORLOSDK]Project::GetSpaceConfig - code:", into(&GetSpaceConfig, L"project", 1)},
+        {"GetSpaceConfigVersions", L"E [ORLOSDK]Project::GetSpaceConfigVersions - code:", into(&GetSpaceConfigVersions, L"project")},
+        // Files
+        {"CreateFileDatasetRelationship", L"E [ORLOSDK]OrloWebService::CreateFileDatasetRelationship - code:",
+         plain(&CreateFileDatasetRelationship, "dataset", 1, "drawing", 1), Body::unread, Way::tellsMessage},
+        {"QueryFileRelatedDatasets", L"E [ORLOSDK]OrloWebService::QueryFileRelatedDatasets - code:",
+         into(&QueryFileRelatedDatasets, "drawing", 1), Body::json, Way::tellsMessage},
+        {"DeleteFileByFileId", L"E [ORLOSDK]OrloWebService::DeleteFileByFileId - code:", plain(&DeleteFileByFileId, L"project", L"file"),
+         Body::unread, Way::framed},
+        {"TriggerSightlineTranslateWorkerByUploadJob", L"E [ORLOSDK]OrloWebService::TriggerSightlineTranslateWorkerByUploadJob - code:",
+         plain(&TriggerSightlineTranslateWorkerByUploadJob, "dataset", 1, L"type"), Body::unread},
+        // Resources
+        {"GetProjectFonts", L"", into(&GetProjectFonts, L"project")},
+        {"GetFontDownloadUri", L"", into(&GetFontDownloadUri, L"font", L"project")},
+    };
+    return rows;
+}
+
+} // namespace orlo::test

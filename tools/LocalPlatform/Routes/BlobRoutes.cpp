@@ -1,0 +1,36 @@
+#include "../Store/BlobStore.h"
+#include "../Server/FileBody.h"
+#include "Files.h"
+#include "Routes.h"
+#include "../Store/Store.h"
+#include "../Store/Transfers.h"
+
+namespace orlo::platform {
+
+namespace {
+
+constexpr const char* kBytes = "application/octet-stream";
+
+Answer readBlob(const Call& call, World& world)
+{
+    return {200, {}, kBytes, std::make_shared<FileBody>(world.blobs.open(call.place("id")), call.download)};
+}
+
+Answer writeBlob(const Call& call, World& world)
+{
+    const std::string& blobId = call.place("id");
+    storeUpload(world, blobId, call.uploaded());
+    const auto version =
+        world.tables.row("SELECT fileId, versionIndex, length FROM storedFile WHERE blobId = ? AND fileId IS NOT NULL", blobId);
+    return version ? enveloped(*version) : bare(world.transfers.plainPutAnswer());
+}
+
+} // namespace
+
+void addBlobRoutes(Router& router)
+{
+    router.add("GET", "/blobs/{id}", readBlob, Access::Signed);
+    router.add("PUT", "/blobs/{id}", writeBlob, Access::Signed);
+}
+
+} // namespace orlo::platform
