@@ -2,8 +2,8 @@
 
 #include <BaseCommon/Text.h>
 #include <OrloProjectManager/Design/ISpaceConfig.h>
-#include <OrloProjectManager/Projects/Project.h>
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
+#include <OrloProjectManager/Projects/Project.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "UploadJobsTest.h"
 
-#include <OrloProjectManager/Transfer/CollaborationFileManager.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
+#include <OrloProjectManager/Transfer/CollaborationFileManager.h>
 
 #include <stdexcept>
 

@@ -1,6 +1,6 @@
-#include "support/TransferTestSupport.h"
-#include "support/PlatformHost.h"
 #include "UploadJobsTest.h"
+#include "support/PlatformHost.h"
+#include "support/TransferTestSupport.h"
 
 #include <OrloAuth/UserSession.h>
 #include <OrloJobManager/IJobManager.h>

@@ -1,7 +1,7 @@
-#include "support/Sql.h"
 #include "OrloJobManager/TestJob.h"
 #include "support/HostSetup.h"
 #include "support/LogCapture.h"
+#include "support/Sql.h"
 #include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>

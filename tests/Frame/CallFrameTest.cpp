@@ -3,6 +3,7 @@
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/Frame/CallFrame.h>
 #include <OrloProjectManager/Frame/DroppedError.h>
+#include <OrloProjectManager/NetworkProject/Call/Refusal.h>
 
 #include <cpprest/http_msg.h>
 #include <gtest/gtest.h>
@@ -114,7 +115,7 @@ TEST_F(CallFrameTest, namesItsSourceRelativeToTheRootOfTheTree)
 {
     CallFrame(ORLO_HERE("orlo::Sample::Here")).run(error, []() -> bool { throw 7; });
     ASSERT_EQ(log.entries().size(), 1u);
-    EXPECT_EQ(log.entries().front().source, "tests/Projects/CallFrameTest.cpp");
+    EXPECT_EQ(log.entries().front().source, "tests/Frame/CallFrameTest.cpp");
     EXPECT_GT(log.entries().front().line, 0);
 }
 

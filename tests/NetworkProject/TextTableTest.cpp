@@ -1,6 +1,6 @@
+#include <OrloProjectManager/NetworkProject/Call/TextTable.h>
 #include <OrloProjectManager/NetworkProject/Projects/DatasetReaders.h>
 #include <OrloProjectManager/NetworkProject/Projects/ProjectTexts.h>
-#include <OrloProjectManager/NetworkProject/Call/TextTable.h>
 
 #include <gtest/gtest.h>
 

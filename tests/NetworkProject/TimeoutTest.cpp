@@ -2,8 +2,8 @@
 #include "support/WireTest.h"
 
 #include <OrloNetwork/NetworkCommon.h>
-#include <OrloProjectManager/NetworkProject/Projects/ProjectWeb.h>
 #include <OrloProjectManager/NetworkProject/Call/WebCall.h>
+#include <OrloProjectManager/NetworkProject/Projects/ProjectWeb.h>
 
 #include <cpprest/http_msg.h>
 #include <gtest/gtest.h>

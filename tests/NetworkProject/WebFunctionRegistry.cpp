@@ -2,13 +2,15 @@
 
 #include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/DatasetWeb.h>
-#include <OrloProjectManager/NetworkProject/Transfer/FileWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/FolderWeb.h>
-#include <OrloProjectManager/NetworkProject/Resources/FontWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/PermissionWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/ProjectWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/SpecialtyWeb.h>
-#include <OrloProjectManager/NetworkProject/Transfer/TranslationWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
+#include <OrloProjectManager/NetworkProject/Resources/FontWeb.h>
+#include <OrloProjectManager/NetworkProject/Teams/TeamWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/FileWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/TranslationWeb.h>
 
 #include <ostream>
 
@@ -105,6 +107,8 @@ const std::vector<WebFunction>& webFunctions()
          plain(&CreateFileDatasetRelationship, "dataset", 1, "drawing", 1), Body::unread, Way::tellsMessage},
         {"QueryFileRelatedDatasets", L"E [ORLOSDK]OrloWebService::QueryFileRelatedDatasets - code:",
          into(&QueryFileRelatedDatasets, "drawing", 1), Body::json, Way::tellsMessage},
+        {"DeleteFileOfProject", L"E [ORLOSDK]OrloWebService::DeleteFileByFileId - code:", plain(&DeleteFileOfProject, L"project", L"file"),
+         Body::unread},
         {"DeleteFileByFileId", L"E [ORLOSDK]OrloWebService::DeleteFileByFileId - code:", plain(&DeleteFileByFileId, L"project", L"file"),
          Body::unread, Way::framed},
         {"TriggerSightlineTranslateWorkerByUploadJob", L"E [ORLOSDK]OrloWebService::TriggerSightlineTranslateWorkerByUploadJob - code:",

@@ -1,7 +1,7 @@
 #include "ChildProcess.h"
-#include "support/FaultyFiles.h"
 #include "FirstSchema.h"
 #include "JobsTest.h"
+#include "support/FaultyFiles.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>

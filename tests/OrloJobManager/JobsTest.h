@@ -1,8 +1,8 @@
 #pragma once
 
-#include "support/Sql.h"
 #include "TestJob.h"
 #include "support/LogCapture.h"
+#include "support/Sql.h"
 #include "support/TempFolder.h"
 #include "support/Waiting.h"
 

@@ -1,4 +1,4 @@
-#include "ProjectObjectTest.h"
+#include "support/ProjectObjectTest.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "ProjectObjectTest.h"
+#include "support/ProjectObjectTest.h"
 
 #include <OrloAuth/UserSession.h>
-#include <OrloProjectManager/NetworkProject/Projects/SpecialtyWeb.h>
+#include <OrloProjectManager/NetworkProject/Projects/PermissionWeb.h>
 
 #include <cpprest/json.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "FolderTrees.h"
-#include "ProjectObjectTest.h"
+#include "support/ProjectObjectTest.h"
 
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>
 

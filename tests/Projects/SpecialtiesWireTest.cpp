@@ -1,4 +1,4 @@
-#include "ProjectObjectTest.h"
+#include "support/ProjectObjectTest.h"
 
 #include <OrloProjectManager/NetworkProject/Projects/SpecialtyWeb.h>
 

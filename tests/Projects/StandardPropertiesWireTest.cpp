@@ -1,8 +1,8 @@
 #include "support/WireTest.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloProjectManager/Projects/Project.h>
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
+#include <OrloProjectManager/Projects/Project.h>
 
 #include <gtest/gtest.h>
 

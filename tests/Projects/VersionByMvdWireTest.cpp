@@ -1,9 +1,9 @@
-#include "ProjectObjectTest.h"
+#include "support/ProjectObjectTest.h"
 #include "support/RawServer.h"
 
 #include <OrloNetwork/NetworkCommon.h>
-#include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
 #include <OrloProjectManager/NetworkProject/Call/WebCall.h>
+#include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
 
 #include <gtest/gtest.h>
 

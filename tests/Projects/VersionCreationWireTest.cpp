@@ -1,4 +1,4 @@
-#include "ProjectObjectTest.h"
+#include "support/ProjectObjectTest.h"
 
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>

@@ -1,4 +1,4 @@
-#include "Projects/ProjectObjectTest.h"
+#include "support/ProjectObjectTest.h"
 
 #include <OrloProjectManager/Projects/ICollaborationFolder.h>
 

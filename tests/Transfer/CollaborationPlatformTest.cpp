@@ -1,14 +1,14 @@
-#include "support/TransferTestSupport.h"
 #include "support/PlatformHost.h"
+#include "support/TransferTestSupport.h"
 #include "support/WireTest.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
-#include <OrloProjectManager/Transfer/CollaborationFileManager.h>
-#include <OrloProjectManager/NetworkProject/Transfer/TranslationWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
+#include <OrloProjectManager/NetworkProject/Transfer/TranslationWeb.h>
 #include <OrloProjectManager/Projects/ICollaborationFolder.h>
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
+#include <OrloProjectManager/Transfer/CollaborationFileManager.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 
 #include <LocalPlatform/LocalPlatform.h>

@@ -106,7 +106,8 @@ void CollaborationTest::expectFailuresOf(const Step& step)
     expectHttpError(error, errorStatusValue, L"HttpError", L"busy", 503);
     fails(step, 1, [](Expectation& expected) { expected.reply(201, R"({"code":10000,"data":{"id":"d-9"}})"); }, {});
     expectClear(error);
-    fails(step, 4, [](Expectation& expected) { expected.reset(); }, Lines{caughtWords + resetBy(platform.url()) + L"]"});
+    fails(
+        step, 4, [](Expectation& expected) { expected.reset(); }, Lines{caughtWords + resetBy(platform.url()) + L"]"});
     expectHttpError(error, exceptionValue, L"generic exception", resetBy(platform.url()), 104);
     // The words about the body are those of the JSON library.
     runFailing(step, 1, [](Expectation& expected) { expected.reply(200, "<html>"); });

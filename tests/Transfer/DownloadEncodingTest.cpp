@@ -1,5 +1,5 @@
-#include "support/TransferTestSupport.h"
 #include "support/RawServer.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Text.h>
 

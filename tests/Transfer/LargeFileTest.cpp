@@ -1,6 +1,6 @@
-#include "support/TransferTestSupport.h"
 #include "support/RawServer.h"
 #include "support/Sanitized.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/Text.h>

@@ -1,5 +1,5 @@
-#include "support/TransferTestSupport.h"
 #include "support/PlatformHost.h"
+#include "support/TransferTestSupport.h"
 
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/Text.h>

@@ -3,7 +3,6 @@
 
 #include <OrloNetwork/Lifetime/WorkPermit.h>
 #include <OrloProjectManager/Transfer/TransferChain.h>
-#include <OrloProjectManager/Transfer/TransferSteps.h>
 
 #include <stdexcept>
 

@@ -1,5 +1,5 @@
-#include "support/TransferTestSupport.h"
 #include "support/RawServer.h"
+#include "support/TransferTestSupport.h"
 
 #include <algorithm>
 
@@ -25,8 +25,10 @@ const Break beforeHeaders[] = {
 };
 
 const Break inTheBody[] = {
-    {"resetMidBody", RawAnswer::resetAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body", L"Connection reset by peer", 104},
-    {"closedMidBody", RawAnswer::closeAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body", L"transfer closed with 792 bytes remaining to read", 2},
+    {"resetMidBody", RawAnswer::resetAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body",
+     L"Connection reset by peer", 104},
+    {"closedMidBody", RawAnswer::closeAfter(rawOk(std::string(1000, 'x')), 300), L"Failed to read response body",
+     L"transfer closed with 792 bytes remaining to read", 2},
 };
 
 constexpr const wchar_t* refused = L"Failed to connect to any resolved endpoint (127.0.0.1:1: Connection refused)";

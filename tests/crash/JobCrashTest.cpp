@@ -1,6 +1,6 @@
+#include "Kills.h"
 #include "OrloJobManager/ChildProcess.h"
 #include "support/Sql.h"
-#include "Kills.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>

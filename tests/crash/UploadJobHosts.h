@@ -1,10 +1,10 @@
 #pragma once
 
-#include "OrloJobManager/ChildProcess.h"
-#include "support/Sql.h"
-#include "support/PlatformHost.h"
 #include "Gateway.h"
+#include "OrloJobManager/ChildProcess.h"
 #include "support/LogCapture.h"
+#include "support/PlatformHost.h"
+#include "support/Sql.h"
 #include "support/TempFolder.h"
 #include "support/Waiting.h"
 

@@ -1,5 +1,5 @@
-#include "support/Sql.h"
 #include "RunProgram.h"
+#include "support/Sql.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>

@@ -3,10 +3,11 @@
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloNetwork/WebRequest.h>
-#include <OrloProjectManager/NetworkProject/Projects/DatasetReaders.h>
 #include <OrloProjectManager/NetworkProject/Call/FieldText.h>
+#include <OrloProjectManager/NetworkProject/Projects/DatasetReaders.h>
 #include <OrloProjectManager/NetworkProject/Projects/FolderReaders.h>
 #include <OrloProjectManager/NetworkProject/Projects/ProjectReaders.h>
+#include <OrloProjectManager/NetworkProject/Teams/TeamReaders.h>
 
 #include <optional>
 

@@ -3,6 +3,7 @@
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -63,6 +64,18 @@ void writeFile(const std::filesystem::path& file, const std::string& content)
     out << content;
     if (!out.flush())
         throw std::runtime_error("can't write " + file.string());
+}
+
+std::vector<std::string> filesBelow(const std::filesystem::path& folder)
+{
+    std::vector<std::string> files;
+    std::error_code error;
+    for (std::filesystem::recursive_directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+        if (at->is_regular_file() && at->path().extension() != ".alive")
+            files.push_back(at->path().lexically_relative(folder).u8string());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
 } // namespace orlo::test

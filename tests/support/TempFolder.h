@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace orlo::test {
 
@@ -37,5 +38,8 @@ public:
 
 std::string readFile(const std::filesystem::path& file);
 void writeFile(const std::filesystem::path& file, const std::string& content);
+
+/// The regular files below a folder, as paths relative to it, sorted; less the marks of living processes.
+std::vector<std::string> filesBelow(const std::filesystem::path& folder);
 
 } // namespace orlo::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Bytes.h"
 #include "Waiting.h"
 #include "WireTest.h"
 
@@ -17,20 +18,8 @@ PromiseData outcomeOf(std::future<PromiseData>&& future);
 
 void expectOutcome(const PromiseData& outcome, bool success, int status, const std::wstring& message);
 
-/// Bytes that no compressor makes smaller; the same ones every time.
-std::string incompressible(std::size_t size);
-/// Bytes of all values.
-std::string patterned(std::size_t size);
-
-std::string gzipOf(const std::string& content);
-/// Fails the test for bytes that are no whole gzip stream.
-std::string gunzip(const std::string& compressed);
-
 /// An answer with the bytes of a file.
 Reply fileReply(const std::string& bytes, const std::string& encoding = {});
-
-/// The regular files below a folder, as paths relative to it, sorted; less the marks of living processes.
-std::vector<std::string> filesBelow(const std::filesystem::path& folder);
 
 /// One entry of a batch authority's answer.
 struct BatchEntry

@@ -1,10 +1,10 @@
 #include "Core.h"
 
+#include "Routes/Routes.h"
+#include "Routes/Users.h"
 #include "Server/Encoding.h"
 #include "Server/FileBody.h"
 #include "Store/Ids.h"
-#include "Routes/Routes.h"
-#include "Routes/Users.h"
 
 namespace orlo::platform {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Store/BlobStore.h"
-#include "Store/Clock.h"
-#include "Server/Faults.h"
 #include "LocalPlatform.h"
+#include "Server/Faults.h"
 #include "Server/RequestLog.h"
 #include "Server/Router.h"
 #include "Server/Server.h"
+#include "Store/BlobStore.h"
+#include "Store/Clock.h"
 #include "Store/Signing.h"
 #include "Store/Store.h"
 #include "Store/Transfers.h"

@@ -1,10 +1,10 @@
 #include "WebRequest.h"
 
 #include "Body/Charset.h"
-#include "Engine/EngineStage.h"
 #include "Body/JsonText.h"
-#include "Lifetime/Operation.h"
 #include "Body/SinkBuffer.h"
+#include "Engine/EngineStage.h"
+#include "Lifetime/Operation.h"
 #include "Lifetime/WorkPermit.h"
 
 #include <BaseCommon/Files.h>

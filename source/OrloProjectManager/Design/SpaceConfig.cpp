@@ -1,9 +1,9 @@
 #include "SpaceConfig.h"
 
 #include "../Frame/CallFrame.h"
+#include "../NetworkProject/Call/FieldReaders.h"
 #include "../NetworkProject/Design/ConfigTexts.h"
 #include "../NetworkProject/Design/ConfigWeb.h"
-#include "../NetworkProject/Call/FieldReaders.h"
 
 #include <cmath>
 #include <limits>

@@ -10,31 +10,11 @@
 #include <OrloJobManager/IJobManager.h>
 #include <OrloProjectManager/Projects/ICollaborationFolder.h>
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
-#include <OrloProjectManager/Resources/IModuleManager.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
 
 #include <algorithm>
 
 namespace orlo {
-
-ICollaborationModule::ICollaborationModule() = default;
-ICollaborationModule::~ICollaborationModule() = default;
-
-IModuleManager::IModuleManager() = default;
-IModuleManager::~IModuleManager() = default;
-
-IModuleManager* IModuleManager::Get()
-{
-    return nullptr;
-}
-
-ITemplateManager::ITemplateManager() = default;
-ITemplateManager::~ITemplateManager() = default;
-
-ITemplateManager* ITemplateManager::Get()
-{
-    return nullptr;
-}
 
 namespace {
 

@@ -50,10 +50,4 @@ void CallFrame::report(ErrorCode& error, Rungs rungs) const
     }
 }
 
-bool refuse(ErrorCode& error, long long value, const std::wstring& message)
-{
-    error.Assign(value, std::make_shared<GenericError>(message));
-    return false;
-}
-
 } // namespace orlo

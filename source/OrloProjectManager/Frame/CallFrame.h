@@ -74,7 +74,4 @@ private:
     CallSite m_site;
 };
 
-/// Refuses an input: assigns a GenericError and gives false, so that a check reads `return refuse(...)`.
-bool refuse(ErrorCode& error, long long value, const std::wstring& message);
-
 } // namespace orlo

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "CallFrame.h"
+#include "../NetworkProject/Call/Refusal.h"
+
+#include <BaseCommon/ErrorCode.h>
 
 namespace orlo {
 

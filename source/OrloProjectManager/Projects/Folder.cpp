@@ -1,8 +1,8 @@
 #include "Folder.h"
 
-#include "../Teams/CollaborationTeam.h"
 #include "../Log.h"
 #include "../NetworkProject/Call/TextTable.h"
+#include "../Teams/CollaborationTeam.h"
 
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
 

@@ -54,6 +54,23 @@ void Project::setStandardProperties(std::shared_ptr<const StandardProperties> pr
     m_standardProperties = std::move(properties);
 }
 
+bool Project::GetProjectStandardProperties(StandardProperties& out, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::GetProjectStandardProperties")).run(error, [&] {
+        // Two first calls at once both read, and the later store wins.
+        auto properties = std::atomic_load(&m_standardProperties);
+        if (!properties) {
+            http::ORLOHTTPPayloadProject record;
+            if (!SendNormalRequestWithRetry(&OrloWebService::GetProject, false, error, record, m_id))
+                return false;
+            properties = std::make_shared<const StandardProperties>(toStandardProperties(record.standardProperties));
+            std::atomic_store(&m_standardProperties, properties);
+        }
+        out = *properties;
+        return true;
+    });
+}
+
 std::wstring Project::GetId() const
 {
     return m_id;

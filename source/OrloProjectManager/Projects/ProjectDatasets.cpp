@@ -1,7 +1,7 @@
 #include "../Frame/CallFrame.h"
+#include "../NetworkProject/Call/TextTable.h"
 #include "../NetworkProject/Projects/DatasetReaders.h"
 #include "../NetworkProject/Projects/DatasetWeb.h"
-#include "../NetworkProject/Call/TextTable.h"
 #include "Project.h"
 
 #include <OrloNetwork/NetworkCommon.h>

@@ -1,10 +1,12 @@
 // The folder tree of a project, its teams, specialties and permissions.
 
 #include "../Frame/CallFrame.h"
-#include "Folder.h"
 #include "../NetworkProject/Projects/FolderWeb.h"
+#include "../NetworkProject/Projects/PermissionWeb.h"
 #include "../NetworkProject/Projects/ProjectTexts.h"
 #include "../NetworkProject/Projects/SpecialtyWeb.h"
+#include "../NetworkProject/Teams/TeamWeb.h"
+#include "Folder.h"
 #include "Project.h"
 
 #include <OrloNetwork/NetworkCommon.h>

@@ -1,7 +1,7 @@
 // Operations that this version declares and does not offer yet. Each fails, and says so.
 
-#include "Project.h"
 #include "../Frame/Unavailable.h"
+#include "Project.h"
 
 namespace orlo {
 

@@ -2,7 +2,6 @@
 
 #include "../Frame/CallFrame.h"
 #include "../NetworkProject/Resources/FontWeb.h"
-#include "../NetworkProject/Projects/ProjectWeb.h"
 #include "../Projects/Project.h"
 
 #include <BaseCommon/Text.h>
@@ -41,23 +40,6 @@ bool Project::GetProjectFonts(std::vector<std::shared_ptr<IProjectFont>>& out, E
             return false;
         for (http::ORLOHTTPPayloadFontInfo& record : ack.fonts)
             out.push_back(std::make_shared<ProjectFont>(std::move(record)));
-        return true;
-    });
-}
-
-bool Project::GetProjectStandardProperties(StandardProperties& out, ErrorCode& error)
-{
-    return CallFrame(ORLO_HERE("orlo::Project::GetProjectStandardProperties")).run(error, [&] {
-        // Two first calls at once both read, and the later store wins.
-        auto properties = std::atomic_load(&m_standardProperties);
-        if (!properties) {
-            http::ORLOHTTPPayloadProject record;
-            if (!SendNormalRequestWithRetry(&OrloWebService::GetProject, false, error, record, m_id))
-                return false;
-            properties = std::make_shared<const StandardProperties>(toStandardProperties(record.standardProperties));
-            std::atomic_store(&m_standardProperties, properties);
-        }
-        out = *properties;
         return true;
     });
 }

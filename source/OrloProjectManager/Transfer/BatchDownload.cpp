@@ -1,11 +1,11 @@
 #include "BatchDownload.h"
 
-#include "CachePlace.h"
 #include "../NetworkProject/Call/FieldReaders.h"
 #include "../NetworkProject/Call/FieldText.h"
 #include "../NetworkProject/Transfer/StreamWeb.h"
 #include "../NetworkProject/Transfer/TransferWeb.h"
-#include "TransferSteps.h"
+#include "CachePlace.h"
+#include "TransferChain.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>

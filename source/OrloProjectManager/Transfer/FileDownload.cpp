@@ -1,12 +1,12 @@
 #include "FileDownload.h"
 
-#include "LocalFiles.h"
 #include "../NetworkProject/Call/FieldReaders.h"
 #include "../NetworkProject/Call/FieldText.h"
 #include "../NetworkProject/Transfer/ReceivedFile.h"
 #include "../NetworkProject/Transfer/StreamWeb.h"
 #include "../NetworkProject/Transfer/TransferWeb.h"
-#include "TransferSteps.h"
+#include "LocalFiles.h"
+#include "TransferChain.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/Text.h>

@@ -1,7 +1,7 @@
-#include "BatchDownload.h"
-#include "CachePlace.h"
 #include "../Frame/CallFrame.h"
 #include "../NetworkProject/Transfer/FileWeb.h"
+#include "BatchDownload.h"
+#include "CachePlace.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
@@ -108,6 +108,13 @@ bool IFileManager::QueryFileRelatedDatasets(const std::string& dwgId, int dwgVer
             return false;
         out.insert(out.end(), found.begin(), found.end());
         return true;
+    });
+}
+
+bool OrloWebService::DeleteFileByFileId(ErrorCode& error, const std::wstring& projectId, const std::wstring& fileId)
+{
+    return CallFrame(ORLO_HERE("orlo::OrloWebService::DeleteFileByFileId")).runDirect(error, [&] {
+        return DeleteFileOfProject(error, projectId, fileId);
     });
 }
 

@@ -4,7 +4,7 @@
 #include "../NetworkProject/Transfer/FileBody.h"
 #include "../NetworkProject/Transfer/StreamWeb.h"
 #include "../NetworkProject/Transfer/TransferWeb.h"
-#include "TransferSteps.h"
+#include "TransferChain.h"
 
 #include <BaseCommon/BaseConfigManager.h>
 #include <BaseCommon/Files.h>

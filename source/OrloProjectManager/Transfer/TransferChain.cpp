@@ -2,7 +2,9 @@
 
 #include <BaseCommon/Interruption.h>
 #include <BaseCommon/Text.h>
+#include <OrloNetwork/Body/JsonText.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
+#include <OrloNetwork/Retry/GenericRetryHandler.h>
 
 #include <thread>
 #include <utility>
@@ -104,6 +106,23 @@ std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, T
         return started;
     });
     return future.valid() ? std::move(future) : failedFuture();
+}
+
+void startChain(std::shared_ptr<IOrloCallback> handler, FirstStep firstStep)
+{
+    const auto context = std::make_shared<ChainContext>(std::move(handler), true);
+    ErrorCode& error = context->error;
+    http::launchWithRetry(context, error, [firstStep = std::move(firstStep), context, &error] { firstStep(error, context); });
+}
+
+web::json::value jsonOrNull(const std::wstring& body)
+{
+    try {
+        return http::parseJson(utils::toString(body));
+    }
+    catch (const std::exception&) { // half a surrogate pair is told by another type than the rest
+        return web::json::value::null();
+    }
 }
 
 } // namespace orlo

@@ -8,6 +8,8 @@
 #include <BaseCommon/Callbacks.h>
 #include <OrloProjectManager/Transfer/PromiseData.h>
 
+#include <cpprest/json.h>
+
 #include <functional>
 #include <future>
 #include <memory>
@@ -60,5 +62,13 @@ using TransferWorker = std::function<void(const std::shared_ptr<TransferOutcome>
 /// Starts the worker on a thread of its own and returns the future. In the frame of the operation at `site`; a failure gives
 /// a future that is ready with a default PromiseData.
 std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker);
+
+using FirstStep = std::function<void(ErrorCode&, const std::shared_ptr<OrloCallbackContext>&)>;
+
+/// Starts a chain: makes a context for the handler and runs the first step under a retry handler.
+void startChain(std::shared_ptr<IOrloCallback> handler, FirstStep firstStep);
+
+/// The step's body as JSON; null for a text that is none.
+web::json::value jsonOrNull(const std::wstring& body);
 
 } // namespace orlo

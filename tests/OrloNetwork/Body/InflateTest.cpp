@@ -1,4 +1,4 @@
-#include "support/TransferTestSupport.h"
+#include "support/Bytes.h"
 
 #include <OrloNetwork/Body/Inflate.h>
 

@@ -57,7 +57,8 @@ TEST(JsonTextTest, readsAMillionNumbersAndRefusesNineMillions)
 
 TEST(JsonTextTest, countsNothingWithinTexts)
 {
-    const std::string text = repeated(R"("a quote \", brackets [{[{[{[{ and commas ,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,")", 300000);
+    const std::string text =
+        repeated(R"("a quote \", brackets [{[{[{[{ and commas ,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,")", 300000);
     EXPECT_EQ(complaintAbout(text), "none");
 }
 

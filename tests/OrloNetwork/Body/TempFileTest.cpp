@@ -1,4 +1,4 @@
-#include "support/TransferTestSupport.h"
+#include "support/TempFolder.h"
 
 #include <OrloNetwork/Body/TempFile.h>
 

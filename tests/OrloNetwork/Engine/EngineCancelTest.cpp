@@ -5,8 +5,8 @@
 #include "support/Waiting.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/Body/SinkBuffer.h>
+#include <OrloNetwork/Lifetime/Operation.h>
 
 #include <gtest/gtest.h>
 

@@ -138,18 +138,20 @@ TEST_P(EngineConnectionsTest, aGetWithABodyNeverSharesAConnection)
     EXPECT_EQ(server.connectionCount(), 2U);
 }
 
-TEST_P(EngineConnectionsTest, filesOfABatchShareAConnection)
+TEST_P(EngineConnectionsTest, filesOfABatchShareTheConnectionsOfSixThreads)
 {
     KeepingServer server;
     Sending batch;
     batch.traffic = Traffic::filesOfBatch;
     Sending single;
     single.traffic = Traffic::files;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 30; ++i)
         EXPECT_EQ(send("GET", server.url(), batch).body, "{}");
-    EXPECT_EQ(server.connectionCount(), 1U);
+    const std::size_t shared = server.connectionCount();
+    // The answer is told by the thread that carried the file, so the next file may begin before that thread is free for it.
+    EXPECT_LE(shared, GetParam() == Way::here ? 1U : 6U);
     EXPECT_EQ(send("GET", server.url(), single).body, "{}");
-    EXPECT_EQ(server.connectionCount(), 2U);
+    EXPECT_EQ(server.connectionCount(), shared + 1);
 }
 
 TEST_P(EngineConnectionsTest, aGetOnAKeptConnectionThatEndsIsSentOnceMore)

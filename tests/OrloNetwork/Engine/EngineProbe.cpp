@@ -4,8 +4,8 @@
 
 #include <BaseCommon/NativeText.h>
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/NetworkCommon.h>
 #include <OrloNetwork/Body/SinkBuffer.h>
+#include <OrloNetwork/NetworkCommon.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -12,10 +12,10 @@
 #include <BaseCommon/Text.h>
 #include <OrloLogging/ILogManager.h>
 #include <OrloNetwork/Lifetime/Operation.h>
-#include <OrloNetwork/Retry/GenericRetryHandler.h>
-#include <OrloNetwork/NetworkCommon.h>
-#include <OrloNetwork/WebRequest.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
+#include <OrloNetwork/NetworkCommon.h>
+#include <OrloNetwork/Retry/GenericRetryHandler.h>
+#include <OrloNetwork/WebRequest.h>
 
 #include <atomic>
 #include <chrono>

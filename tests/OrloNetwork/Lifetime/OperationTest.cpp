@@ -6,9 +6,9 @@
 #include <BaseCommon/Interruption.h>
 #include <BaseCommon/NativeText.h>
 #include <BaseCommon/Text.h>
+#include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/Retry/DelayedTasks.h>
 #include <OrloNetwork/Retry/GenericRetryHandler.h>
-#include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <gtest/gtest.h>

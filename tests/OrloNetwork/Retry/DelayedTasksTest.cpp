@@ -1,8 +1,8 @@
 #include "support/ThreadShortage.h"
 #include "support/Waiting.h"
 
-#include <OrloNetwork/Retry/DelayedTasks.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
+#include <OrloNetwork/Retry/DelayedTasks.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "OrloNetwork/ChainProbe.h"
-#include "support/ThreadShortage.h"
 #include "support/LogCapture.h"
+#include "support/ThreadShortage.h"
 #include "support/Waiting.h"
 
 #include <OrloNetwork/Retry/GenericRetryHandler.h>

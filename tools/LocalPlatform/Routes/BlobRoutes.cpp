@@ -1,9 +1,9 @@
-#include "../Store/BlobStore.h"
 #include "../Server/FileBody.h"
-#include "Files.h"
-#include "Routes.h"
+#include "../Store/BlobStore.h"
 #include "../Store/Store.h"
 #include "../Store/Transfers.h"
+#include "Files.h"
+#include "Routes.h"
 
 namespace orlo::platform {
 

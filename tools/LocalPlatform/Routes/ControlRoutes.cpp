@@ -1,12 +1,12 @@
-#include "../Store/Clock.h"
-#include "Datasets.h"
 #include "../Server/Faults.h"
-#include "../Store/Json.h"
-#include "Projects.h"
 #include "../Server/RequestLog.h"
-#include "Routes.h"
+#include "../Store/Clock.h"
+#include "../Store/Json.h"
 #include "../Store/Store.h"
 #include "../Store/Transfers.h"
+#include "Datasets.h"
+#include "Projects.h"
+#include "Routes.h"
 #include "Users.h"
 
 #include <algorithm>

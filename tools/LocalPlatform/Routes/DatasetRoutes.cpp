@@ -1,8 +1,8 @@
-#include "Datasets.h"
 #include "../Store/Json.h"
+#include "../Store/Store.h"
+#include "Datasets.h"
 #include "Projects.h"
 #include "Routes.h"
-#include "../Store/Store.h"
 
 namespace orlo::platform {
 

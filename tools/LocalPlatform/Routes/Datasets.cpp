@@ -3,8 +3,8 @@
 #include "../Store/BlobStore.h"
 #include "../Store/Clock.h"
 #include "../Store/Ids.h"
-#include "Projects.h"
 #include "../Store/Store.h"
+#include "Projects.h"
 
 namespace orlo::platform {
 

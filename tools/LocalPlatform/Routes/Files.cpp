@@ -2,12 +2,12 @@
 
 #include "../Store/BlobStore.h"
 #include "../Store/Clock.h"
-#include "Datasets.h"
 #include "../Store/Ids.h"
-#include "Projects.h"
 #include "../Store/Signing.h"
 #include "../Store/Store.h"
 #include "../Store/Transfers.h"
+#include "Datasets.h"
+#include "Projects.h"
 
 namespace orlo::platform {
 

@@ -1,7 +1,7 @@
 #include "../Store/Json.h"
+#include "../Store/Store.h"
 #include "Projects.h"
 #include "Routes.h"
-#include "../Store/Store.h"
 
 namespace orlo::platform {
 

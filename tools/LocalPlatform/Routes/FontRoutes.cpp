@@ -1,8 +1,8 @@
-#include "Files.h"
 #include "../Store/Json.h"
+#include "../Store/Store.h"
+#include "Files.h"
 #include "Projects.h"
 #include "Routes.h"
-#include "../Store/Store.h"
 
 namespace orlo::platform {
 

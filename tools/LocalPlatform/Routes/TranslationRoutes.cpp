@@ -1,7 +1,7 @@
-#include "Datasets.h"
 #include "../Store/Json.h"
-#include "Routes.h"
 #include "../Store/Store.h"
+#include "Datasets.h"
+#include "Routes.h"
 
 namespace orlo::platform {
 

@@ -1,9 +1,9 @@
 #include "../Store/Clock.h"
+#include "../Store/Json.h"
+#include "../Store/Store.h"
 #include "Datasets.h"
 #include "Files.h"
-#include "../Store/Json.h"
 #include "Routes.h"
-#include "../Store/Store.h"
 
 namespace orlo::platform {
 

@@ -1,7 +1,7 @@
 #include "Encoding.h"
 
-#include "Answer.h"
 #include "../Store/BlobStore.h"
+#include "Answer.h"
 #include "Gzip.h"
 #include "RequestBody.h"
 

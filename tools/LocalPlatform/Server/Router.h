@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Answer.h"
 #include "../LocalPlatform.h"
+#include "Answer.h"
 #include "Url.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 #include "Url.h"
 
-#include "Answer.h"
 #include "../Store/Ids.h"
+#include "Answer.h"
 
 #include <rapidjson/encodings.h>
 #include <rapidjson/memorystream.h>

@@ -1,8 +1,8 @@
 #include "GenericRetryHandler.h"
 
-#include "DelayedTasks.h"
 #include "../NetworkCommon.h"
 #include "../WebRequest.h"
+#include "DelayedTasks.h"
 
 #include <BaseCommon/Interruption.h>
 #include <BaseCommon/Text.h>

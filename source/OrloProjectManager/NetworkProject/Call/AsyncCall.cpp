@@ -1,11 +1,11 @@
 #include "AsyncCall.h"
 
 #include <BaseCommon/Text.h>
+#include <OrloNetwork/Body/SinkBuffer.h>
 #include <OrloNetwork/Engine/Workers.h>
 #include <OrloNetwork/Lifetime/Operation.h>
-#include <OrloNetwork/Body/SinkBuffer.h>
-#include <OrloNetwork/WebRequest.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
+#include <OrloNetwork/WebRequest.h>
 
 #include <stdexcept>
 

@@ -1,8 +1,9 @@
 #include "ConfigWeb.h"
 
-#include "../../Frame/CallFrame.h"
-#include "ConfigTexts.h"
+#include "../../Log.h"
+#include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
+#include "ConfigTexts.h"
 
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>

@@ -1,8 +1,8 @@
 #include "DatasetWeb.h"
 
-#include "../../Frame/CallFrame.h"
-#include "DatasetReaders.h"
+#include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
+#include "DatasetReaders.h"
 
 #include <BaseCommon/Text.h>
 

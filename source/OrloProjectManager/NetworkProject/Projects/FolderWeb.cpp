@@ -1,8 +1,8 @@
 #include "FolderWeb.h"
 
-#include "../../Frame/CallFrame.h"
-#include "FolderReaders.h"
+#include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
+#include "FolderReaders.h"
 
 #include <OrloNetwork/WebRequest.h>
 
@@ -16,7 +16,6 @@ namespace {
 constexpr const wchar_t* foldersOfProjectPath = L"/folder/byproject";
 constexpr const wchar_t* rootFolderPath = L"/projects/{projectId}/rootfolder";
 constexpr const wchar_t* subFoldersPath = L"/folders/{folderId}/subfolders";
-constexpr const wchar_t* teamsOfProjectPath = L"/projects/{projectId}/teams";
 
 bool listFolders(WebAnswer answer, std::vector<ORLOHTTPPayloadFolder>& out)
 {
@@ -56,18 +55,6 @@ bool GetSubFoldersOfParentFolder(ErrorCode& error, std::vector<ORLOHTTPPayloadFo
     WebCall call(L"OrloWebService::GetSubFoldersOfParentFolder", service::project, methods::GET, subFoldersPath);
     call.place(L"{folderId}", folderId).query(L"recursive", recursive ? L"true" : L"false");
     return listFolders(call.send(error), out);
-}
-
-bool GetTeamsInProject(ErrorCode& error, std::vector<CollaborationTeamInfo>& out, const std::wstring& projectId)
-{
-    out.clear();
-    WebCall call(L"OrloWebService::GetTeamsInProject", service::project, methods::GET, teamsOfProjectPath);
-    WebAnswer answer = call.place(L"{projectId}", projectId).send(error);
-    if (!answer.ok())
-        return false;
-    if (IsMarkedSuccess(answer.body()))
-        OrloPayloadProcessor::teamFields().readList(answer.data(), out);
-    return true;
 }
 
 } // namespace orlo::OrloWebService

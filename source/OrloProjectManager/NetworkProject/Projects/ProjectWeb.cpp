@@ -1,9 +1,10 @@
 #include "ProjectWeb.h"
 
-#include "../../Frame/CallFrame.h"
+#include "../../Log.h"
+#include "../Call/Refusal.h"
+#include "../Call/WebCall.h"
 #include "ProjectReaders.h"
 #include "ProjectTexts.h"
-#include "../Call/WebCall.h"
 
 #include <BaseCommon/Text.h>
 

@@ -1,8 +1,8 @@
 #include "SpecialtyWeb.h"
 
-#include "../../Frame/CallFrame.h"
-#include "ProjectReaders.h"
+#include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
+#include "ProjectReaders.h"
 
 #include <OrloNetwork/WebRequest.h>
 
@@ -15,7 +15,6 @@ namespace {
 constexpr const wchar_t* specialtyPath = L"specialties/";
 constexpr const wchar_t* newSpecialtyPath = L"/specialties";
 constexpr const wchar_t* specialtiesOfProjectPath = L"/projects/{projectId}/specialties";
-constexpr const wchar_t* permissionOfUserPath = L"/projects/{projectId}/users/{userId}/permission";
 
 } // namespace
 
@@ -49,26 +48,6 @@ std::wstring CreateSpecialty(ErrorCode& error, const std::wstring& projectId, co
     if (answer.ok())
         readMember(answer.data(), L"id", id);
     return id;
-}
-
-bool GetAuthorizationOfUserInProject(ErrorCode& error, web::json::value& out, const std::wstring& projectId, const std::wstring& userId)
-{
-    // The words keep the name that the operation once had.
-    if (projectId.empty()) {
-        log::error(L"IsProjectConfigCanBeChangedByUser未正常执行：projectId为空");
-        return false;
-    }
-    if (userId.empty()) {
-        log::error(L"IsProjectConfigCanBeChangedByUser未正常执行：userId为空");
-        return false;
-    }
-    WebCall call(L"OrloWebService::GetAuthorizationOfUserInProject", service::authorization, methods::GET, permissionOfUserPath);
-    WebAnswer answer = call.place(L"{projectId}", projectId).place(L"{userId}", userId).send(error);
-    if (!answer.ok())
-        return false;
-    if (answer.marked() && answer.findData())
-        out = answer.data();
-    return true;
 }
 
 } // namespace orlo::OrloWebService

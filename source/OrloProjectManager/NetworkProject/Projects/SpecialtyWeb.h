@@ -2,8 +2,6 @@
 
 #include <OrloProjectManager/Projects/Specialty.h>
 
-#include <cpprest/json.h>
-
 #include <string>
 #include <vector>
 
@@ -17,8 +15,6 @@ bool GetSpecialty(ErrorCode& error, http::ORLOHTTPPayloadSpecialty& out, const s
 bool GetSpecialtiesInProject(ErrorCode& error, std::vector<http::ORLOHTTPPayloadSpecialty>& out, const std::wstring& projectId);
 /// The new specialty's id; empty on failure.
 std::wstring CreateSpecialty(ErrorCode& error, const std::wstring& projectId, const std::wstring& type, const std::wstring& name);
-/// What a user may do in a project. True for every answer with status 200; `out` is filled only from a good envelope.
-bool GetAuthorizationOfUserInProject(ErrorCode& error, web::json::value& out, const std::wstring& projectId, const std::wstring& userId);
 
 } // namespace OrloWebService
 } // namespace orlo

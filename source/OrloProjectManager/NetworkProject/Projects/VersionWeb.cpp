@@ -1,8 +1,9 @@
 #include "VersionWeb.h"
 
-#include "../../Frame/CallFrame.h"
-#include "DatasetReaders.h"
+#include "../../Log.h"
+#include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
+#include "DatasetReaders.h"
 
 #include <BaseCommon/Text.h>
 

@@ -1,6 +1,5 @@
 #include "FileWeb.h"
 
-#include "../../Frame/CallFrame.h"
 #include "../Call/WebCall.h"
 
 namespace orlo::OrloWebService {
@@ -51,16 +50,14 @@ bool QueryFileRelatedDatasets(ErrorCode& error, std::vector<RelatedDatasetInfo>&
     return true;
 }
 
-bool DeleteFileByFileId(ErrorCode& error, const std::wstring& projectId, const std::wstring& fileId)
+bool DeleteFileOfProject(ErrorCode& error, const std::wstring& projectId, const std::wstring& fileId)
 {
-    return CallFrame(ORLO_HERE("orlo::OrloWebService::DeleteFileByFileId")).runDirect(error, [&] {
-        if (projectId.empty() || fileId.empty()) {
-            error.Assign(error::emptyParameter, std::make_shared<GenericError>(L"ParameterError", L"projectId or fileId is empty."));
-            return false;
-        }
-        WebCall call(L"OrloWebService::DeleteFileByFileId", service::project, methods::DEL, fileOfProjectPath);
-        return call.place(L"{projectId}", projectId).place(L"{fileId}", fileId).send(error).ok();
-    });
+    if (projectId.empty() || fileId.empty()) {
+        error.Assign(error::emptyParameter, std::make_shared<GenericError>(L"ParameterError", L"projectId or fileId is empty."));
+        return false;
+    }
+    WebCall call(L"OrloWebService::DeleteFileByFileId", service::project, methods::DEL, fileOfProjectPath);
+    return call.place(L"{projectId}", projectId).place(L"{fileId}", fileId).send(error).ok();
 }
 
 } // namespace orlo::OrloWebService

@@ -8,5 +8,7 @@ bool CreateFileDatasetRelationship(ErrorCode& error, const std::string& datasetI
                                    int dwgVersion);
 /// The bound datasets in order, then the main one if there is one.
 bool QueryFileRelatedDatasets(ErrorCode& error, std::vector<RelatedDatasetInfo>& out, const std::string& dwgId, int dwgVersion);
+/// What `DeleteFileByFileId` of the face sends.
+bool DeleteFileOfProject(ErrorCode& error, const std::wstring& projectId, const std::wstring& fileId);
 
 } // namespace orlo::OrloWebService

@@ -1,8 +1,9 @@
 #include "StreamWeb.h"
 
-#include "../../Frame/CallFrame.h"
+#include "../../Log.h"
 #include "../../Transfer/LocalFiles.h"
 #include "../Call/AsyncCall.h"
+#include "../Call/Refusal.h"
 #include "FileBody.h"
 #include "GzipPayload.h"
 #include "ReceivedFile.h"
@@ -14,9 +15,9 @@
 #include <BaseCommon/Uuid.h>
 #include <OrloLogging/TimeCostingHelper.h>
 #include <OrloNetwork/Body/JsonText.h>
-#include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/Body/SinkBuffer.h>
 #include <OrloNetwork/Body/TempFile.h>
+#include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <cpprest/rawptrstream.h>

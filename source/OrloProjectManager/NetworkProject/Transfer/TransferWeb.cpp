@@ -1,8 +1,9 @@
 #include "TransferWeb.h"
 
-#include "../../Frame/CallFrame.h"
+#include "../../Log.h"
 #include "../Call/AsyncCall.h"
 #include "../Call/FieldReaders.h"
+#include "../Call/Refusal.h"
 
 #include <BaseCommon/Text.h>
 

@@ -1,6 +1,6 @@
 #include "TranslationWeb.h"
 
-#include "../../Frame/CallFrame.h"
+#include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
 
 namespace orlo::OrloWebService {

@@ -1,0 +1,13 @@
+#include "Refusal.h"
+
+#include <BaseCommon/ErrorCode.h>
+
+namespace orlo {
+
+bool refuse(ErrorCode& error, long long value, const std::wstring& message)
+{
+    error.Assign(value, std::make_shared<GenericError>(message));
+    return false;
+}
+
+} // namespace orlo
