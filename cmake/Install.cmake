@@ -14,7 +14,7 @@ install(DIRECTORY include/OrloProjectManager DESTINATION ${CMAKE_INSTALL_INCLUDE
 foreach(library BaseCommon OrloCommon OrloLogging OrloAuth OrloJobManager)
     install(DIRECTORY sdk-base/source/${library} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN Platform.h EXCLUDE PATTERN LivingProcesses.h EXCLUDE
-        PATTERN StrayFiles.h EXCLUDE PATTERN JsonText.h EXCLUDE PATTERN TokenText.h EXCLUDE)
+        PATTERN StrayFiles.h EXCLUDE PATTERN JsonText.h EXCLUDE PATTERN Log.h EXCLUDE PATTERN Caught.h EXCLUDE PATTERN TokenText.h EXCLUDE)
 endforeach()
 # The rest of the network library speaks in the types of cpprestsdk, which a host never meets.
 install(FILES sdk-base/source/OrloNetwork/NetworkCommon.h sdk-base/source/OrloNetwork/Export.h

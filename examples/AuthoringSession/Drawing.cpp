@@ -6,7 +6,7 @@ namespace {
 
 void drawBelow(const Drawing& node, const std::wstring& indent, std::vector<std::wstring>& lines)
 {
-    for (size_t i = 0; i < node.below.size(); ++i) {
+    for (std::size_t i = 0; i < node.below.size(); ++i) {
         const bool isLast = i + 1 == node.below.size();
         lines.push_back(indent + (isLast ? L"└─ " : L"├─ ") + node.below[i].label);
         drawBelow(node.below[i], indent + (isLast ? L"   " : L"│  "), lines);

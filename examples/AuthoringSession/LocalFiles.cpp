@@ -6,7 +6,7 @@ namespace session {
 
 using namespace orlo;
 
-std::string drawingBytes(size_t size, unsigned seed)
+std::string drawingBytes(std::size_t size, unsigned seed)
 {
     std::string bytes(size, '\0');
     for (char& byte : bytes) {

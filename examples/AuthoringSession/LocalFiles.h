@@ -7,7 +7,7 @@
 namespace session {
 
 /// The content of a drawing of some size, as bytes that no two seeds share.
-std::string drawingBytes(size_t size, unsigned seed);
+std::string drawingBytes(std::size_t size, unsigned seed);
 
 /// Makes a file of the user's and gives its path.
 std::wstring makeFile(Story& story, const std::wstring& folder, const std::wstring& name, const std::string& bytes);

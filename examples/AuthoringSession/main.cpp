@@ -33,7 +33,7 @@ struct Arguments
 std::optional<Arguments> readArguments(const std::vector<std::string>& words)
 {
     Arguments arguments;
-    for (size_t i = 0; i < words.size(); ++i) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
         const bool hasValue = i + 1 < words.size() && !words[i + 1].empty();
         if (words[i] == "--crash")
             arguments.crashes = true;

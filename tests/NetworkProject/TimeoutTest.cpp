@@ -71,7 +71,7 @@ TEST_F(TimeoutTest, aCallWithTheOtherTimeoutGivesUpAfterIt)
         GTEST_SKIP() << "another test of this process was the first to use the time-out";
     timeoutIs(30);
     WebCall call(L"OrloWebService::Sample", service::project, methods::GET, L"/sample");
-    call.withTimeout();
+    call.withTimeoutOfFirstUse();
     try {
         call.send(error);
         FAIL() << "the answer never came, and nothing was thrown";

@@ -35,6 +35,16 @@ TEST(ReadJsonTest, anEmptyBodyIsNull)
     EXPECT_TRUE(jsonOf("null").is_null());
 }
 
+TEST(TextOf, readsAnAnswerWhateverItsType)
+{
+    const auto textOf = [](const std::string& body, const std::string& contentType) {
+        return OrloWebService::TextOf(answerOf(200, body, contentType), body);
+    };
+    EXPECT_EQ(textOf("中文 <b>", "text/plain"), L"中文 <b>");
+    EXPECT_EQ(textOf("\xFF", "application/octet-stream"), L"\xFFFD");
+    EXPECT_EQ(textOf("", "application/json"), L"");
+}
+
 TEST(ReadJsonTest, takesTheNamesOfJsonWhateverTheirCase)
 {
     for (const char* type : {"application/json", "application/json; charset=utf-8", "Application/JSON;charset=UTF-8",

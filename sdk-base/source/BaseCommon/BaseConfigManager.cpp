@@ -1,4 +1,5 @@
 #include <BaseCommon/BaseConfigManager.h>
+#include <BaseCommon/NeverDestroyed.h>
 
 #include <mutex>
 
@@ -12,11 +13,10 @@ struct State
     std::string defaultRemoteFolder;
 };
 
-// Never destroyed: transfers may still ask while the process ends.
 State& state()
 {
-    static State* const instance = new State;
-    return *instance;
+    static State& instance = utils::neverDestroyed(new State);
+    return instance;
 }
 
 } // namespace
@@ -26,19 +26,19 @@ BaseConfigManager::~BaseConfigManager() = default;
 
 BaseConfigManager* BaseConfigManager::Get() noexcept
 {
-    static BaseConfigManager* const instance = new BaseConfigManager;
-    return instance;
+    static BaseConfigManager& instance = utils::neverDestroyed(new BaseConfigManager);
+    return &instance;
 }
 
 void BaseConfigManager::SetDefaultRemoteFolder(const std::string& folder)
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     state().defaultRemoteFolder = folder;
 }
 
 std::string BaseConfigManager::GetDefaultRemoteFolder() const
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     return state().defaultRemoteFolder;
 }
 

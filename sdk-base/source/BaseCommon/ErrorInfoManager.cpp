@@ -1,5 +1,7 @@
 #include "ErrorInfoManager.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 #include <mutex>
 
 namespace orlo {
@@ -13,10 +15,9 @@ struct LastError
     ErrorType type = ErrorType::connection;
 };
 
-// Never destroyed: a thread may still report while the process ends.
 LastError& lastError()
 {
-    static LastError& state = *new LastError;
+    static LastError& state = utils::neverDestroyed(new LastError);
     return state;
 }
 
@@ -24,7 +25,7 @@ LastError& lastError()
 
 OrloErrorInfoManager& OrloErrorInfoManager::getInstance()
 {
-    static OrloErrorInfoManager& instance = *new OrloErrorInfoManager;
+    static OrloErrorInfoManager& instance = utils::neverDestroyed(new OrloErrorInfoManager);
     return instance;
 }
 

@@ -18,7 +18,7 @@ void Interruption::request()
 {
     Listeners listeners;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         if (std::exchange(m_isRequested, true))
             return;
         listeners.swap(m_listeners);
@@ -31,13 +31,13 @@ void Interruption::request()
 
 bool Interruption::isRequested() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return m_isRequested;
 }
 
 bool Interruption::waitFor(std::chrono::milliseconds atMost) const
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     return m_requested.wait_for(lock, atMost, [this] { return m_isRequested; });
 }
 
@@ -61,7 +61,7 @@ Interruption::Listener::Listener(std::shared_ptr<Interruption> interruption, std
     if (!m_interruption)
         return;
     {
-        const std::lock_guard<std::mutex> lock(m_interruption->m_mutex);
+        const std::lock_guard lock(m_interruption->m_mutex);
         if (!m_interruption->m_isRequested) {
             m_number = ++m_interruption->m_lastNumber;
             m_interruption->m_listeners.emplace(m_number, std::move(heard));
@@ -76,7 +76,7 @@ Interruption::Listener::~Listener()
     if (!m_interruption)
         return;
     std::function<void()> heard; // goes without the lock
-    const std::lock_guard<std::mutex> lock(m_interruption->m_mutex);
+    const std::lock_guard lock(m_interruption->m_mutex);
     const auto found = m_interruption->m_listeners.find(m_number);
     if (found == m_interruption->m_listeners.end())
         return;

@@ -20,7 +20,7 @@ using rapidjson::Value;
 
 constexpr unsigned deepestNesting = 1000;
 
-template <typename Number>
+template <class Number>
 std::errc readWhole(std::string_view text, Number& number)
 {
     const char* const end = text.data() + text.size();
@@ -102,7 +102,7 @@ private:
 };
 
 // Tells a value to a handler event by event. RapidJSON's own Accept calls itself for each level, and values can be built to any depth.
-template <typename Handler>
+template <class Handler>
 class Walk
 {
 public:

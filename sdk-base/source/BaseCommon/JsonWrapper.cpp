@@ -17,7 +17,7 @@ using rapidjson::Value;
 constexpr std::size_t poolChunk = 4096;
 
 // Calls `use` with a copy of the value in that memory.
-template <typename Use>
+template <class Use>
 bool withCopy(const Value* value, JsonWrapper::Allocator* allocator, Use use)
 {
     Document copy(allocator);

@@ -1,6 +1,7 @@
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
@@ -30,10 +31,9 @@ struct Marks
     std::map<std::wstring, Mark> byFolder;
 };
 
-// Never destroyed: threads of transfers may still ask while the process ends.
 Marks& marks()
 {
-    static Marks& instance = *new Marks;
+    static Marks& instance = utils::neverDestroyed(new Marks);
     return instance;
 }
 
@@ -91,7 +91,7 @@ bool tellThatProcessLives()
 {
     const std::wstring folder = getProcessesPath();
     Marks& known = marks();
-    const std::lock_guard<std::mutex> lock(known.mutex);
+    const std::lock_guard lock(known.mutex);
     Mark& mark = known.byFolder[folder];
     return (mark.lock.isHeld() && hasFile(mark.path)) || make(mark, folder);
 }

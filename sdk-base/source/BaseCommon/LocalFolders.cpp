@@ -1,5 +1,6 @@
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Platform.h>
 
 #include <mutex>
@@ -14,17 +15,16 @@ struct LocalRoot
     std::wstring folder;
 };
 
-// Never destroyed: threads of transfers may still ask while the process ends.
 LocalRoot& localRoot()
 {
-    static LocalRoot& root = *new LocalRoot;
+    static LocalRoot& root = utils::neverDestroyed(new LocalRoot);
     return root;
 }
 
 std::wstring currentRoot()
 {
     LocalRoot& root = localRoot();
-    const std::lock_guard<std::mutex> lock(root.mutex);
+    const std::lock_guard lock(root.mutex);
     return root.folder;
 }
 
@@ -57,7 +57,7 @@ void setLocalRoot(const std::wstring& folder)
         absolute.pop_back();
 
     LocalRoot& root = localRoot();
-    const std::lock_guard<std::mutex> lock(root.mutex);
+    const std::lock_guard lock(root.mutex);
     root.folder = absolute;
 }
 

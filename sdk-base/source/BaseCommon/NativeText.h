@@ -23,7 +23,7 @@ inline std::wstring toNative(std::wstring&& text)
 }
 inline std::wstring toNative(const std::string& utf8)
 {
-    return Utf8ToUnicode(utf8);
+    return toWstring(utf8);
 }
 inline const std::wstring& fromNative(const NativeString& text)
 {
@@ -35,7 +35,7 @@ inline std::wstring fromNative(NativeString&& text)
 }
 inline std::string fromNativeToUtf8(const NativeString& text)
 {
-    return UnicodeToUtf8(text);
+    return toString(text);
 }
 
 #else
@@ -44,7 +44,7 @@ using NativeString = std::string;
 
 inline std::string toNative(const std::wstring& text)
 {
-    return UnicodeToUtf8(text);
+    return toString(text);
 }
 inline const std::string& toNative(const std::string& utf8)
 {
@@ -56,7 +56,7 @@ inline std::string toNative(std::string&& utf8)
 }
 inline std::wstring fromNative(const NativeString& text)
 {
-    return Utf8ToUnicode(text);
+    return toWstring(text);
 }
 inline const std::string& fromNativeToUtf8(const NativeString& text)
 {

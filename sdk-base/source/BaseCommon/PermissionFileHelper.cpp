@@ -1,5 +1,6 @@
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/PermissionFileHelper.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
@@ -49,8 +50,8 @@ bool save(const std::wstring& folder, const Tokens& tokens)
 
 PermissionFileHelper* PermissionFileHelper::GetInstance()
 {
-    static auto* const helper = new PermissionFileHelper; // never destroyed: it is asked until the process is gone
-    return helper;
+    static auto& helper = utils::neverDestroyed(new PermissionFileHelper);
+    return &helper;
 }
 
 std::wstring PermissionFileHelper::TokenFolder()
@@ -60,7 +61,7 @@ std::wstring PermissionFileHelper::TokenFolder()
 
 std::string PermissionFileHelper::GetDatasetTokenFromFile(const std::string& userId, const std::string& datasetId)
 {
-    const std::lock_guard<std::mutex> guard(m_mutex);
+    const std::lock_guard guard(m_mutex);
     const std::wstring folder = TokenFolder();
     if (!hasFile(tokenFile(folder)))
         return {};
@@ -76,7 +77,7 @@ bool PermissionFileHelper::WriteTokenToFile(const std::string& userId, const std
     // What isn't UTF-8 would come back from the file as something else.
     if (token.empty() || !isValidUtf8(userId) || !isValidUtf8(datasetId) || !isValidUtf8(token))
         return false;
-    const std::lock_guard<std::mutex> guard(m_mutex);
+    const std::lock_guard guard(m_mutex);
     const std::wstring folder = TokenFolder();
     FileLock lock;
     Tokens tokens;
@@ -88,7 +89,7 @@ bool PermissionFileHelper::WriteTokenToFile(const std::string& userId, const std
 
 bool PermissionFileHelper::ReleasePermission(const std::string& userId, const std::string& datasetId)
 {
-    const std::lock_guard<std::mutex> guard(m_mutex);
+    const std::lock_guard guard(m_mutex);
     const std::wstring folder = TokenFolder();
     FileLock lock;
     Tokens tokens;

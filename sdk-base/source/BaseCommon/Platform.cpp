@@ -289,7 +289,7 @@ private:
     int m_number;
 };
 
-template <typename Call>
+template <class Call>
 auto untilNotInterrupted(Call call)
 {
     auto result = call();
@@ -389,11 +389,11 @@ void expectFilling(void* memory, std::size_t bytes)
 
 std::filesystem::path toSystemPath(const std::wstring& text)
 {
-    return holdsNul(text) ? impossiblePath() : std::filesystem::path(UnicodeToUtf8(text));
+    return holdsNul(text) ? impossiblePath() : std::filesystem::path(toString(text));
 }
 std::wstring fromSystemPath(const std::filesystem::path& path)
 {
-    return Utf8ToUnicode(path.native());
+    return toWstring(path.native());
 }
 
 std::wstring userDataFolder()

@@ -30,7 +30,7 @@ bool removeIfStray(const fs::directory_entry& entry, fs::file_time_type before, 
     return !error && written < before && fs::remove(entry.path(), error) && !error;
 }
 
-template <typename Iterator>
+template <class Iterator>
 std::size_t removeIn(const std::wstring& folder, fs::file_time_type before, bool (*hasOurName)(const std::wstring&))
 {
     std::size_t removed = 0;

@@ -85,7 +85,7 @@ char32_t takeUtf8(const char*& at, const char* end)
     return value;
 }
 
-template <typename Sink>
+template <class Sink>
 void decodeUtf8(const char* at, const char* end, Sink sink)
 {
     while (at != end) {
@@ -99,7 +99,7 @@ void decodeUtf8(const char* at, const char* end, Sink sink)
 }
 
 // Takes one code point of wide text, whose unit has 16 or 32 bits.
-template <typename Unit>
+template <class Unit>
 char32_t takeWide(const Unit*& at, const Unit* end)
 {
     if constexpr (sizeof(Unit) == 2) {
@@ -118,13 +118,13 @@ char32_t takeWide(const Unit*& at, const Unit* end)
     }
 }
 
-template <typename Unit>
+template <class Unit>
 constexpr std::size_t wideUnitsOf(char32_t value)
 {
     return sizeof(Unit) == 2 && value > 0xFFFF ? 2 : 1;
 }
 
-template <typename Unit>
+template <class Unit>
 void putWide(Unit*& at, char32_t value)
 {
     if (wideUnitsOf<Unit>(value) == 1) {
@@ -156,7 +156,7 @@ void putUtf8(char*& at, char32_t value)
 // memory than it needs.
 constexpr std::size_t shortText = 256;
 
-template <typename Unit>
+template <class Unit>
 std::basic_string<Unit> widenShort(const char* begin, const char* end)
 {
     std::array<Unit, shortText> wide;
@@ -165,7 +165,7 @@ std::basic_string<Unit> widenShort(const char* begin, const char* end)
     return std::basic_string<Unit>(wide.data(), out);
 }
 
-template <typename Unit>
+template <class Unit>
 std::basic_string<Unit> widen(std::string_view text)
 {
     const char* begin = text.data();
@@ -182,7 +182,7 @@ std::basic_string<Unit> widen(std::string_view text)
     return wide;
 }
 
-template <typename Unit>
+template <class Unit>
 bool isAscii(const std::basic_string<Unit>& text)
 {
     char32_t bits = 0;
@@ -191,7 +191,7 @@ bool isAscii(const std::basic_string<Unit>& text)
     return bits < 0x80;
 }
 
-template <typename Unit>
+template <class Unit>
 std::string narrowAscii(const std::basic_string<Unit>& text)
 {
     std::string utf8(text.size(), '\0');
@@ -199,7 +199,7 @@ std::string narrowAscii(const std::basic_string<Unit>& text)
     return utf8;
 }
 
-template <typename Unit>
+template <class Unit>
 std::string narrow(const std::basic_string<Unit>& text)
 {
     if (isAscii(text))

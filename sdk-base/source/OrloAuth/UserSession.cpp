@@ -1,3 +1,4 @@
+#include <BaseCommon/NeverDestroyed.h>
 #include <OrloAuth/SessionWatch.h>
 #include <OrloAuth/UserSession.h>
 #include <OrloLogging/SecretGuard.h>
@@ -16,16 +17,15 @@ struct State
     SessionWatch watch = nullptr;
 };
 
-// Never destroyed: transfers may still ask while the process ends.
 State& state()
 {
-    static State* const instance = new State;
-    return *instance;
+    static State& instance = utils::neverDestroyed(new State);
+    return instance;
 }
 
 void put(std::shared_ptr<UserSession> session)
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     state().session.swap(session);
 }
 
@@ -33,7 +33,7 @@ void replaceSession(const std::shared_ptr<UserSession>& session)
 {
     SessionWatch watch = nullptr;
     {
-        const std::lock_guard<std::mutex> lock(state().mutex);
+        const std::lock_guard lock(state().mutex);
         watch = state().watch;
     }
     const auto replace = [&] { put(session); };
@@ -47,7 +47,7 @@ void replaceSession(const std::shared_ptr<UserSession>& session)
 
 void watchSessions(SessionWatch watch)
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     state().watch = watch;
 }
 
@@ -69,7 +69,7 @@ void UserSession::SignOut()
 
 std::shared_ptr<UserSession> UserSession::GetInstance()
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     return state().session;
 }
 

@@ -1,4 +1,5 @@
 #include <BaseCommon/BaseConfigManager.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
 #include <OrloCommon/OrloConfigManager.h>
 
@@ -17,11 +18,10 @@ struct State
     std::shared_ptr<const OrloConfig> config = std::make_shared<const OrloConfig>();
 };
 
-// Never destroyed: transfers may still ask while the process ends.
 State& state()
 {
-    static State* const instance = new State;
-    return *instance;
+    static State& instance = utils::neverDestroyed(new State);
+    return instance;
 }
 
 } // namespace
@@ -31,8 +31,8 @@ OrloConfigManager::~OrloConfigManager() = default;
 
 OrloConfigManager* OrloConfigManager::Get() noexcept
 {
-    static OrloConfigManager* const instance = new OrloConfigManager;
-    return instance;
+    static OrloConfigManager& instance = utils::neverDestroyed(new OrloConfigManager);
+    return &instance;
 }
 
 void OrloConfigManager::Configure(const OrloConfig& config)
@@ -40,7 +40,7 @@ void OrloConfigManager::Configure(const OrloConfig& config)
     auto replacement = std::make_shared<const OrloConfig>(config);
     BaseConfigManager::Get()->SetDefaultRemoteFolder(utils::toString(config.defaultRemoteFolder));
     // What was swapped out is freed after the lock is gone.
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     state().config.swap(replacement);
 }
 
@@ -59,7 +59,7 @@ int OrloConfigManager::httpTimeout() const
 
 std::shared_ptr<const OrloConfig> OrloConfigManager::snapshot() const
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     return state().config;
 }
 

@@ -8,13 +8,13 @@
 
 namespace orlo {
 
-struct BoundedThreads::Ends
+struct BoundedThreads::Signal
 {
     std::mutex mutex;
     std::condition_variable changed;
 };
 
-BoundedThreads::BoundedThreads() : m_ends(std::make_shared<Ends>())
+BoundedThreads::BoundedThreads() : m_signal(std::make_shared<Signal>())
 {}
 
 BoundedThreads::~BoundedThreads()
@@ -27,11 +27,11 @@ bool BoundedThreads::start(std::function<void()> body)
     auto hasEnded = std::make_shared<bool>(false);
     try {
         m_threads.reserve(m_threads.size() + 1);
-        m_threads.push_back({std::thread([ends = m_ends, hasEnded, body = std::move(body)] {
+        m_threads.push_back({std::thread([signal = m_signal, hasEnded, body = std::move(body)] {
                                  body();
-                                 const std::lock_guard<std::mutex> lock(ends->mutex);
+                                 const std::lock_guard lock(signal->mutex);
                                  *hasEnded = true;
-                                 ends->changed.notify_all();
+                                 signal->changed.notify_all();
                              }),
                              hasEnded});
         return true;
@@ -43,25 +43,25 @@ bool BoundedThreads::start(std::function<void()> body)
 
 bool BoundedThreads::awaitBy(Clock::time_point end) const
 {
-    std::unique_lock<std::mutex> lock(m_ends->mutex);
-    return m_ends->changed.wait_until(lock, end, [this] {
-        return std::all_of(m_threads.begin(), m_threads.end(), [](const One& one) { return *one.hasEnded || one.isOwn(); });
+    std::unique_lock lock(m_signal->mutex);
+    return m_signal->changed.wait_until(lock, end, [this] {
+        return std::all_of(m_threads.begin(), m_threads.end(), [](const Thread& thread) { return *thread.hasEnded || thread.isOwn(); });
     });
 }
 
 bool BoundedThreads::endBy(Clock::time_point end)
 {
     awaitBy(end);
-    std::vector<One> threads = std::exchange(m_threads, {});
-    std::unique_lock<std::mutex> lock(m_ends->mutex);
+    std::vector<Thread> threads = std::exchange(m_threads, {});
+    std::unique_lock lock(m_signal->mutex);
     bool haveAllEnded = true;
     std::vector<std::thread> ended;
-    for (One& one : threads) {
-        haveAllEnded = haveAllEnded && *one.hasEnded;
-        if (*one.hasEnded)
-            ended.push_back(std::move(one.thread));
+    for (Thread& started : threads) {
+        haveAllEnded = haveAllEnded && *started.hasEnded;
+        if (*started.hasEnded)
+            ended.push_back(std::move(started.thread));
         else
-            one.thread.detach();
+            started.thread.detach();
     }
     lock.unlock();
     for (std::thread& thread : ended)

@@ -9,7 +9,7 @@
 namespace orlo {
 
 /// Threads that are waited for as long as a bound allows and let go after it. What they use must be theirs to share: a thread that was
-/// let go may still run when this object is gone. Not for two threads at once.
+/// let go may still run when this object is gstarted. Not for two threads at once.
 class BoundedThreads
 {
 public:
@@ -29,8 +29,8 @@ public:
     bool endBy(Clock::time_point end);
 
 private:
-    struct Ends;
-    struct One
+    struct Signal;
+    struct Thread
     {
         bool isOwn() const { return thread.get_id() == std::this_thread::get_id(); }
 
@@ -38,8 +38,8 @@ private:
         std::shared_ptr<bool> hasEnded;
     };
 
-    std::shared_ptr<Ends> m_ends;
-    std::vector<One> m_threads;
+    std::shared_ptr<Signal> m_signal;
+    std::vector<Thread> m_threads;
 };
 
 } // namespace orlo

@@ -10,7 +10,7 @@ void EventDispatcher::post(JobEvent event)
 {
     if (!isUsed())
         return;
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     if (m_isClosed)
         return;
     m_events.push_back(std::move(event));
@@ -19,7 +19,7 @@ void EventDispatcher::post(JobEvent event)
 
 void EventDispatcher::close()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_isClosed = true;
     m_changed.notify_one();
 }
@@ -32,7 +32,7 @@ void EventDispatcher::silence()
 
 void EventDispatcher::run()
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     for (;;) {
         m_changed.wait(lock, [this] { return m_isClosed || !m_events.empty(); });
         if (m_events.empty())
@@ -56,7 +56,7 @@ void EventDispatcher::tell(JobEvent event) const
         m_callback(event);
     }
     catch (...) {
-        joblog::warning(L"the callback for job events threw: " + joblog::currentException());
+        log::warning(L"the callback for job events threw: " + wordsOfCaught());
     }
 }
 

@@ -1,3 +1,4 @@
+#include <BaseCommon/NeverDestroyed.h>
 #include <OrloJobManager/GeneralInstanceCreator.h>
 
 #include <map>
@@ -17,28 +18,28 @@ struct State
 // Made at the first use and never destroyed: initialisers and destructors of statics come here in any order.
 State& state()
 {
-    static State* const instance = new State;
-    return *instance;
+    static State& instance = utils::neverDestroyed(new State);
+    return instance;
 }
 
 } // namespace
 
 GeneralInstanceCreator* GeneralInstanceCreator::Get() noexcept
 {
-    static GeneralInstanceCreator* const creator = new GeneralInstanceCreator;
-    return creator;
+    static GeneralInstanceCreator& creator = utils::neverDestroyed(new GeneralInstanceCreator);
+    return &creator;
 }
 
 void* GeneralInstanceCreator::getInstance(const std::type_info& type) const
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     const auto found = state().instances.find(type);
     return found == state().instances.end() ? nullptr : found->second;
 }
 
 void GeneralInstanceCreator::setInstance(const std::type_info& type, void* instance)
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     if (instance)
         state().instances[type] = instance;
     else

@@ -1,7 +1,9 @@
 #include "JobLog.h"
 #include "JobRunner.h"
 
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/ProcessEnd.h>
+#include <BaseCommon/Text.h>
 #include <OrloAuth/SessionWatch.h>
 #include <OrloJobManager/IJobManager.h>
 
@@ -45,10 +47,9 @@ private:
     std::atomic<bool> m_isStarted{false};
 };
 
-// Never destroyed: hosts keep the pointer, and jobs may still run while the process ends.
 JobManager& manager()
 {
-    static JobManager& instance = *new JobManager;
+    static JobManager& instance = utils::neverDestroyed(new JobManager);
     return instance;
 }
 
@@ -64,9 +65,9 @@ bool JobManager::start(const JobManagerOptions& options)
 {
     watchEndOfProcess();
     watchSessions([](const auto& next, const auto& replace) { manager().changeSession(next, replace); });
-    const std::lock_guard<std::mutex> lock(m_lifeMutex);
+    const std::lock_guard lock(m_lifeMutex);
     if (m_isStarted) {
-        joblog::warning(L"the job manager runs already, with the options of its first start");
+        log::warning(L"the job manager runs already, with the options of its first start");
         return true;
     }
     const auto starting = std::make_shared<JobRunner>(options);
@@ -85,7 +86,7 @@ bool JobManager::start(const JobManagerOptions& options)
 
 bool JobManager::stop()
 {
-    const std::lock_guard<std::mutex> lock(m_lifeMutex);
+    const std::lock_guard lock(m_lifeMutex);
     m_isStarted = false;
     const std::shared_ptr<JobRunner> ending = runner();
     const bool isEnded = !ending || ending->stop();
@@ -105,7 +106,7 @@ void JobManager::breakOff()
 {
     std::shared_ptr<JobRunner> ending;
     {
-        const std::lock_guard<std::mutex> lock(m_runnerMutex);
+        const std::lock_guard lock(m_runnerMutex);
         m_doesProcessEnd = true;
         ending = m_runner;
     }
@@ -115,7 +116,7 @@ void JobManager::breakOff()
 
 void JobManager::awaitBrokenOff()
 {
-    const std::unique_lock<std::mutex> lock(m_lifeMutex, std::try_to_lock);
+    const std::unique_lock lock(m_lifeMutex, std::try_to_lock);
     const auto ending = runner();
     if (ending)
         ending->awaitBrokenOff();
@@ -125,13 +126,13 @@ void JobManager::awaitBrokenOff()
 
 std::shared_ptr<JobRunner> JobManager::runner() const
 {
-    const std::lock_guard<std::mutex> lock(m_runnerMutex);
+    const std::lock_guard lock(m_runnerMutex);
     return m_runner;
 }
 
 bool JobManager::setRunner(std::shared_ptr<JobRunner> runner)
 {
-    const std::lock_guard<std::mutex> lock(m_runnerMutex);
+    const std::lock_guard lock(m_runnerMutex);
     if (m_doesProcessEnd)
         return false;
     m_runner.swap(runner);
@@ -155,14 +156,14 @@ void JobManager::AddJob(std::shared_ptr<IJobEntity> job)
     try {
         const auto current = runner();
         if (!job)
-            joblog::error(L"a job that is null can't be added");
+            log::error(L"a job that is null can't be added");
         else if (!current)
-            joblog::warning(L"the job manager is stopped; the row of job " + utils::toWstring(job->JobId()) + L" stays for its next start");
+            log::warning(L"the job manager is stopped; the row of job " + utils::toWstring(job->JobId()) + L" stays for its next start");
         else
             current->add(std::move(job));
     }
     catch (...) {
-        joblog::error(L"a job can't be added: " + joblog::currentException());
+        log::error(L"a job can't be added: " + wordsOfCaught());
     }
 }
 
@@ -195,7 +196,7 @@ bool IJobManager::Start(const JobManagerOptions& options)
         return manager().start(options);
     }
     catch (...) {
-        joblog::error(L"the job manager can't be started: " + joblog::currentException());
+        log::error(L"the job manager can't be started: " + wordsOfCaught());
         return false;
     }
 }
@@ -206,7 +207,7 @@ bool IJobManager::Stop()
         return manager().stop();
     }
     catch (...) {
-        joblog::error(L"the job manager can't be stopped: " + joblog::currentException());
+        log::error(L"the job manager can't be stopped: " + wordsOfCaught());
         return false;
     }
 }

@@ -20,7 +20,7 @@ std::chrono::milliseconds bounded(std::chrono::milliseconds time)
 
 bool JobBoard::add(const Job& job)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     if (!m_known.try_emplace(job.id, Known{job.entity, m_lastNumber + 1, job.account}).second)
         return false;
     ++m_lastNumber;
@@ -32,7 +32,7 @@ bool JobBoard::add(const Job& job)
 
 Job JobBoard::next()
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     for (;;) {
         m_changed.wait(lock, [this] { return m_isStopped || (m_hasNews && !m_isPicking); });
         if (m_isStopped)
@@ -75,21 +75,21 @@ Job JobBoard::choose(const std::vector<Job>& arrivals, bool hasEnded, const IJob
         return m_queue.takeRunnable(running, m_isStopped);
     }
     catch (...) { // out of memory; a worker that leaves the board would take the whole process along
-        joblog::error(L"the next job can't be chosen: " + joblog::currentException());
+        log::error(L"the next job can't be chosen: " + wordsOfCaught());
         return {};
     }
 }
 
 void JobBoard::ended(const Job& job)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_known.erase(job.id);
     leaveRunning(job);
 }
 
 void JobBoard::putBack(const Job& job)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_arrivals.push_back(job);
     leaveRunning(job);
 }
@@ -104,20 +104,20 @@ void JobBoard::leaveRunning(const Job& job)
 
 void JobBoard::stop()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_isStopped = true;
     m_changed.notify_all();
 }
 
 bool JobBoard::waitForStop(std::chrono::milliseconds atMost)
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, bounded(atMost), [this] { return m_isStopped.load(); });
 }
 
 std::shared_ptr<IJobEntity> JobBoard::find(const std::string& id) const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     const auto found = m_known.find(id);
     return found == m_known.end() ? nullptr : found->second.entity;
 }
@@ -126,7 +126,7 @@ IJobEntity::List JobBoard::jobs() const
 {
     std::vector<Known> all;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         for (const auto& [id, known] : m_known)
             all.push_back(known);
     }
@@ -137,10 +137,10 @@ IJobEntity::List JobBoard::jobs() const
     return jobs;
 }
 
-template <typename Condition>
+template <class Condition>
 bool JobBoard::waitFor(std::chrono::milliseconds atMost, const Condition& condition)
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     m_changed.wait_for(lock, bounded(atMost), [&] { return m_isStopped || condition(); });
     return condition();
 }
@@ -160,7 +160,7 @@ bool JobBoard::isIdle() const
 
 void JobBoard::retryAll()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_hasEnded = true;
     m_hasNews = true;
     m_changed.notify_all();
@@ -173,7 +173,7 @@ bool JobBoard::waitForJob(const std::string& id, std::chrono::milliseconds atMos
 
 bool JobBoard::waitForRunning(std::size_t atMostJobs, std::chrono::milliseconds atMost)
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, bounded(atMost), [&] { return m_running.size() <= atMostJobs; });
 }
 

@@ -59,7 +59,7 @@ private:
     Job choose(const std::vector<Job>& arrivals, bool hasEnded, const IJobEntity::List& running);
     void leaveRunning(const Job& job);
     bool isIdle() const;
-    template <typename Condition>
+    template <class Condition>
     bool waitFor(std::chrono::milliseconds atMost, const Condition& condition);
 
     mutable std::mutex m_mutex;

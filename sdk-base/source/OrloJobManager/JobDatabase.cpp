@@ -28,7 +28,7 @@ constexpr int busyMilliseconds = 5000;
 }
 
 /// Runs the work, and tells damage from other failures.
-template <typename Work>
+template <class Work>
 auto guarded(const Work& work)
 {
     try {
@@ -40,7 +40,7 @@ auto guarded(const Work& work)
 }
 
 /// The same for a database that was sound when it was opened: a statement that fails by itself doesn't fit the tables any more.
-template <typename Work>
+template <class Work>
 auto atWork(const Work& work)
 {
     try {

@@ -35,7 +35,7 @@ Registry& registry()
 JobEntityRegistration::JobEntityRegistration(std::string jobTypeKey, JobEntityFactory factory)
     : m_jobTypeKey(std::move(jobTypeKey)), m_owner(false)
 {
-    const std::lock_guard<std::mutex> lock(registry().mutex);
+    const std::lock_guard lock(registry().mutex);
     m_owner = registry().factories.emplace(m_jobTypeKey, std::move(factory)).second;
 }
 
@@ -43,7 +43,7 @@ JobEntityRegistration::~JobEntityRegistration()
 {
     if (!m_owner)
         return;
-    const std::lock_guard<std::mutex> lock(registry().mutex);
+    const std::lock_guard lock(registry().mutex);
     registry().factories.erase(m_jobTypeKey);
 }
 
@@ -51,7 +51,7 @@ std::shared_ptr<LocalDbJobEntity> makeJobEntity(const std::string& jobTypeKey)
 {
     JobEntityFactory factory;
     {
-        const std::lock_guard<std::mutex> lock(registry().mutex);
+        const std::lock_guard lock(registry().mutex);
         const auto found = registry().factories.find(jobTypeKey);
         if (found != registry().factories.end())
             factory = found->second;

@@ -1,48 +1,18 @@
 #pragma once
 
-#include <BaseCommon/Text.h>
-#include <OrloLogging/ILogManager.h>
+#include <BaseCommon/Caught.h>
+#include <OrloLogging/Log.h>
 
-#include <exception>
 #include <string>
+#include <utility>
 
-// The lines of the job library.
-namespace orlo::joblog {
+namespace orlo {
 
-inline void info(const std::wstring& message)
+/// The words for the exception that is being handled; never empty.
+inline std::wstring wordsOfCaught()
 {
-    ILogManager::Get()->LogInfo(L"[ORLOSDK]" + message);
+    utils::Caught caught = utils::caught();
+    return caught.text.empty() ? utils::Caught().text : std::move(caught.text);
 }
 
-inline void warning(const std::wstring& message)
-{
-    ILogManager::Get()->LogWarning(L"[ORLOSDK]" + message);
-}
-
-inline void error(const std::wstring& message)
-{
-    ILogManager::Get()->LogError(L"[ORLOSDK]" + message);
-}
-
-/// Never empty.
-inline std::wstring textOf(const std::exception& thrown)
-{
-    std::wstring text = utils::toWstringTrimTrailingCarriageReturn(thrown.what());
-    return text.empty() ? L"unknown exception" : text;
-}
-
-/// The words for the exception that is being handled.
-inline std::wstring currentException()
-{
-    try {
-        throw;
-    }
-    catch (const std::exception& thrown) {
-        return textOf(thrown);
-    }
-    catch (...) {
-        return L"unknown exception";
-    }
-}
-
-} // namespace orlo::joblog
+} // namespace orlo

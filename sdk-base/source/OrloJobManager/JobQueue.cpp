@@ -3,6 +3,8 @@
 #include "JobLog.h"
 #include "JobRun.h"
 
+#include <BaseCommon/Text.h>
+
 #include <typeinfo>
 #include <utility>
 
@@ -29,7 +31,7 @@ bool isCanRun(IJobEntity& job, const std::string& id, const IJobEntity::List& ru
         return job.IsCanRun(running, others);
     }
     catch (...) {
-        joblog::error(L"job " + utils::toWstring(id) + L" can't say whether it may run: " + joblog::currentException());
+        log::error(L"job " + utils::toWstring(id) + L" can't say whether it may run: " + wordsOfCaught());
         return false;
     }
 }

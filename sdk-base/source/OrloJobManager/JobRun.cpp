@@ -32,7 +32,7 @@ void JobRuns::breakOff()
 {
     std::vector<std::shared_ptr<Interruption>> runs;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_areBrokenOff = true;
         for (const JobRun* const run : m_runs) {
             if (run != JobRun::current())
@@ -47,7 +47,7 @@ void JobRuns::breakOff()
 // With the lock: no run may begin between the two, and take the one session for the other.
 void JobRuns::changeSession(const std::shared_ptr<UserSession>& next, const std::function<void()>& replace)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     const std::string account = accountOf(next);
     for (const JobRun* const run : m_runs) {
         if (run->m_account != account)
@@ -58,7 +58,7 @@ void JobRuns::changeSession(const std::shared_ptr<UserSession>& next, const std:
 
 void JobRuns::add(JobRun& run)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     run.m_session = UserSession::GetInstance();
     run.m_account = accountOf(run.m_session);
     m_runs.push_back(&run);
@@ -68,7 +68,7 @@ void JobRuns::add(JobRun& run)
 
 void JobRuns::drop(const JobRun& run)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_runs.erase(std::find(m_runs.begin(), m_runs.end(), &run));
 }
 

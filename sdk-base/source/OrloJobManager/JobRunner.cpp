@@ -3,6 +3,7 @@
 #include "JobLog.h"
 #include "StrayCopies.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloJobManager/LocalDbJobEntity.h>
 
 #include <algorithm>
@@ -46,7 +47,7 @@ void setStatus(const Job& job, JobState state)
         job.entity->SetStatus(state);
     }
     catch (...) {
-        joblog::error(L"job " + utils::toWstring(job.id) + L" doesn't take its state: " + joblog::currentException());
+        log::error(L"job " + utils::toWstring(job.id) + L" doesn't take its state: " + wordsOfCaught());
     }
 }
 
@@ -62,9 +63,9 @@ bool JobRunner::start()
     JobStore::setManagers(m_store);
     const bool isClaimed = claim();
     if (!isClaimed && m_claim.wasTaken())
-        joblog::info(L"another process runs the jobs of " + m_store->path());
+        log::info(L"another process runs the jobs of " + m_store->path());
     else if (!isClaimed)
-        joblog::error(L"nobody can run the jobs, since their lock can't be opened: " + lockOf(*m_store));
+        log::error(L"nobody can run the jobs, since their lock can't be opened: " + lockOf(*m_store));
     if ((isClaimed || m_claim.wasTaken()) && startThreads())
         return true;
     stop();
@@ -81,7 +82,7 @@ bool JobRunner::startThreads()
     if (isStarted && m_events.isUsed())
         isStarted = m_teller.start([self = shared_from_this()] { self->m_events.run(); });
     if (!isStarted)
-        joblog::error(L"the system has no threads for the jobs");
+        log::error(L"the system has no threads for the jobs");
     return isStarted;
 }
 
@@ -95,7 +96,7 @@ bool JobRunner::stop()
     m_events.close();
     const bool isAllTold = m_teller.endBy(std::max(end, Clock::now() + leastPatience));
     if (!isAllTold)
-        joblog::warning(L"the callback for job events outlasts the stop of the job manager");
+        log::warning(L"the callback for job events outlasts the stop of the job manager");
     JobStore::setManagers(nullptr);
     m_store->expectHandovers(false);
     // Otherwise the last of the threads gives the jobs free.
@@ -113,9 +114,9 @@ bool JobRunner::endJobs(BoundedThreads::Clock::time_point end)
         return true;
     m_runs.breakOff();
     if (m_workers.awaitBy(BoundedThreads::Clock::now() + patienceWithBrokenOff))
-        joblog::warning(L"jobs were cut off by the stop of the job manager; the next start runs them again");
+        log::warning(L"jobs were cut off by the stop of the job manager; the next start runs them again");
     else
-        joblog::warning(L"jobs outlast the stop of the job manager; their rows stay until they end");
+        log::warning(L"jobs outlast the stop of the job manager; their rows stay until they end");
     return false;
 }
 
@@ -149,16 +150,16 @@ void JobRunner::abandon()
 void JobRunner::add(std::shared_ptr<IJobEntity> entity)
 {
     const Job job{entity->JobId(), entity->GetCreateTime(), entity, accountOf(*entity)};
-    const std::lock_guard<std::mutex> lock(m_addMutex);
+    const std::lock_guard lock(m_addMutex);
     m_store->handedOver(job.id);
     if (m_board.isStopped())
-        joblog::warning(L"the job manager is stopped; the row of job " + utils::toWstring(job.id) + L" stays for its next start");
+        log::warning(L"the job manager is stopped; the row of job " + utils::toWstring(job.id) + L" stays for its next start");
     else if (!m_runsJobs)
-        joblog::info(L"another process runs the jobs; it finds the row of job " + utils::toWstring(job.id));
+        log::info(L"another process runs the jobs; it finds the row of job " + utils::toWstring(job.id));
     else if (m_board.knows(job.id))
-        joblog::warning(L"job " + utils::toWstring(job.id) + L" was added before");
+        log::warning(L"job " + utils::toWstring(job.id) + L" was added before");
     else if (hasRunAlready(job))
-        joblog::info(L"job " + utils::toWstring(job.id) + L" was found by its row and has run already");
+        log::info(L"job " + utils::toWstring(job.id) + L" was found by its row and has run already");
     else
         addKnown(job);
 }
@@ -222,8 +223,8 @@ JobRunner::Outcome JobRunner::outcomeOf(const Job& job)
         return {job.entity->Run() ? JobState::Succeeded : JobState::Failed, {}};
     }
     catch (...) {
-        const std::wstring words = joblog::currentException();
-        joblog::error(L"job " + utils::toWstring(job.id) + L" ended with an exception: " + words);
+        const std::wstring words = wordsOfCaught();
+        log::error(L"job " + utils::toWstring(job.id) + L" ended with an exception: " + words);
         return {JobState::Failed, ErrorCode(error::exception, std::make_shared<GenericError>(words))};
     }
 }
@@ -233,7 +234,7 @@ void JobRunner::dropRow(const Job& job)
 {
     if (m_store->erase(job.id))
         return;
-    const std::lock_guard<std::mutex> lock(m_addMutex);
+    const std::lock_guard lock(m_addMutex);
     m_spent.insert(job.id);
 }
 
@@ -245,7 +246,7 @@ void JobRunner::watch()
         if (m_runsJobs)
             lookForRows();
         else if (claim())
-            joblog::info(L"this process runs the jobs from now on: " + m_store->path());
+            log::info(L"this process runs the jobs from now on: " + m_store->path());
     }
 }
 
@@ -255,7 +256,7 @@ bool JobRunner::claim()
     if (!m_claim.acquire(lockOf(*m_store), 0))
         return false;
     {
-        const std::lock_guard<std::mutex> lock(m_addMutex);
+        const std::lock_guard lock(m_addMutex);
         m_runsJobs = true;
     }
     lookForRows();
@@ -299,14 +300,14 @@ void JobRunner::load(const JobRow& row)
     const std::shared_ptr<IJobEntity> entity = entityOf(row);
     if (!entity)
         return;
-    const std::lock_guard<std::mutex> lock(m_addMutex);
+    const std::lock_guard lock(m_addMutex);
     if (!m_board.knows(row.id) && !m_board.isStopped())
         addKnown({row.id, row.createTime, entity, row.account});
 }
 
 bool JobRunner::isExpectedElsewhere(const std::string& id)
 {
-    const std::lock_guard<std::mutex> lock(m_addMutex);
+    const std::lock_guard lock(m_addMutex);
     return m_board.knows(id) || m_spent.count(id) != 0 || m_store->awaitsHandover(id);
 }
 
@@ -327,7 +328,7 @@ std::shared_ptr<IJobEntity> JobRunner::entityOf(const JobRow& row)
         return entity;
     }
     catch (...) {
-        keepRow(row, joblog::currentException().c_str());
+        keepRow(row, wordsOfCaught().c_str());
         return nullptr;
     }
 }
@@ -335,20 +336,20 @@ std::shared_ptr<IJobEntity> JobRunner::entityOf(const JobRow& row)
 void JobRunner::keepRow(const JobRow& row, const wchar_t* reason)
 {
     m_kept.insert(row.id);
-    joblog::error(L"the row of job " + utils::toWstring(row.id) + L" is left alone: " + reason);
+    log::error(L"the row of job " + utils::toWstring(row.id) + L" is left alone: " + reason);
 }
 
 void JobRunner::dropSpentRows()
 {
     std::vector<std::string> spent;
     {
-        const std::lock_guard<std::mutex> lock(m_addMutex);
+        const std::lock_guard lock(m_addMutex);
         spent.assign(m_spent.begin(), m_spent.end());
     }
     for (const std::string& id : spent) {
         if (!m_store->erase(id))
             return;
-        const std::lock_guard<std::mutex> lock(m_addMutex);
+        const std::lock_guard lock(m_addMutex);
         m_spent.erase(id);
     }
 }

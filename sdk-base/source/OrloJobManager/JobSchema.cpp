@@ -1,5 +1,7 @@
 #include "JobSchema.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 #include <SQLiteCpp/Transaction.h>
 
 #include <stdexcept>
@@ -82,7 +84,7 @@ bool hasSchema(SQLite::Database& database, const std::vector<const char*>& steps
 
 const std::vector<const char*>& jobSchemaSteps()
 {
-    static const std::vector<const char*>& steps = *new std::vector<const char*>{firstSchema, accountColumn};
+    static const std::vector<const char*>& steps = utils::neverDestroyed(new std::vector<const char*>{firstSchema, accountColumn});
     return steps;
 }
 

@@ -6,7 +6,9 @@
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Platform.h>
+#include <BaseCommon/Text.h>
 
 #include <map>
 #include <stdexcept>
@@ -27,10 +29,9 @@ struct Stores
     std::shared_ptr<JobStore> latest;
 };
 
-// Never destroyed: jobs may still end while the process does.
 Stores& stores()
 {
-    static Stores& instance = *new Stores;
+    static Stores& instance = utils::neverDestroyed(new Stores);
     return instance;
 }
 
@@ -52,14 +53,14 @@ std::wstring number(std::size_t value)
 
 std::shared_ptr<JobStore> JobStore::at(const std::wstring& path)
 {
-    const std::lock_guard<std::mutex> lock(stores().mutex);
+    const std::lock_guard lock(stores().mutex);
     return storeAt(stores(), path);
 }
 
 std::shared_ptr<JobStore> JobStore::current()
 {
     Stores& known = stores();
-    const std::lock_guard<std::mutex> lock(known.mutex);
+    const std::lock_guard lock(known.mutex);
     if (known.managers)
         return known.managers;
     known.latest = storeAt(known, currentPath());
@@ -73,7 +74,7 @@ std::wstring JobStore::currentPath()
 
 void JobStore::setManagers(std::shared_ptr<JobStore> store)
 {
-    const std::lock_guard<std::mutex> lock(stores().mutex);
+    const std::lock_guard lock(stores().mutex);
     stores().managers = std::move(store);
     stores().latest.reset();
 }
@@ -85,14 +86,14 @@ bool JobStore::open()
 
 void JobStore::close()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_database.reset();
 }
 
 std::optional<std::string> JobStore::put(const JobRow& row)
 {
     {
-        const std::lock_guard<std::mutex> lock(m_handoverMutex);
+        const std::lock_guard lock(m_handoverMutex);
         if (m_expectsHandovers)
             m_awaited.insert(row.id);
     }
@@ -134,26 +135,26 @@ std::optional<JobStore::Mark> JobStore::mark()
     if (failure.empty())
         return mark;
     if (isNews)
-        joblog::error(L"the job database can't be looked at: " + failure + L", " + m_path);
+        log::error(L"the job database can't be looked at: " + failure + L", " + m_path);
     return std::nullopt;
 }
 
 void JobStore::expectHandovers(bool expected)
 {
-    const std::lock_guard<std::mutex> lock(m_handoverMutex);
+    const std::lock_guard lock(m_handoverMutex);
     m_expectsHandovers = expected;
     m_awaited.clear();
 }
 
 void JobStore::handedOver(const std::string& id)
 {
-    const std::lock_guard<std::mutex> lock(m_handoverMutex);
+    const std::lock_guard lock(m_handoverMutex);
     m_awaited.erase(id);
 }
 
 bool JobStore::awaitsHandover(const std::string& id) const
 {
-    const std::lock_guard<std::mutex> lock(m_handoverMutex);
+    const std::lock_guard lock(m_handoverMutex);
     return m_awaited.count(id) != 0;
 }
 
@@ -161,7 +162,7 @@ bool JobStore::attempt(const wchar_t* what, const Work& work)
 {
     const std::wstring failure = tryTo(work);
     if (!failure.empty())
-        joblog::error(std::wstring(L"the job database ") + what + L": " + failure + L", " + m_path);
+        log::error(std::wstring(L"the job database ") + what + L": " + failure + L", " + m_path);
     return failure.empty();
 }
 
@@ -171,17 +172,17 @@ std::wstring JobStore::tryTo(const Work& work)
     std::wstring failure;
     std::vector<std::wstring> lines;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         try {
             run(work);
         }
         catch (...) {
-            failure = joblog::currentException();
+            failure = wordsOfCaught();
         }
         lines.swap(m_lines);
     }
     for (const std::wstring& line : lines)
-        joblog::error(line);
+        log::error(line);
     return failure;
 }
 
@@ -227,10 +228,10 @@ void JobStore::reopen()
             throw DamagedDatabase("it is empty");
         m_database.emplace(m_path);
     }
-    catch (const DamagedDatabase& thrown) {
+    catch (const DamagedDatabase&) {
         if (!isAlone)
             throw;
-        replace(joblog::textOf(thrown));
+        replace(wordsOfCaught());
         m_database.emplace(m_path);
     }
     ++m_opened;

@@ -19,9 +19,9 @@ JobRow rowOf(const LocalDbJobEntity& job)
     return row;
 }
 
-bool failed(const char* function, int line)
+bool failed(const CallSite& site)
 {
-    ILogManager::Get()->LogErrorAt(__FILE__, line, function, joblog::currentException(), L"[ORLOSDK]");
+    log::errorAt(site, wordsOfCaught());
     return false;
 }
 
@@ -36,7 +36,7 @@ bool LocalDbJobEntity::remove()
         return (m_store ? m_store : JobStore::current())->erase(JobId());
     }
     catch (...) {
-        return failed("orlo::LocalDbJobEntity::remove", __LINE__);
+        return failed(ORLO_HERE("orlo::LocalDbJobEntity::remove"));
     }
 }
 
@@ -54,7 +54,7 @@ bool LocalDbJobEntity::save()
         return true;
     }
     catch (...) {
-        return failed("orlo::LocalDbJobEntity::save", __LINE__);
+        return failed(ORLO_HERE("orlo::LocalDbJobEntity::save"));
     }
 }
 

@@ -8,6 +8,7 @@
 #include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Platform.h>
+#include <BaseCommon/Text.h>
 
 #include <SQLiteCpp/Database.h>
 
@@ -70,7 +71,7 @@ void removeAll(const JobCopies& copies)
 {
     const auto removed = std::count_if(copies.begin(), copies.end(), [](const auto& copy) { return removeCopy(copy.second); });
     if (removed != 0)
-        joblog::info(L"private copies that no job names were removed: " + utils::toWstring(static_cast<long long>(removed)));
+        log::info(L"private copies that no job names were removed: " + utils::toWstring(static_cast<long long>(removed)));
 }
 
 } // namespace
@@ -87,12 +88,12 @@ try {
     if (!dropNamedByRows(store, copies) || copies.empty())
         return;
     if (hasOneSetAside(store.path()) || !hasHeldJobs(store.path()))
-        joblog::warning(L"private copies that no job names stay, since a database that was lost may name them: " + folder);
+        log::warning(L"private copies that no job names stay, since a database that was lost may name them: " + folder);
     else
         removeAll(copies);
 }
 catch (...) {
-    joblog::error(L"stray copies can't be looked for: " + joblog::currentException());
+    log::error(L"stray copies can't be looked for: " + wordsOfCaught());
 }
 
 } // namespace orlo

@@ -153,7 +153,7 @@ void DefaultLogManager::write(int level, const std::wstring& message)
 std::shared_ptr<spdlog::logger> DefaultLogManager::loggerForNow()
 {
     const std::wstring folder = utils::getLogPath();
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     if (!m_logger || folder != m_folder || (!m_hasFile && Clock::now() >= m_retryAt))
         open(folder);
     return m_logger;

@@ -1,5 +1,6 @@
 #include "DefaultLogManager.h"
 
+#include <BaseCommon/NeverDestroyed.h>
 #include <OrloLogging/ILogManager.h>
 #include <OrloLogging/Redaction.h>
 #include <OrloLogging/SecretGuard.h>
@@ -20,14 +21,14 @@ struct Installed
 // This, the default logger and the facade are never destroyed: lines are written until the process is gone.
 Installed& installed()
 {
-    static Installed* const instance = new Installed;
-    return *instance;
+    static Installed& instance = utils::neverDestroyed(new Installed);
+    return instance;
 }
 
 ILogManager& defaultLogger()
 {
-    static ILogManager* const instance = new DefaultLogManager;
-    return *instance;
+    static ILogManager& instance = utils::neverDestroyed(new DefaultLogManager);
+    return instance;
 }
 
 std::wstring clean(const std::wstring& message)
@@ -60,12 +61,12 @@ public:
 private:
     static std::shared_ptr<ILogManager> current()
     {
-        const std::lock_guard<std::mutex> lock(installed().mutex);
+        const std::lock_guard lock(installed().mutex);
         return installed().logger;
     }
 
     // A line is never worth a failure of what it tells about.
-    template <typename Write>
+    template <class Write>
     static void forward(const Write& write) noexcept
     {
         try {
@@ -84,8 +85,8 @@ ILogManager::~ILogManager() = default;
 
 ILogManager* ILogManager::Get() noexcept
 {
-    static ILogManager* const facade = new Facade;
-    return facade;
+    static ILogManager& facade = utils::neverDestroyed(new Facade);
+    return &facade;
 }
 
 void ILogManager::Install(std::shared_ptr<ILogManager> logger)
@@ -94,7 +95,7 @@ void ILogManager::Install(std::shared_ptr<ILogManager> logger)
     if (logger.get() == Get())
         return;
     {
-        const std::lock_guard<std::mutex> lock(installed().mutex);
+        const std::lock_guard lock(installed().mutex);
         installed().logger.swap(logger);
     }
     // The old logger goes outside the lock: its destructor may log.

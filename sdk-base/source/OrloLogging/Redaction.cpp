@@ -156,7 +156,7 @@ private:
     }
 
     // The end of a value of one word, or of two where the first only says what kind of credential the second is.
-    template <typename BehindWord>
+    template <class BehindWord>
     std::size_t behindScheme(std::size_t begin, BehindWord behindOne) const
     {
         const std::size_t end = behindOne(begin);

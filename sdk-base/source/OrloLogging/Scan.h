@@ -18,7 +18,7 @@ public:
 
     explicit Scan(std::wstring_view text) : m_text(text) {}
 
-    template <typename Stop>
+    template <class Stop>
     std::size_t forward(std::size_t from, Stop stop) const
     {
         while (from < m_text.size() && !stop(m_text[from]))
@@ -66,11 +66,11 @@ public:
     }
 
     // Escaped characters may stand in the word, and end it like others.
-    template <typename Ends>
-    std::size_t behindWord(std::size_t from, Ends ends) const
+    template <class IsEnd>
+    std::size_t behindWord(std::size_t from, IsEnd isEnd) const
     {
         while (from < m_text.size()) {
-            const std::size_t next = m_text[from] == L'\\' ? behindEscaped(from, ends) : ends(m_text[from]) ? from : from + 1;
+            const std::size_t next = m_text[from] == L'\\' ? behindEscaped(from, isEnd) : isEnd(m_text[from]) ? from : from + 1;
             if (next == from)
                 break;
             from = next;
@@ -78,8 +78,8 @@ public:
         return from;
     }
 
-    template <typename Ends>
-    std::size_t behindEscaped(std::size_t from, Ends ends) const
+    template <class IsEnd>
+    std::size_t behindEscaped(std::size_t from, IsEnd isEnd) const
     {
         const std::size_t letter = forward(from, [](wchar_t c) { return c != L'\\'; });
         const std::size_t end = letter < m_text.size() && m_text[letter] == L'u' ? letter + 5 : letter + 1;
@@ -87,7 +87,7 @@ public:
         if (!written || end > m_text.size())
             return from;
         const std::wstring plain = PlainForm(m_text.substr(from, end - from)).text();
-        return plain.size() == 1 && !ends(plain[0]) ? end : from;
+        return plain.size() == 1 && !isEnd(plain[0]) ? end : from;
     }
 
     // The quote that closes a string opened by that one behind so many backslashes. A text cut short ends the string too.

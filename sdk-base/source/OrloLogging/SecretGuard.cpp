@@ -1,3 +1,4 @@
+#include <BaseCommon/NeverDestroyed.h>
 #include <OrloLogging/SecretGuard.h>
 
 #include <algorithm>
@@ -15,11 +16,10 @@ struct State
     std::vector<std::wstring> secrets; // the latest first
 };
 
-// Never destroyed: lines are written until the process is gone.
 State& state()
 {
-    static State* const instance = new State;
-    return *instance;
+    static State& instance = utils::neverDestroyed(new State);
+    return instance;
 }
 
 } // namespace
@@ -28,7 +28,7 @@ void SecretGuard::protect(const std::wstring& secret)
 {
     if (secret.empty())
         return;
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     auto& secrets = state().secrets;
     secrets.erase(std::remove(secrets.begin(), secrets.end(), secret), secrets.end());
     secrets.insert(secrets.begin(), secret);
@@ -38,7 +38,7 @@ void SecretGuard::protect(const std::wstring& secret)
 
 std::vector<std::wstring> SecretGuard::secrets()
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     return state().secrets;
 }
 

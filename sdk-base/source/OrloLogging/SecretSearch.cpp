@@ -70,7 +70,7 @@ std::vector<SecretSearch::Span> SecretSearch::spansIn(std::wstring_view text) co
     return apart;
 }
 
-template <typename Found>
+template <class Found>
 void SecretSearch::forEachFound(std::wstring_view text, Found found) const
 {
     if (m_searched == 0)

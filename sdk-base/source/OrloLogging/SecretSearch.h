@@ -31,7 +31,7 @@ private:
     };
 
     std::size_t longestAt(std::wstring_view text, std::size_t at) const;
-    template <typename Found>
+    template <class Found>
     void forEachFound(std::wstring_view text, Found found) const;
     std::vector<Span> spansIn(std::wstring_view text) const;
 

@@ -1,3 +1,4 @@
+#include <BaseCommon/NeverDestroyed.h>
 #include <OrloLogging/TimeCostingHelper.h>
 
 #include <map>
@@ -22,24 +23,23 @@ struct State
     std::map<std::string, Watch> watches;
 };
 
-// Never destroyed: transfers may still end while the process does.
 State& state()
 {
-    static State* const instance = new State;
-    return *instance;
+    static State& instance = utils::neverDestroyed(new State);
+    return instance;
 }
 
 } // namespace
 
 TimeCostingHelper* TimeCostingHelper::instance() noexcept
 {
-    static TimeCostingHelper* const helper = new TimeCostingHelper;
-    return helper;
+    static TimeCostingHelper& helper = utils::neverDestroyed(new TimeCostingHelper);
+    return &helper;
 }
 
 void TimeCostingHelper::begin(const std::string& label)
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     Watch& watch = state().watches[label];
     watch.start = Clock::now();
     watch.running = true;
@@ -48,7 +48,7 @@ void TimeCostingHelper::begin(const std::string& label)
 void TimeCostingHelper::end(const std::string& label)
 {
     // The clock is read under the lock, so that another thread's later begin can't make the time negative.
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     const auto found = state().watches.find(label);
     if (found == state().watches.end() || !found->second.running)
         return;
@@ -58,7 +58,7 @@ void TimeCostingHelper::end(const std::string& label)
 
 std::chrono::nanoseconds TimeCostingHelper::getDelta(const std::string& label) const
 {
-    const std::lock_guard<std::mutex> lock(state().mutex);
+    const std::lock_guard lock(state().mutex);
     const auto found = state().watches.find(label);
     return found == state().watches.end() ? std::chrono::nanoseconds::zero() : found->second.delta;
 }

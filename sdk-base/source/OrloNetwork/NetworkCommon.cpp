@@ -1,13 +1,11 @@
 #include "NetworkCommon.h"
 
-#include "WebRequest.h"
+#include "Retry/TransportCode.h"
 
+#include <BaseCommon/Caught.h>
 #include <BaseCommon/ErrorInfoManager.h>
 #include <BaseCommon/Interruption.h>
-#include <BaseCommon/Text.h>
-#include <OrloLogging/ILogManager.h>
-
-#include <cpprest/http_msg.h>
+#include <OrloLogging/Log.h>
 
 #include <atomic>
 #include <chrono>
@@ -17,39 +15,29 @@ namespace orlo::http {
 
 namespace {
 
-// No std::wstring: a call on another thread may still log while the statics of the process go.
-constexpr const wchar_t* tag = L"[ORLOSDK]";
-
 std::atomic<unsigned> retryLimit{RetryPolicy{}.limit};
 std::atomic<unsigned> retryInterval{RetryPolicy{}.intervalSeconds};
 
-void logCaught(int line, const std::wstring& message)
+void logCaught(const CallSite& site, const std::wstring& message)
 {
-    ILogManager::Get()->LogErrorAt(__FILE__, line, "orlo::http::SendNormalRequestWithRetry",
-                                   L"OrloNetworkRetry::SendNormalRequestWithRetry - " + message, tag);
-}
-
-void assignCaught(ErrorCode& errorCode, const char* what, int code)
-{
-    const std::wstring text = utils::toWstringTrimTrailingCarriageReturn(what);
-    errorCode.Assign(error::exception, std::make_shared<HttpError>(L"generic exception", text, code, 0));
-    logCaught(__LINE__, L"A generic exception caught: message[" + text + L"]");
+    log::errorAt(site, L"OrloNetworkRetry::SendNormalRequestWithRetry - " + message);
 }
 
 void attemptOnce(ErrorCode& errorCode, const std::function<void()>& attempt)
 {
+    constexpr const char* function = "orlo::http::SendNormalRequestWithRetry";
     try {
         attempt();
     }
-    catch (const web::http::http_exception& e) {
-        assignCaught(errorCode, e.what(), e.error_code().value());
-    }
-    catch (const std::exception& e) {
-        assignCaught(errorCode, e.what(), 5555);
-    }
     catch (...) {
-        errorCode.Assign(error::exception, std::make_shared<HttpError>(L"unknown exception", L"", 5556, 0));
-        logCaught(__LINE__, L"unknown exception occurred");
+        const utils::Caught caught = utils::caught();
+        if (caught.isUnknown()) {
+            errorCode.Assign(error::exception, std::make_shared<HttpError>(L"unknown exception", L"", caught.code, 0));
+            return logCaught(ORLO_HERE(function), L"unknown exception occurred");
+        }
+        const int code = transportCodeOfCaught().value_or(caught.code);
+        errorCode.Assign(error::exception, std::make_shared<HttpError>(L"generic exception", caught.text, code, 0));
+        logCaught(ORLO_HERE(function), L"A generic exception caught: message[" + caught.text + L"]");
     }
 }
 
@@ -64,7 +52,7 @@ bool pause(std::chrono::seconds length)
 
 void reportExhausted()
 {
-    ILogManager::Get()->LogError(L"[ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - max retry attempts exceeded");
+    log::error(L"OrloNetworkRetry::SendNormalRequestWithRetry - max retry attempts exceeded");
     OrloErrorInfoManager::getInstance().SetLastError(L"Connection is not available with response code: 500", ErrorType::connection);
 }
 
@@ -131,8 +119,7 @@ void attemptWithRetry(ErrorCode& errorCode, const std::function<void()>& attempt
         if (!failure || repeated == limit || !CalculateIsNeedRetryRequest(failure.get(), errorCode))
             break;
         ++repeated;
-        ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[" +
-                                       std::to_wstring(repeated) + L"]");
+        log::warning(L"OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[" + std::to_wstring(repeated) + L"]");
         if (!pause(interval))
             break;
     }

@@ -9,6 +9,7 @@
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/NativeText.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
 #include <OrloAuth/UserSession.h>
 #include <OrloCommon/OrloConfigManager.h>
@@ -37,7 +38,7 @@ void takeProxy(const std::wstring& proxy, http::Route& route)
     const web::uri address(utils::toNative(proxy));
     route.proxy = utils::fromNativeToUtf8(web::uri_builder(address).set_user_info(utility::string_t()).to_uri().to_string());
     const std::string user = utils::fromNativeToUtf8(address.user_info());
-    const size_t colon = std::min(user.find(':'), user.size());
+    const std::size_t colon = std::min(user.find(':'), user.size());
     const auto decoded = [](const std::string& text) { return utils::fromNativeToUtf8(web::uri::decode(utils::toNative(text))); };
     route.proxyUser = decoded(user.substr(0, colon));
     route.proxyPassword = decoded(user.substr(std::min(colon + 1, user.size())));
@@ -149,11 +150,11 @@ http_response SendAndWait(http_client& client, const http_request& request)
     return response;
 }
 
-http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode, size_t limit)
+http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode, std::size_t limit)
 {
     const auto body = std::make_shared<std::string>();
     request->set_response_stream(http::SinkBuffer::stream(
-        [body, limit](const uint8_t* bytes, size_t count) {
+        [body, limit](const uint8_t* bytes, std::size_t count) {
             if (count > limit - body->size())
                 throw std::length_error("the answer is too large");
             body->append(reinterpret_cast<const char*>(bytes), count);
@@ -172,7 +173,7 @@ std::string ReadBody(const http_response& response)
 {
     concurrency::streams::istream stream = response.body();
     uint8_t* bytes = nullptr;
-    size_t count = 0;
+    std::size_t count = 0;
     if (!stream.is_valid() || !stream.streambuf().acquire(bytes, count) || !bytes)
         return {};
     std::string body(reinterpret_cast<const char*>(bytes), count);
@@ -207,13 +208,13 @@ std::wstring TextOf(const http_response& response, const std::string& body)
 
 bool IsMarkedSuccess(const web::json::value& envelope)
 {
-    static const utility::string_t& code = *new utility::string_t(utils::toNative(std::string("code")));
+    static const utility::string_t& code = utils::neverDestroyed(new utility::string_t(utils::toNative(std::string("code"))));
     return envelope.has_integer_field(code) && envelope.at(code).as_number().to_int64() == 10000;
 }
 
 bool ExtractSuccData(const http_response& response, web::json::value& data)
 {
-    static const utility::string_t& dataKey = *new utility::string_t(utils::toNative(std::string("data")));
+    static const utility::string_t& dataKey = utils::neverDestroyed(new utility::string_t(utils::toNative(std::string("data"))));
     if (response.status_code() != web::http::status_codes::OK)
         return false;
     web::json::value envelope = ReadJson(response);

@@ -36,7 +36,7 @@ enum class Traffic {
 };
 
 /// Of an answer that tells an error no more is kept; the rest isn't read.
-constexpr size_t largestErrorBody = size_t{1} << 20;
+constexpr std::size_t largestErrorBody = std::size_t{1} << 20;
 
 /// A client for one request. It follows no redirects, which would carry the access token to another host, verifies
 /// certificates always, and uses the proxy and the certificate file of the configuration. The time-out of the config is how long a request
@@ -58,14 +58,14 @@ ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const we
 ORLO_NETWORK_API web::http::http_response SendAndWait(web::http::client::http_client& client, const web::http::http_request& request);
 
 /// No answer of the REST services comes near this; beyond it an answer is taken for an attack on the memory.
-constexpr size_t largestAnswer = size_t{128} << 20;
+constexpr std::size_t largestAnswer = std::size_t{128} << 20;
 
 /// Sends the request on this thread and waits for the whole answer, body included. A status of 400 or above leaves an HttpError with
 /// the answer's body as its message in `errorCode`; other statuses leave `errorCode` alone. Throws on a transport failure,
 /// and std::length_error for a body of more than `limit` bytes, of which no more than those are read into memory.
 ORLO_NETWORK_API web::http::http_response ExecuteRequest(web::http::client::http_client& client,
                                                          const std::shared_ptr<web::http::http_request>& request, ErrorCode& errorCode,
-                                                         size_t limit = largestAnswer);
+                                                         std::size_t limit = largestAnswer);
 
 /// The bytes of an answer that ExecuteRequest returned.
 ORLO_NETWORK_API std::string ReadBody(const web::http::http_response& response);

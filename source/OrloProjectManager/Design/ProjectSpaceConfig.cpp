@@ -1,22 +1,20 @@
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Design/ConfigWeb.h"
 #include "../Projects/Project.h"
 #include "SpaceConfig.h"
 
 #include <BaseCommon/NativeText.h>
-#include <OrloNetwork/NetworkCommon.h>
 
 namespace orlo {
-
-using http::SendNormalRequestWithRetry;
 
 bool Project::GetSpaceConfig(int version, std::wstring& configText, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetSpaceConfig")).run(error, [&] {
-        web::json::value answer;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetSpaceConfig, false, error, answer, m_id, version))
+        const auto answer = fetched(&OrloWebService::GetSpaceConfig, error, m_id, version);
+        if (!answer)
             return false;
-        configText = utils::fromNative(answer.serialize());
+        configText = utils::fromNative(answer->serialize());
         return true;
     });
 }
@@ -24,10 +22,10 @@ bool Project::GetSpaceConfig(int version, std::wstring& configText, ErrorCode& e
 std::shared_ptr<ISpaceConfig> Project::GetSpaceConfig(int version, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetSpaceConfig")).run(error, [&]() -> std::shared_ptr<ISpaceConfig> {
-        web::json::value answer;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetSpaceConfig, false, error, answer, m_id, version))
+        const auto answer = fetched(&OrloWebService::GetSpaceConfig, error, m_id, version);
+        if (!answer)
             return nullptr;
-        return parseSpaceConfig(answer);
+        return parseSpaceConfig(*answer);
     });
 }
 
@@ -35,7 +33,7 @@ std::vector<int> Project::GetSpaceConfigVersions(ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetSpaceConfigVersions")).run(error, [&] {
         std::vector<int> versions;
-        SendNormalRequestWithRetry(&OrloWebService::GetSpaceConfigVersions, false, error, versions, m_id);
+        retried(&OrloWebService::GetSpaceConfigVersions, error, versions, m_id);
         return versions;
     });
 }

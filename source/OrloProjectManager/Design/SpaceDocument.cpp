@@ -39,7 +39,7 @@ private:
     struct OpenNode
     {
         const ISpaceConfigItem* node;
-        size_t nextChild;
+        std::size_t nextChild;
     };
 
     void writeTree(const ISpaceConfigItem* root)

@@ -1,12 +1,11 @@
 #include "JobCopy.h"
 
-#include "../Log.h"
-
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
+#include <OrloLogging/Log.h>
 
 #include <vector>
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "../Log.h"
-
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/Text.h>
+#include <OrloLogging/Log.h>
 
 #include <string>
 

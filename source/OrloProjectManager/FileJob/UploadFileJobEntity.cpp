@@ -3,6 +3,7 @@
 #include "../Transfer/CollaborationFileManager.h"
 #include "JobFields.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 
 namespace orlo {

@@ -4,6 +4,7 @@
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/IOrloEventManager.h>
+#include <BaseCommon/Text.h>
 
 namespace orlo {
 

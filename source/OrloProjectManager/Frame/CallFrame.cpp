@@ -1,8 +1,7 @@
 #include "CallFrame.h"
 
-#include <BaseCommon/Text.h>
-
-#include <cpprest/http_msg.h>
+#include <BaseCommon/Caught.h>
+#include <OrloNetwork/Retry/TransportCode.h>
 
 namespace orlo {
 
@@ -33,21 +32,13 @@ void CallFrame::caught(ErrorCode& error, Rungs rungs) const noexcept
 
 void CallFrame::report(ErrorCode& error, Rungs rungs) const
 {
-    try {
-        throw;
-    }
-    catch (const std::exception& e) {
-        const std::wstring text = utils::toWstringTrimTrailingCarriageReturn(e.what());
-        const auto* transport = dynamic_cast<const web::http::http_exception*>(&e);
-        if (transport && rungs == Rungs::withTransport)
-            return assign(error, L"generic exception", text, transport->error_code().value());
-        assign(error, L"HttpError", text, 5555);
-        log::errorAt(m_site, L"[END_API_IMPLEMENTATION][A generic exception caught] message[" + text + L"]");
-    }
-    catch (...) {
-        assign(error, L"HttpError", L"unknown exception", 5556);
-        log::errorAt(m_site, L"[END_API_IMPLEMENTATION]unknown exception occurred");
-    }
+    const utils::Caught caught = utils::caught();
+    const std::optional<int> transportCode = http::transportCodeOfCaught();
+    if (transportCode && rungs == Rungs::withTransport)
+        return assign(error, L"generic exception", caught.text, *transportCode);
+    assign(error, L"HttpError", caught.text, caught.code);
+    log::errorAt(m_site, caught.isUnknown() ? L"[END_API_IMPLEMENTATION]unknown exception occurred"
+                                            : L"[END_API_IMPLEMENTATION][A generic exception caught] message[" + caught.text + L"]");
 }
 
 } // namespace orlo

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "../Log.h"
-
 #include <BaseCommon/ErrorCode.h>
+#include <OrloLogging/Log.h>
 #include <OrloNetwork/Lifetime/Operation.h>
 
 #include <string>

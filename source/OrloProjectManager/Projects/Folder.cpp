@@ -1,9 +1,10 @@
 #include "Folder.h"
 
-#include "../Log.h"
 #include "../NetworkProject/Call/TextTable.h"
 #include "../Teams/CollaborationTeam.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+#include <OrloLogging/Log.h>
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
 
 #include <iterator>
@@ -16,8 +17,8 @@ namespace {
 
 int folderTypeOf(const std::wstring& text)
 {
-    static const auto& table = *new const TextTable<int>(
-        {{1, L"Process"}, {2, L"Published"}, {3, L"ProjectShare"}, {4, L"OtherFiles"}, {5, L"TeamRelated"}}, 0, Unknowns::join);
+    static const auto& table = utils::neverDestroyed(
+        new const TextTable<int>({{1, L"Process"}, {2, L"Published"}, {3, L"ProjectShare"}, {4, L"OtherFiles"}, {5, L"TeamRelated"}}, 0));
     return table.valueOf(text);
 }
 

@@ -1,8 +1,8 @@
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Projects/VersionWeb.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/Projects/IWorkUnit.h>
 
 namespace orlo {
@@ -10,8 +10,7 @@ namespace orlo {
 bool IWorkUnit::MarkPublish(const std::string& datasetId, int version, const std::wstring& description, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::IWorkUnit::MarkPublish")).run(error, [&] {
-        return http::SendNormalRequestWithRetry(&OrloWebService::MarkPublish, false, error, datasetId, utils::toWstring(version),
-                                                description);
+        return retried(&OrloWebService::MarkPublish, error, datasetId, utils::toWstring(version), description);
     });
 }
 

@@ -2,16 +2,15 @@
 
 #include "../Frame/CallFrame.h"
 #include "../Frame/DroppedError.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Projects/ProjectTexts.h"
 #include "../NetworkProject/Projects/ProjectWeb.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/NetworkCommon.h>
 
 namespace orlo {
 
 using http::ORLOHTTPPayloadProject;
-using http::SendNormalRequestWithRetry;
 
 ICollaborationProject::ICollaborationProject() = default;
 ICollaborationProject::~ICollaborationProject() = default;
@@ -22,12 +21,12 @@ ICollaborationFolder::~ICollaborationFolder() = default;
 std::shared_ptr<ICollaborationProject> ICollaborationProject::Load(const std::wstring& projectId, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::ICollaborationProject::Load")).run(error, [&]() -> std::shared_ptr<ICollaborationProject> {
-        ORLOHTTPPayloadProject record;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetProject, false, error, record, projectId))
+        auto record = fetched(&OrloWebService::GetProject, error, projectId);
+        if (!record)
             return nullptr;
-        record.id = projectId;
-        const auto properties = std::make_shared<const StandardProperties>(toStandardProperties(record.standardProperties));
-        const auto project = toProject(std::move(record));
+        record->id = projectId;
+        const auto properties = std::make_shared<const StandardProperties>(toStandardProperties(record->standardProperties));
+        const auto project = toProject(std::move(*record));
         project->setStandardProperties(properties);
         return project;
     });
@@ -60,10 +59,10 @@ bool Project::GetProjectStandardProperties(StandardProperties& out, ErrorCode& e
         // Two first calls at once both read, and the later store wins.
         auto properties = std::atomic_load(&m_standardProperties);
         if (!properties) {
-            http::ORLOHTTPPayloadProject record;
-            if (!SendNormalRequestWithRetry(&OrloWebService::GetProject, false, error, record, m_id))
+            const auto record = fetched(&OrloWebService::GetProject, error, m_id);
+            if (!record)
                 return false;
-            properties = std::make_shared<const StandardProperties>(toStandardProperties(record.standardProperties));
+            properties = std::make_shared<const StandardProperties>(toStandardProperties(record->standardProperties));
             std::atomic_store(&m_standardProperties, properties);
         }
         out = *properties;

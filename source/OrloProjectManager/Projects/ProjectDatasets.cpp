@@ -1,22 +1,22 @@
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Call/TextTable.h"
 #include "../NetworkProject/Projects/DatasetReaders.h"
 #include "../NetworkProject/Projects/DatasetWeb.h"
 #include "Project.h"
 
-#include <OrloNetwork/NetworkCommon.h>
+#include <BaseCommon/NeverDestroyed.h>
 
 namespace orlo {
 
 using http::ORLOHTTPPayloadDataset;
-using http::SendNormalRequestWithRetry;
 
 namespace {
 
 const TextTable<DatasetStatus>& datasetStatusTexts()
 {
-    static const auto& table = *new const TextTable<DatasetStatus>(
-        {{DatasetStatus::Draft, L"draft"}, {DatasetStatus::Committed, L"committed"}}, DatasetStatus::Draft);
+    static const auto& table = utils::neverDestroyed(new const TextTable<DatasetStatus>(
+        {{DatasetStatus::Draft, L"draft"}, {DatasetStatus::Committed, L"committed"}}, DatasetStatus::Draft));
     return table;
 }
 
@@ -34,9 +34,8 @@ ORLOHTTPPayloadDataset workunit(const std::wstring& name, const std::wstring& te
 
 DatasetInfo createDataset(const ORLOHTTPPayloadDataset& wanted, ErrorCode& error)
 {
-    ORLOHTTPPayloadDataset created;
-    if (SendNormalRequestWithRetry(&OrloWebService::CreateDataSet, false, error, created, wanted))
-        return toDatasetInfo(created);
+    if (const auto created = fetched(&OrloWebService::CreateDataSet, error, wanted))
+        return toDatasetInfo(*created);
     log::error(L"fail to create dataset!");
     return {};
 }
@@ -48,11 +47,10 @@ bool Project::GetDatasetBySatatus(DatasetStatus status, std::vector<DatasetInfo>
     return CallFrame(ORLO_HERE("orlo::Project::GetDatasetBySatatus")).run(error, [&] {
         if (!datasetStatusTexts().knows(status))
             return false;
-        std::vector<ORLOHTTPPayloadDataset> records;
-        const std::wstring text = datasetStatusTexts().textOf(status);
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetDatasetByStatus, false, error, records, m_id, text))
+        const auto records = fetched(&OrloWebService::GetDatasetByStatus, error, m_id, datasetStatusTexts().textOf(status));
+        if (!records)
             return false;
-        for (const ORLOHTTPPayloadDataset& record : records)
+        for (const ORLOHTTPPayloadDataset& record : *records)
             out.push_back(toDatasetInfo(record));
         return true;
     });

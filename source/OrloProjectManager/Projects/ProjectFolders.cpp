@@ -1,6 +1,7 @@
 // The folder tree of a project, its teams, specialties and permissions.
 
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Projects/FolderWeb.h"
 #include "../NetworkProject/Projects/PermissionWeb.h"
 #include "../NetworkProject/Projects/ProjectTexts.h"
@@ -9,7 +10,6 @@
 #include "Folder.h"
 #include "Project.h"
 
-#include <OrloNetwork/NetworkCommon.h>
 #include <OrloNetwork/WebRequest.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>
 
@@ -18,7 +18,6 @@
 namespace orlo {
 
 using http::ORLOHTTPPayloadFolder;
-using http::SendNormalRequestWithRetry;
 
 namespace {
 
@@ -54,10 +53,10 @@ Project::Folders Project::GetFolders(ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetFolders")).run(error, [&] {
         m_folders.clear();
-        std::vector<ORLOHTTPPayloadFolder> records;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetAllFoldersByProject, false, error, records, m_id))
+        auto records = fetched(&OrloWebService::GetAllFoldersByProject, error, m_id);
+        if (!records)
             return Folders();
-        FolderCreatorAlg creator(groupByParent(std::move(records)));
+        FolderCreatorAlg creator(groupByParent(std::move(*records)));
         for (const ORLOHTTPPayloadFolder& root : creator.takeRoots())
             m_folders.push_back(creator.createFolder(root));
         return m_folders;
@@ -74,14 +73,14 @@ bool Project::GetProjectFolders(Folders& out, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetProjectFolders")).run(error, [&] {
         m_projectFolders.clear();
-        ORLOHTTPPayloadFolder root;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetRootFolderOfProject, false, error, root, m_id))
+        const auto root = fetched(&OrloWebService::GetRootFolderOfProject, error, m_id);
+        if (!root)
             return false;
-        std::vector<ORLOHTTPPayloadFolder> records;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetSubFoldersOfParentFolder, false, error, records, root.id, true))
+        auto records = fetched(&OrloWebService::GetSubFoldersOfParentFolder, error, root->id, true);
+        if (!records)
             return false;
-        FolderCreatorAlg creator(groupByParent(std::move(records)));
-        m_projectFolders.push_back(creator.createFolder(root));
+        FolderCreatorAlg creator(groupByParent(std::move(*records)));
+        m_projectFolders.push_back(creator.createFolder(*root));
         out = m_projectFolders;
         return true;
     });
@@ -102,19 +101,19 @@ ICollaborationFolder* Project::GetTeamFolder(const std::wstring& teamId, int fol
 bool Project::GetTeams(std::vector<CollaborationTeamInfo>& out, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetTeams")).run(error, [&] {
-        return SendNormalRequestWithRetry(&OrloWebService::GetTeamsInProject, false, error, out, m_id);
+        return retried(&OrloWebService::GetTeamsInProject, error, out, m_id);
     });
 }
 
 bool Project::GetSpecialtyTypes(std::map<SpecialtyType, std::wstring>& out, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetSpecialtyTypes")).run(error, [&] {
-        std::vector<http::ORLOHTTPPayloadSpecialty> records;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetSpecialtiesInProject, false, error, records, m_id)) {
+        const auto records = fetched(&OrloWebService::GetSpecialtiesInProject, error, m_id);
+        if (!records) {
             log::error(L"fail to get specialties of project.");
             return false;
         }
-        for (const http::ORLOHTTPPayloadSpecialty& record : records)
+        for (const http::ORLOHTTPPayloadSpecialty& record : *records)
             out[specialtyTexts().valueOf(record.type)] = record.id;
         return true;
     });
@@ -123,7 +122,7 @@ bool Project::GetSpecialtyTypes(std::map<SpecialtyType, std::wstring>& out, Erro
 std::wstring Project::CreateSpecialty(SpecialtyType type, const std::wstring& name, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::CreateSpecialty")).run(error, [&] {
-        return SendNormalRequestWithRetry(&OrloWebService::CreateSpecialty, std::wstring(), error, m_id, textOf(type), name);
+        return retried(&OrloWebService::CreateSpecialty, error, m_id, textOf(type), name);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "ProjectManager.h"
 
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Design/ConfigWeb.h"
 #include "../NetworkProject/Projects/DatasetReaders.h"
 #include "../NetworkProject/Projects/DatasetWeb.h"
@@ -9,21 +10,20 @@
 #include "../NetworkProject/Projects/SpecialtyWeb.h"
 #include "Project.h"
 
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
-#include <OrloNetwork/NetworkCommon.h>
 
 #include <limits>
 
 namespace orlo {
 
 using http::ORLOHTTPPayloadProject;
-using http::SendNormalRequestWithRetry;
 using ProjectPtr = std::shared_ptr<ICollaborationProject>;
 
 namespace {
 
-void appendProjects(std::vector<ORLOHTTPPayloadProject>& records, ICollaborationProjectManager::Projects& projects)
+void appendProjects(std::vector<ORLOHTTPPayloadProject> records, ICollaborationProjectManager::Projects& projects)
 {
     projects.reserve(projects.size() + records.size());
     for (ORLOHTTPPayloadProject& record : records)
@@ -55,18 +55,18 @@ enum class DefaultSpaceConfig { add, omit };
 ProjectPtr createProject(const CallSite& site, const ORLOHTTPPayloadProject& wanted, DefaultSpaceConfig defaultSpaceConfig,
                          const std::wstring& announcement, ErrorCode& error)
 {
-    ORLOHTTPPayloadProject created;
-    if (!SendNormalRequestWithRetry(&OrloWebService::CreateProjectV2, false, error, created, wanted)) {
+    auto created = fetched(&OrloWebService::CreateProjectV2, error, wanted);
+    if (!created) {
         log::errorAt(site, L"fail to create project.");
         return nullptr;
     }
     if (defaultSpaceConfig == DefaultSpaceConfig::add) {
         // The project exists, so a failure here is told in the log and not in the caller's ErrorCode.
         ErrorCode ofConfig;
-        const bool added = SendNormalRequestWithRetry(&OrloWebService::AddDefaultSpaceConfig, false, ofConfig, created.id);
+        const bool added = retried(&OrloWebService::AddDefaultSpaceConfig, ofConfig, created->id);
         log::errorAt(site, announcement + (added ? L"成功" : L"失败"));
     }
-    return toProject(std::move(created));
+    return toProject(std::move(*created));
 }
 
 ORLOHTTPPayloadProject projectNamed(const std::wstring& name, ProjectStatus status)
@@ -92,8 +92,8 @@ ICollaborationProjectManager::~ICollaborationProjectManager() = default;
 
 ICollaborationProjectManager* ICollaborationProjectManager::Get()
 {
-    static auto* const manager = new ProjectManager; // never destroyed: operations go on until the process is gone
-    return manager;
+    static auto& manager = utils::neverDestroyed(new ProjectManager);
+    return &manager;
 }
 
 ProjectPtr ProjectManager::CreateProject(const std::wstring& name, ProjectStatus status, ErrorCode& error)
@@ -160,9 +160,8 @@ ProjectManager::Projects ProjectManager::listProjects(ProjectScenario scenario, 
 {
     return CallFrame(ORLO_HERE("orlo::ProjectManager::GetAllProjects")).run(error, [&] {
         Projects projects;
-        std::vector<ORLOHTTPPayloadProject> records;
-        if (SendNormalRequestWithRetry(&OrloWebService::GetAllProjects, false, error, records, textOf(scenario)))
-            appendProjects(records, projects);
+        if (auto records = fetched(&OrloWebService::GetAllProjects, error, textOf(scenario)))
+            appendProjects(std::move(*records), projects);
         return projects;
     });
 }
@@ -172,11 +171,10 @@ bool ProjectManager::GetProjectByStatus(ProjectStatus status, Projects& out, Err
     return CallFrame(ORLO_HERE("orlo::ProjectManager::GetProjectByStatus")).run(error, [&] {
         if (status == ProjectStatus::Unknown)
             return false;
-        std::vector<ORLOHTTPPayloadProject> records;
-        const std::wstring text = projectStatusTexts().textOf(status);
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetProjectsByStatus, false, error, records, text))
+        auto records = fetched(&OrloWebService::GetProjectsByStatus, error, projectStatusTexts().textOf(status));
+        if (!records)
             return false;
-        appendProjects(records, out);
+        appendProjects(std::move(*records), out);
         return true;
     });
 }
@@ -184,10 +182,10 @@ bool ProjectManager::GetProjectByStatus(ProjectStatus status, Projects& out, Err
 bool ProjectManager::GetSampleProjects(Projects& out, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::ProjectManager::GetSampleProjects")).run(error, [&] {
-        std::vector<ORLOHTTPPayloadProject> records;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetSampleProjects, false, error, records))
+        auto records = fetched(&OrloWebService::GetSampleProjects, error);
+        if (!records)
             return false;
-        appendProjects(records, out);
+        appendProjects(std::move(*records), out);
         return true;
     });
 }
@@ -208,7 +206,7 @@ std::vector<std::shared_ptr<DatasetInfo>> ProjectManager::GetDatasetInfosInFolde
 ProjectPtr ProjectManager::GetProjectByDatasetId(const std::string& datasetId, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::ProjectManager::GetProjectByDatasetId")).run(error, [&]() -> ProjectPtr {
-        const std::wstring projectId = SendNormalRequestWithRetry(&OrloWebService::getProjectIdByDataset, std::wstring(), error, datasetId);
+        const std::wstring projectId = retried(&OrloWebService::getProjectIdByDataset, error, datasetId);
         if (projectId.empty()) {
             log::error(L"Failed to get project id");
             return nullptr;
@@ -264,14 +262,14 @@ DatasetInfo ProjectManager::GetDatasetInfoByModelingId(const std::string& modeli
 bool ProjectManager::GetResourceStatus(ResourceStatus& out, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::ProjectManager::GetResourceStatus")).run(error, [&] {
-        std::pair<int, int> limits;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetResourceLimit, false, error, limits)) {
+        const auto limits = fetched(&OrloWebService::GetResourceLimit, error);
+        if (!limits) {
             log::error(L"OrloWebService::GetResourceLimit not success.");
             return false;
         }
         ResourceStatus status;
-        status.projectNumber = limits.first;
-        status.spaceSize = limits.second;
+        status.projectNumber = limits->first;
+        status.spaceSize = limits->second;
         const Projects owned = GetOwnerProjects();
         status.projectCount = static_cast<int>(owned.size());
         for (const ProjectPtr& project : owned)
@@ -289,8 +287,7 @@ ProjectPtr ProjectManager::GetProjectByModelingId(const std::string& modelingId,
             if (const auto known = projectsByModelingId.find(modelingId); known != projectsByModelingId.end())
                 return known->second;
         }
-        const std::wstring projectId =
-            SendNormalRequestWithRetry(&OrloWebService::getProjectIdByModelingId, std::wstring(), error, modelingId);
+        const std::wstring projectId = retried(&OrloWebService::getProjectIdByModelingId, error, modelingId);
         if (projectId.empty()) {
             log::error(L"Failed to get project id by modeling id :" + utils::toWstring(modelingId));
             return nullptr;

@@ -1,15 +1,13 @@
 #include "ProjectFont.h"
 
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Resources/FontWeb.h"
 #include "../Projects/Project.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/NetworkCommon.h>
 
 namespace orlo {
-
-using http::SendNormalRequestWithRetry;
 
 IProjectFont::IProjectFont() = default;
 IProjectFont::~IProjectFont() = default;
@@ -21,13 +19,13 @@ ProjectFont::ProjectFont(http::ORLOHTTPPayloadFontInfo record)
 std::wstring ProjectFont::GetFontDownloadUri(ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::ProjectFont::GetFontDownloadUri")).run(error, [&] {
-        http::ORLOHTTPPayloadFontUriAck ack;
         if (m_record.id.empty() || m_record.projectId.empty())
             return std::wstring();
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetFontDownloadUri, false, error, ack, m_record.id, m_record.projectId))
+        const auto ack = fetched(&OrloWebService::GetFontDownloadUri, error, m_record.id, m_record.projectId);
+        if (!ack)
             return std::wstring();
         log::info(L"ProjectFont::GetFontDownloadUri success");
-        return ack.fileUrlWithSAS;
+        return ack->fileUrlWithSAS;
     });
 }
 
@@ -35,10 +33,10 @@ bool Project::GetProjectFonts(std::vector<std::shared_ptr<IProjectFont>>& out, E
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetProjectFonts")).run(error, [&] {
         out.clear();
-        http::ORLOHTTPPayloadFontInfoAck ack;
-        if (!SendNormalRequestWithRetry(&OrloWebService::GetProjectFonts, false, error, ack, m_id))
+        auto ack = fetched(&OrloWebService::GetProjectFonts, error, m_id);
+        if (!ack)
             return false;
-        for (http::ORLOHTTPPayloadFontInfo& record : ack.fonts)
+        for (http::ORLOHTTPPayloadFontInfo& record : ack->fonts)
             out.push_back(std::make_shared<ProjectFont>(std::move(record)));
         return true;
     });

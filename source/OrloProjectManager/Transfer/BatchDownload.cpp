@@ -9,6 +9,7 @@
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/Retry/GenericRetryHandler.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
@@ -19,14 +20,14 @@ namespace orlo {
 
 namespace {
 
-constexpr size_t width = 6;
+constexpr std::size_t width = 6;
 constexpr const wchar_t* leavesTheCache = L"invalid seed which leaves the cache folder";
 
 /// Batches whose future stays pending. They are kept for good, so that no broken promise surfaces.
 void keepStalled(std::shared_ptr<DownloadBatchFilesHandler> batch)
 {
-    static std::mutex& mutex = *new std::mutex;
-    static auto& stalled = *new std::vector<std::shared_ptr<DownloadBatchFilesHandler>>;
+    static std::mutex& mutex = utils::neverDestroyed(new std::mutex);
+    static auto& stalled = utils::neverDestroyed(new std::vector<std::shared_ptr<DownloadBatchFilesHandler>>);
     const std::lock_guard lock(mutex);
     stalled.push_back(std::move(batch));
 }
@@ -82,8 +83,8 @@ void DownloadBatchFilesHandler::takeEntries(const std::wstring& body)
     if (!data || !data->is_array())
         return;
     for (const web::json::value& element : data->as_array())
-        m_entries.push_back({utils::Utf8ToUnicode(fieldText(element, L"datasetFilePath")),
-                             utils::Utf8ToUnicode(fieldText(element, L"datasetFilePathWithSAS"))});
+        m_entries.push_back(
+            {utils::toWstring(fieldText(element, L"datasetFilePath")), utils::toWstring(fieldText(element, L"datasetFilePathWithSAS"))});
     const std::lock_guard lock(m_mutex);
     m_authorityAcquired = true;
     m_total = m_entries.size();
@@ -93,13 +94,13 @@ void DownloadBatchFilesHandler::startFirst(OrloCallbackContext& context)
 {
     if (m_entries.empty())
         return stall(context);
-    const size_t count = std::min(m_entries.size(), width);
+    const std::size_t count = std::min(m_entries.size(), width);
     {
         // All of them are taken at once: a stream that ends while they start goes on behind them.
         const std::lock_guard lock(m_mutex);
         m_next = count;
     }
-    for (size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i)
         start(m_entries[i], context);
 }
 
@@ -118,7 +119,7 @@ void DownloadBatchFilesHandler::finishOne(OrloCallbackContext& context)
 
 void DownloadBatchFilesHandler::startNext(OrloCallbackContext& context)
 {
-    size_t index = 0;
+    std::size_t index = 0;
     {
         const std::lock_guard lock(m_mutex);
         index = m_next++;

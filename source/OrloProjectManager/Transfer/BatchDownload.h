@@ -44,9 +44,9 @@ private:
     void tellCaller(int status, const std::wstring& body, ErrorCode& error) const;
 
     std::mutex m_mutex; ///< guards the three counts and the flags
-    size_t m_total = 0;
-    size_t m_next = 0;
-    size_t m_finished = 0;
+    std::size_t m_total = 0;
+    std::size_t m_next = 0;
+    std::size_t m_finished = 0;
     bool m_authorityAcquired = false;
     bool m_badSeed = false;
     const std::string m_folder;

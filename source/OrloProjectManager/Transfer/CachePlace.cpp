@@ -7,8 +7,8 @@ namespace orlo {
 
 bool parse(const std::wstring& uri, DatasetUri& parsed)
 {
-    const size_t mark = uri.find(L"?f=");
-    const size_t separator = uri.find(utils::SeparatorChar());
+    const std::size_t mark = uri.find(L"?f=");
+    const std::size_t separator = uri.find(utils::SeparatorChar());
     if (mark == std::wstring::npos || separator == std::wstring::npos)
         return false;
     parsed.relative = uri.substr(0, mark);

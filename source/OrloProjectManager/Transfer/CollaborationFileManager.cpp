@@ -1,20 +1,20 @@
 #include "CollaborationFileManager.h"
 
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Projects/DatasetWeb.h"
 #include "../NetworkProject/Projects/VersionWeb.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/JsonWrapper.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 
 namespace orlo {
 
 using http::ORLOHTTPPayloadDataset;
 using http::ORLOHTTPPayloadDatasetVersion;
-using http::SendNormalRequestWithRetry;
 using FilePtr = std::shared_ptr<ICollaborationFile>;
 
 namespace {
@@ -41,19 +41,19 @@ using VersionFunction = bool (*)(ErrorCode&, ORLOHTTPPayloadDatasetVersion&, con
 /// The words say UploadFile for updates too.
 FilePtr createVersion(VersionFunction create, const ORLOHTTPPayloadDatasetVersion& data, ErrorCode& error)
 {
-    ORLOHTTPPayloadDatasetVersion version;
-    if (!SendNormalRequestWithRetry(create, false, error, version, data))
+    const auto version = fetched(create, error, data);
+    if (!version)
         return failed(L"CollaborationFileManager::UploadFile OrloWebService::CreateVersion error.");
-    return std::make_shared<CollaborationFile>(data.dataSetId, version);
+    return std::make_shared<CollaborationFile>(data.dataSetId, *version);
 }
 
 /// A dataset and its first version. A dataset whose version fails stays without one.
 FilePtr createDataset(VersionFunction create, const ORLOHTTPPayloadDataset& wanted, ORLOHTTPPayloadDatasetVersion data, ErrorCode& error)
 {
-    ORLOHTTPPayloadDataset created;
-    if (!SendNormalRequestWithRetry(&OrloWebService::CreateDataSet, false, error, created, wanted))
+    const auto created = fetched(&OrloWebService::CreateDataSet, error, wanted);
+    if (!created)
         return failed(L"CollaborationFileManager::UploadFile OrloWebService::CreateDataSet error.");
-    data.dataSetId = created.id;
+    data.dataSetId = created->id;
     return createVersion(create, data, error);
 }
 
@@ -93,8 +93,8 @@ ICollaborationFileManager::~ICollaborationFileManager() = default;
 
 ICollaborationFileManager* ICollaborationFileManager::Get()
 {
-    static auto* const manager = new CollaborationFileManager; // never destroyed: operations go on until the process is gone
-    return manager;
+    static auto& manager = utils::neverDestroyed(new CollaborationFileManager);
+    return &manager;
 }
 
 CollaborationFile::CollaborationFile(std::string datasetId, ORLOHTTPPayloadDatasetVersion version)

@@ -2,10 +2,10 @@
 
 #include "../NetworkProject/Call/FieldReaders.h"
 #include "../NetworkProject/Call/FieldText.h"
+#include "../NetworkProject/Transfer/LocalFiles.h"
 #include "../NetworkProject/Transfer/ReceivedFile.h"
 #include "../NetworkProject/Transfer/StreamWeb.h"
 #include "../NetworkProject/Transfer/TransferWeb.h"
-#include "LocalFiles.h"
 #include "TransferChain.h"
 
 #include <BaseCommon/Files.h>
@@ -73,14 +73,14 @@ void DownloadFileHandler::takeAddress(const std::wstring& body, const std::strin
         return;
     const web::json::value answer = jsonOrNull(body);
     if (stepKey == "AcquireDownloadAuthority") {
-        m_address = utils::Utf8ToUnicode(fieldText(answer, L"fileUrlWithSAS"));
+        m_address = utils::toWstring(fieldText(answer, L"fileUrlWithSAS"));
         m_authorityAcquired = true;
     }
     else if (stepKey == "AcquireDownloadModuleFileAuthority") {
         const web::json::value* const data = memberOf(answer, L"data");
         if (!data || !data->is_array() || data->size() == 0)
             return;
-        m_address = utils::Utf8ToUnicode(fieldText(data->at(0), L"url_with_signature"));
+        m_address = utils::toWstring(fieldText(data->at(0), L"url_with_signature"));
         m_authorityAcquired = true;
     }
 }

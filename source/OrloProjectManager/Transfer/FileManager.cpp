@@ -1,18 +1,17 @@
 #include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
 #include "../NetworkProject/Transfer/FileWeb.h"
 #include "BatchDownload.h"
 #include "CachePlace.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 
 namespace orlo {
-
-using http::SendNormalRequestWithRetry;
 
 namespace {
 
@@ -54,8 +53,8 @@ IFileManager::~IFileManager() = default;
 
 IFileManager* IFileManager::Get()
 {
-    static auto* const manager = new FileManager; // never destroyed: operations go on until the process is gone
-    return manager;
+    static auto& manager = utils::neverDestroyed(new FileManager);
+    return &manager;
 }
 
 std::wstring IFileManager::DownloadFile(const std::string& dsId, const std::wstring& uri, ErrorCode& error)
@@ -94,8 +93,7 @@ bool IFileManager::CreateFileDatasetRelationship(const std::string& datasetId, i
                                                  ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::IFileManager::CreateFileDatasetRelationship")).run(error, [&] {
-        return SendNormalRequestWithRetry(&OrloWebService::CreateFileDatasetRelationship, false, error, datasetId, datasetVersion, dwgId,
-                                          dwgVersion);
+        return retried(&OrloWebService::CreateFileDatasetRelationship, error, datasetId, datasetVersion, dwgId, dwgVersion);
     });
 }
 
@@ -103,10 +101,10 @@ bool IFileManager::QueryFileRelatedDatasets(const std::string& dwgId, int dwgVer
                                             ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::IFileManager::QueryFileRelatedDatasets")).run(error, [&] {
-        std::vector<RelatedDatasetInfo> found;
-        if (!SendNormalRequestWithRetry(&OrloWebService::QueryFileRelatedDatasets, false, error, found, dwgId, dwgVersion))
+        const auto found = fetched(&OrloWebService::QueryFileRelatedDatasets, error, dwgId, dwgVersion);
+        if (!found)
             return false;
-        out.insert(out.end(), found.begin(), found.end());
+        out.insert(out.end(), found->begin(), found->end());
         return true;
     });
 }

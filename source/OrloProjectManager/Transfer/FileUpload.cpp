@@ -128,7 +128,7 @@ void UploadFileHandler::takeAuthority(const std::wstring& body)
         return;
     const web::json::value authority = jsonOrNull(body);
     m_uploadAddress = fieldText(authority, L"fileUrlWithSAS");
-    m_remotePath = utils::Utf8ToUnicode(fieldText(authority, L"fileOSSPath"));
+    m_remotePath = utils::toWstring(fieldText(authority, L"fileOSSPath"));
     m_authorityAcquired = true;
 }
 

@@ -1,5 +1,6 @@
 #include "TransferChain.h"
 
+#include <BaseCommon/Caught.h>
 #include <BaseCommon/Interruption.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/Body/JsonText.h>
@@ -47,7 +48,7 @@ TransferOutcome::~TransferOutcome()
     if (!m_callersError || !permit)
         return;
     try {
-        set({false, 5555, L"the transfer ended without an outcome"}, ErrorCode());
+        set({false, utils::Caught::known, L"the transfer ended without an outcome"}, ErrorCode());
     }
     catch (const std::exception&) { // no memory for the words; the promise is broken then
     }
@@ -73,26 +74,17 @@ void TransferOutcome::settle(const PromiseData& data, const ErrorCode& error, co
     try {
         set(data, error);
     }
-    catch (const std::exception& e) {
-        log::errorAt(site, endOfPromise + utils::toWstringTrimTrailingCarriageReturn(e.what()));
+    catch (const std::exception&) {
+        log::errorAt(site, endOfPromise + utils::caught().text);
     }
 }
 
 void TransferOutcome::failAsCaught(const CallSite& site)
 {
-    const auto fail = [&](const std::wstring& text, int code) {
-        log::errorAt(site, endOfPromise + text);
-        settle({false, 5555, text}, ErrorCode(error::exception, std::make_shared<HttpError>(L"HttpError", text, code, 0)), site);
-    };
-    try {
-        throw;
-    }
-    catch (const std::exception& e) {
-        fail(utils::toWstringTrimTrailingCarriageReturn(e.what()), 5555);
-    }
-    catch (...) {
-        fail(L"unknown exception", 5556);
-    }
+    const utils::Caught caught = utils::caught();
+    log::errorAt(site, endOfPromise + caught.text);
+    settle({false, utils::Caught::known, caught.text},
+           ErrorCode(error::exception, std::make_shared<HttpError>(L"HttpError", caught.text, caught.code, 0)), site);
 }
 
 std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker)

@@ -11,7 +11,7 @@ namespace orlo::http {
 namespace {
 
 /// So much is written at a time, and as much comes in meanwhile.
-constexpr size_t runSize = size_t{256} << 10;
+constexpr std::size_t runSize = std::size_t{256} << 10;
 
 } // namespace
 
@@ -21,7 +21,7 @@ struct SinkBuffer::Runs : std::enable_shared_from_this<Runs>
 
     const Write write;
 
-    bool offer(const uint8_t* bytes, size_t count, const Wake& wakeSender)
+    bool offer(const uint8_t* bytes, std::size_t count, const Wake& wakeSender)
     {
         // A thread that may wait writes by itself.
         if (place == Place::inPlace || !wakeSender) {
@@ -135,7 +135,7 @@ void SinkBuffer::begin(const web::http::http_response& response)
         m_begin(response);
 }
 
-bool SinkBuffer::offer(const uint8_t* bytes, size_t count, const Wake& wake)
+bool SinkBuffer::offer(const uint8_t* bytes, std::size_t count, const Wake& wake)
 {
     return m_runs->offer(bytes, count, wake);
 }
@@ -145,7 +145,7 @@ void SinkBuffer::flush(Flushed flushed)
     m_runs->flush(std::move(flushed));
 }
 
-bool SinkBuffer::acquire(uint8_t*& bytes, size_t& count)
+bool SinkBuffer::acquire(uint8_t*& bytes, std::size_t& count)
 {
     bytes = nullptr;
     count = 0;
@@ -154,17 +154,17 @@ bool SinkBuffer::acquire(uint8_t*& bytes, size_t& count)
 
 pplx::task<SinkBuffer::int_type> SinkBuffer::_putc(uint8_t byte)
 {
-    return _putn(&byte, 1).then([byte](size_t) { return static_cast<int_type>(byte); });
+    return _putn(&byte, 1).then([byte](std::size_t) { return static_cast<int_type>(byte); });
 }
 
 // Those who write here without the engine expect it to be done, and flush nothing.
-pplx::task<size_t> SinkBuffer::_putn(const uint8_t* bytes, size_t count)
+pplx::task<std::size_t> SinkBuffer::_putn(const uint8_t* bytes, std::size_t count)
 {
     try {
         m_runs->write(bytes, count);
     }
     catch (...) {
-        return pplx::task_from_exception<size_t>(std::current_exception());
+        return pplx::task_from_exception<std::size_t>(std::current_exception());
     }
     return pplx::task_from_result(count);
 }
@@ -174,9 +174,9 @@ pplx::task<bool> SinkBuffer::_sync()
     return pplx::task_from_result(true);
 }
 
-pplx::task<size_t> SinkBuffer::_getn(uint8_t*, size_t)
+pplx::task<std::size_t> SinkBuffer::_getn(uint8_t*, std::size_t)
 {
-    return pplx::task_from_result<size_t>(0);
+    return pplx::task_from_result<std::size_t>(0);
 }
 
 pplx::task<SinkBuffer::int_type> SinkBuffer::ended()

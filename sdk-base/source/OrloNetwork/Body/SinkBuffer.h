@@ -6,6 +6,7 @@
 #include <cpprest/http_msg.h>
 #include <cpprest/streams.h>
 
+#include <cstddef>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -18,7 +19,7 @@ namespace orlo::http {
 class ORLO_NETWORK_API SinkBuffer : public concurrency::streams::details::streambuf_state_manager<uint8_t>
 {
 public:
-    using Write = std::function<void(const uint8_t* bytes, size_t count)>;
+    using Write = std::function<void(const uint8_t* bytes, std::size_t count)>;
     using Wake = std::function<void()>;
     using Flushed = std::function<void(const std::exception_ptr&)>;
 
@@ -38,27 +39,27 @@ public:
     /// Takes a run of bytes, which may go when this returns. With a null `wake` the function is called at once, on a thread that may wait.
     /// All of a body comes in one of the two ways.
     /// Returns: false if there is no room; `wake` is called, on any thread, when there is. Throws what the function threw.
-    bool offer(const uint8_t* bytes, size_t count, const Wake& wake);
+    bool offer(const uint8_t* bytes, std::size_t count, const Wake& wake);
     /// Calls back when the function has had all, at once or on the thread where it had the last of them.
     void flush(Flushed flushed);
 
     bool can_seek() const override { return false; }
     bool has_size() const override { return false; }
-    size_t buffer_size(std::ios_base::openmode) const override { return 0; }
-    void set_buffer_size(size_t, std::ios_base::openmode) override {}
-    size_t in_avail() const override { return 0; }
+    std::size_t buffer_size(std::ios_base::openmode) const override { return 0; }
+    void set_buffer_size(std::size_t, std::ios_base::openmode) override {}
+    std::size_t in_avail() const override { return 0; }
     pos_type getpos(std::ios_base::openmode) const override { return nowhere(); }
     pos_type seekpos(pos_type, std::ios_base::openmode) override { return nowhere(); }
     pos_type seekoff(off_type, std::ios_base::seekdir, std::ios_base::openmode) override { return nowhere(); }
-    bool acquire(uint8_t*& bytes, size_t& count) override;
-    void release(uint8_t*, size_t) override {}
+    bool acquire(uint8_t*& bytes, std::size_t& count) override;
+    void release(uint8_t*, std::size_t) override {}
 
 protected:
     pplx::task<int_type> _putc(uint8_t byte) override;
-    pplx::task<size_t> _putn(const uint8_t* bytes, size_t count) override;
+    pplx::task<std::size_t> _putn(const uint8_t* bytes, std::size_t count) override;
     pplx::task<bool> _sync() override;
-    uint8_t* _alloc(size_t) override { return nullptr; }
-    void _commit(size_t) override {}
+    uint8_t* _alloc(std::size_t) override { return nullptr; }
+    void _commit(std::size_t) override {}
 
     // A sink is never read.
     pplx::task<int_type> _bumpc() override { return ended(); }
@@ -67,8 +68,8 @@ protected:
     int_type _sgetc() override { return traits::eof(); }
     pplx::task<int_type> _nextc() override { return ended(); }
     pplx::task<int_type> _ungetc() override { return ended(); }
-    pplx::task<size_t> _getn(uint8_t*, size_t) override;
-    size_t _scopy(uint8_t*, size_t) override { return 0; }
+    pplx::task<std::size_t> _getn(uint8_t*, std::size_t) override;
+    std::size_t _scopy(uint8_t*, std::size_t) override { return 0; }
 
 private:
     static pos_type nowhere() { return static_cast<pos_type>(traits::eof()); }

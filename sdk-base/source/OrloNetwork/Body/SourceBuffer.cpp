@@ -12,14 +12,14 @@ namespace orlo::http {
 
 namespace {
 
-constexpr size_t pieceSize = size_t{1} << 20;
+constexpr std::size_t pieceSize = std::size_t{1} << 20;
 
 /// The room is made once.
 struct Piece
 {
     std::vector<uint8_t> bytes;
-    size_t size = 0;
-    size_t used = 0;
+    std::size_t size = 0;
+    std::size_t used = 0;
 
     bool isUsedUp() const { return used == size; }
 };
@@ -38,15 +38,15 @@ struct SourceBuffer::Pieces : std::enable_shared_from_this<Pieces>
         return !current.isUsedUp() || hasEnded;
     }
 
-    size_t copy(uint8_t* room, size_t size)
+    std::size_t copy(uint8_t* room, std::size_t size)
     {
-        const size_t count = std::min(size, current.size - current.used);
+        const std::size_t count = std::min(size, current.size - current.used);
         std::copy_n(current.bytes.data() + current.used, count, room);
         current.used += count;
         return count;
     }
 
-    pplx::task<size_t> whenReady(uint8_t* room, size_t size)
+    pplx::task<std::size_t> whenReady(uint8_t* room, std::size_t size)
     {
         waiting = Waiting{room, size, {}};
         return pplx::create_task(waiting->given, pplx::task_options(Workers::atOnce()));
@@ -59,8 +59,8 @@ private:
     struct Waiting
     {
         uint8_t* room;
-        size_t size;
-        pplx::task_completion_event<size_t> given;
+        std::size_t size;
+        pplx::task_completion_event<std::size_t> given;
     };
 
     /// To the piece that was read meanwhile, and on to the next one.
@@ -106,7 +106,7 @@ private:
         const Waiting asker = *std::exchange(waiting, std::nullopt);
         try {
             isReady();
-            const size_t count = copy(asker.room, asker.size);
+            const std::size_t count = copy(asker.room, asker.size);
             lock.unlock();
             asker.given.set(count);
         }
@@ -136,7 +136,7 @@ concurrency::streams::istream SourceBuffer::stream(Read read)
     return concurrency::streams::istream(concurrency::streams::streambuf<uint8_t>(buffer));
 }
 
-bool SourceBuffer::acquire(uint8_t*& bytes, size_t& count)
+bool SourceBuffer::acquire(uint8_t*& bytes, std::size_t& count)
 {
     bytes = nullptr;
     count = 0;
@@ -154,13 +154,13 @@ bool SourceBuffer::acquire(uint8_t*& bytes, size_t& count)
     return true;
 }
 
-void SourceBuffer::release(uint8_t*, size_t count)
+void SourceBuffer::release(uint8_t*, std::size_t count)
 {
     const std::lock_guard lock(m_pieces->mutex);
     m_pieces->current.used += count;
 }
 
-pplx::task<size_t> SourceBuffer::_getn(uint8_t* room, size_t size)
+pplx::task<std::size_t> SourceBuffer::_getn(uint8_t* room, std::size_t size)
 {
     const std::lock_guard lock(m_pieces->mutex);
     try {
@@ -169,7 +169,7 @@ pplx::task<size_t> SourceBuffer::_getn(uint8_t* room, size_t size)
         return pplx::task_from_result(m_pieces->copy(room, size));
     }
     catch (...) {
-        return pplx::task_from_exception<size_t>(std::current_exception());
+        return pplx::task_from_exception<std::size_t>(std::current_exception());
     }
 }
 

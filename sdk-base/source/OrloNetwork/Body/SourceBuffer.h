@@ -5,6 +5,7 @@
 #include <cpprest/astreambuf.h>
 #include <cpprest/streams.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 
@@ -16,7 +17,7 @@ class ORLO_NETWORK_API SourceBuffer : public concurrency::streams::details::stre
 {
 public:
     /// Fills the room as far as it can.   Returns: how much that is, 0 at the end.
-    using Read = std::function<size_t(uint8_t* room, size_t size)>;
+    using Read = std::function<std::size_t(uint8_t* room, std::size_t size)>;
 
     static concurrency::streams::istream stream(Read read);
 
@@ -25,18 +26,18 @@ public:
 
     bool can_seek() const override { return false; }
     bool has_size() const override { return false; }
-    size_t buffer_size(std::ios_base::openmode) const override { return 0; }
-    void set_buffer_size(size_t, std::ios_base::openmode) override {}
-    size_t in_avail() const override { return 0; }
+    std::size_t buffer_size(std::ios_base::openmode) const override { return 0; }
+    void set_buffer_size(std::size_t, std::ios_base::openmode) override {}
+    std::size_t in_avail() const override { return 0; }
     pos_type getpos(std::ios_base::openmode) const override { return nowhere(); }
     pos_type seekpos(pos_type, std::ios_base::openmode) override { return nowhere(); }
     pos_type seekoff(off_type, std::ios_base::seekdir, std::ios_base::openmode) override { return nowhere(); }
     /// Lends what is there.   Returns: false while it is being read; true with a null pointer at the end.
-    bool acquire(uint8_t*& bytes, size_t& count) override;
-    void release(uint8_t* bytes, size_t count) override;
+    bool acquire(uint8_t*& bytes, std::size_t& count) override;
+    void release(uint8_t* bytes, std::size_t count) override;
 
 protected:
-    pplx::task<size_t> _getn(uint8_t* room, size_t size) override;
+    pplx::task<std::size_t> _getn(uint8_t* room, std::size_t size) override;
 
     // Nobody reads it but in runs, and nobody writes to it.
     pplx::task<int_type> _bumpc() override { return none(); }
@@ -45,12 +46,12 @@ protected:
     int_type _sgetc() override { return traits::requires_async(); }
     pplx::task<int_type> _nextc() override { return none(); }
     pplx::task<int_type> _ungetc() override { return none(); }
-    size_t _scopy(uint8_t*, size_t) override { return 0; }
+    std::size_t _scopy(uint8_t*, std::size_t) override { return 0; }
     pplx::task<int_type> _putc(uint8_t) override { return none(); }
-    pplx::task<size_t> _putn(const uint8_t*, size_t) override { return pplx::task_from_result<size_t>(0); }
+    pplx::task<std::size_t> _putn(const uint8_t*, std::size_t) override { return pplx::task_from_result<std::size_t>(0); }
     pplx::task<bool> _sync() override { return pplx::task_from_result(true); }
-    uint8_t* _alloc(size_t) override { return nullptr; }
-    void _commit(size_t) override {}
+    uint8_t* _alloc(std::size_t) override { return nullptr; }
+    void _commit(std::size_t) override {}
 
 private:
     static pos_type nowhere() { return static_cast<pos_type>(traits::eof()); }

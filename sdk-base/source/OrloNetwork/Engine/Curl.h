@@ -44,7 +44,7 @@ void makeReady();
 void set(CURL* easy, CURLoption option, long value);
 void set(CURL* easy, CURLoption option, const std::string& value); ///< libcurl keeps a copy
 void setSize(CURL* easy, CURLoption option, curl_off_t value);
-template <typename Pointer>
+template <class Pointer>
 void setPointer(CURL* easy, CURLoption option, Pointer pointer);
 void require(CURLcode code);
 void require(CURLMcode code);
@@ -63,7 +63,7 @@ Ended endedOn(CURLM* multi);
 /// Waits until a connection of the handle has something, the time has come, or somebody wakes it; a second at the most.
 void waitUntil(CURLM* multi, std::chrono::steady_clock::time_point when);
 
-template <typename Pointer>
+template <class Pointer>
 void setPointer(CURL* easy, CURLoption option, Pointer pointer)
 {
     require(curl_easy_setopt(easy, option, pointer));

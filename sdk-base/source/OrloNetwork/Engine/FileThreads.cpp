@@ -3,6 +3,8 @@
 #include "Here.h"
 #include "Workers.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -116,7 +118,7 @@ FileThreads::FileThreads() : m_state(std::make_unique<State>())
 
 FileThreads& FileThreads::instance()
 {
-    static FileThreads& threads = *new FileThreads;
+    static FileThreads& threads = utils::neverDestroyed(new FileThreads);
     return threads;
 }
 

@@ -1,5 +1,7 @@
 #include "Here.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -41,10 +43,9 @@ private:
     std::vector<std::unique_ptr<Carrier>> m_free;
 };
 
-// Never destroyed: a call may still run while the process ends.
 Carriers& carriers()
 {
-    static Carriers& instance = *new Carriers;
+    static Carriers& instance = utils::neverDestroyed(new Carriers);
     return instance;
 }
 

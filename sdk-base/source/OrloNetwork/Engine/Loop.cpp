@@ -1,5 +1,7 @@
 #include "Loop.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
@@ -37,14 +39,14 @@ public:
     void begin(const std::shared_ptr<Transfer>& transfer, Wake wake, const Wake& cancel)
     {
         try {
-            One one;
-            one.easy = m_spare ? std::exchange(m_spare, nullptr) : curl::makeEasy();
-            CURL* const easy = one.easy.get();
+            Entry entry;
+            entry.easy = m_spare ? std::exchange(m_spare, nullptr) : curl::makeEasy();
+            CURL* const easy = entry.easy.get();
             transfer->attach(easy, std::move(wake));
             curl::require(curl_multi_add_handle(m_multi, easy));
-            one.transfer = transfer;
+            entry.transfer = transfer;
             m_handles[transfer.get()] = easy;
-            m_all.emplace(easy, std::move(one));
+            m_all.emplace(easy, std::move(entry));
         }
         catch (...) {
             return transfer->endWith(std::current_exception());
@@ -87,13 +89,13 @@ public:
     Transfer::Clock::time_point due() const
     {
         auto first = Transfer::Clock::time_point::max();
-        for (const auto& [easy, one] : m_all)
-            first = std::min(first, one.transfer->due());
+        for (const auto& [easy, entry] : m_all)
+            first = std::min(first, entry.transfer->due());
         return first;
     }
 
 private:
-    struct One
+    struct Entry
     {
         std::shared_ptr<Transfer> transfer;
         curl::Easy easy;
@@ -104,8 +106,8 @@ private:
     {
         const auto now = Transfer::Clock::now();
         std::vector<CURL*> overdue;
-        for (const auto& [easy, one] : m_all) {
-            if (one.transfer->due() <= now)
+        for (const auto& [easy, entry] : m_all) {
+            if (entry.transfer->due() <= now)
                 overdue.push_back(easy);
         }
         for (CURL* const easy : overdue) {
@@ -118,18 +120,18 @@ private:
     std::shared_ptr<Transfer> drop(CURL* easy)
     {
         auto node = m_all.extract(easy);
-        One one = std::move(node.mapped());
+        Entry entry = std::move(node.mapped());
         curl_multi_remove_handle(m_multi, easy);
-        m_handles.erase(one.transfer.get());
-        if (one.transfer->token().is_cancelable())
-            one.transfer->token().deregister_callback(one.registration); // it waits for one that runs, which takes no lock for long
+        m_handles.erase(entry.transfer.get());
+        if (entry.transfer->token().is_cancelable())
+            entry.transfer->token().deregister_callback(entry.registration); // it waits for one that runs, which takes no lock for long
         curl_easy_reset(easy);
-        m_spare = std::move(one.easy);
-        return one.transfer;
+        m_spare = std::move(entry.easy);
+        return entry.transfer;
     }
 
     CURLM* m_multi;
-    std::unordered_map<CURL*, One> m_all;
+    std::unordered_map<CURL*, Entry> m_all;
     std::unordered_map<const Transfer*, CURL*> m_handles;
     curl::Easy m_spare; ///< for the next one
 };
@@ -156,7 +158,7 @@ Loop::Loop() : m_state(std::make_shared<State>())
 
 Loop& Loop::instance()
 {
-    static Loop& loop = *new Loop;
+    static Loop& loop = utils::neverDestroyed(new Loop);
     return loop;
 }
 

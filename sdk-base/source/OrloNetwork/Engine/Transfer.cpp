@@ -17,7 +17,7 @@ namespace {
 constexpr long receiveRoom = 100 << 10;
 constexpr long sendRoom = 512 << 10;
 
-constexpr std::size_t largeHead = size_t{64} << 10;
+constexpr std::size_t largeHead = std::size_t{64} << 10;
 
 void applyTo(CURL* easy, const Route& route)
 {
@@ -79,7 +79,7 @@ struct Transfer::Callbacks
     }
 };
 
-template <typename Work, typename Result>
+template <class Work, class Result>
 Result Transfer::guarded(Work work, Result failed) noexcept
 {
     try {

@@ -52,7 +52,7 @@ public:
 private:
     struct Callbacks;
 
-    template <typename Work, typename Result>
+    template <class Work, class Result>
     Result guarded(Work work, Result failed) noexcept;
 
     void touch() { m_headway = Clock::now(); }

@@ -1,6 +1,7 @@
 #include "Trust.h"
 
 #include <BaseCommon/Files.h>
+#include <BaseCommon/NeverDestroyed.h>
 
 #include <openssl/bio.h>
 #include <openssl/err.h>
@@ -27,10 +28,9 @@ struct Known
     unsigned long long made = 0;
 };
 
-// Never destroyed: a request may still run while the process ends.
 Known& known()
 {
-    static Known& instance = *new Known;
+    static Known& instance = utils::neverDestroyed(new Known);
     return instance;
 }
 
@@ -125,7 +125,7 @@ private:
 CURLSH* sessions()
 {
     curl::makeReady();
-    static const Sessions& instance = *new Sessions;
+    static const Sessions& instance = utils::neverDestroyed(new Sessions);
     return instance.share();
 }
 

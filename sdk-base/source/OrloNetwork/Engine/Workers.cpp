@@ -1,5 +1,7 @@
 #include "Workers.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 #include <algorithm>
 #include <condition_variable>
 #include <deque>
@@ -80,19 +82,19 @@ Workers::Workers() : m_state(std::make_unique<State>())
 
 Workers& Workers::instance()
 {
-    static Workers& workers = *new Workers;
+    static Workers& workers = utils::neverDestroyed(new Workers);
     return workers;
 }
 
 pplx::scheduler_ptr Workers::scheduler()
 {
-    static Scheduler& scheduler = *new Scheduler;
+    static Scheduler& scheduler = utils::neverDestroyed(new Scheduler);
     return pplx::scheduler_ptr(&scheduler);
 }
 
 pplx::scheduler_ptr Workers::atOnce()
 {
-    static AtOnce& scheduler = *new AtOnce;
+    static AtOnce& scheduler = utils::neverDestroyed(new AtOnce);
     return pplx::scheduler_ptr(&scheduler);
 }
 

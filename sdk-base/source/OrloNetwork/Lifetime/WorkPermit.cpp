@@ -5,6 +5,7 @@
 #include "../Engine/Loop.h"
 #include "../Engine/Workers.h"
 
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/ProcessEnd.h>
 
@@ -38,10 +39,9 @@ struct Permits
     std::vector<std::shared_ptr<Interruption>> operations;
 };
 
-// Never destroyed: they are asked for until the process is gone.
 Permits& permits()
 {
-    static Permits& instance = *new Permits;
+    static Permits& instance = utils::neverDestroyed(new Permits);
     return instance;
 }
 

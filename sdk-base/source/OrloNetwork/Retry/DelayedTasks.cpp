@@ -2,6 +2,8 @@
 
 #include "../Lifetime/WorkPermit.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 #include <condition_variable>
 #include <exception>
 #include <map>
@@ -102,8 +104,7 @@ private:
 
 void runAfter(std::chrono::seconds pause, std::function<void()> task, const std::shared_ptr<Interruption>& interruption)
 {
-    // Never destroyed: its thread may outlive the statics when the process ends.
-    static DelayedTasks& tasks = *new DelayedTasks;
+    static DelayedTasks& tasks = utils::neverDestroyed(new DelayedTasks);
     const Clock::time_point when = Clock::now() + pause;
     if (!interruption) {
         tasks.add({when, std::move(task), false});

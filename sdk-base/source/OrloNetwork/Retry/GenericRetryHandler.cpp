@@ -4,9 +4,9 @@
 #include "../WebRequest.h"
 #include "DelayedTasks.h"
 
+#include <BaseCommon/Caught.h>
 #include <BaseCommon/Interruption.h>
-#include <BaseCommon/Text.h>
-#include <OrloLogging/ILogManager.h>
+#include <OrloLogging/Log.h>
 
 #include <utility>
 
@@ -83,8 +83,8 @@ bool GenericRetryHandler::repeats(int status, const std::shared_ptr<OrloCallback
         repeatLater(context, error);
         return true;
     }
-    catch (const std::exception& e) { // no thread to wait on: the answer at hand is the last one then
-        ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::GenericRetryHandler - no retry: " + utils::toWstring(e.what()));
+    catch (const std::exception&) { // no thread to wait on: the answer at hand is the last one then
+        log::warning(L"OrloNetworkRetry::GenericRetryHandler - no retry: " + utils::caught().text);
         return false;
     }
 }
@@ -92,8 +92,7 @@ bool GenericRetryHandler::repeats(int status, const std::shared_ptr<OrloCallback
 void GenericRetryHandler::repeatLater(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
 {
     ++m_repeated;
-    ILogManager::Get()->LogWarning(L"[ORLOSDK]OrloNetworkRetry::GenericRetryHandler - retry attempts[" + std::to_wstring(m_repeated) +
-                                   L"]");
+    log::warning(L"OrloNetworkRetry::GenericRetryHandler - retry attempts[" + std::to_wstring(m_repeated) + L"]");
     const auto repeat = [self = shared_from_this(), context, &error] {
         const Interruption::Scope scope(context->interruption);
         context->propagate = self->m_originalPropagation;
@@ -117,8 +116,7 @@ void GenericRetryHandler::run(const std::shared_ptr<OrloCallbackContext>& contex
         if (m_awaitsAnswer)
             HandleCasablancaException(pplx::task_from_exception<void>(std::current_exception()), context, "", error);
         else // the handler itself threw, through the request: it has had its answer
-            ILogManager::Get()->LogErrorAt(__FILE__, __LINE__, "orlo::http::GenericRetryHandler",
-                                           L"a request threw an exception after its answer", L"[ORLOSDK]");
+            log::errorAt(ORLO_HERE("orlo::http::GenericRetryHandler"), L"a request threw an exception after its answer");
     }
 }
 

@@ -118,7 +118,7 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, const 
 void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered)
 {
     const auto body = std::make_shared<std::string>();
-    const auto receive = [body](const uint8_t* bytes, size_t count) {
+    const auto receive = [body](const uint8_t* bytes, std::size_t count) {
         if (count > OrloWebService::largestAnswer - body->size())
             throw std::length_error("the answer is too large");
         body->append(reinterpret_cast<const char*>(bytes), count);

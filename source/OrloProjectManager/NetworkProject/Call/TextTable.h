@@ -2,14 +2,9 @@
 
 #include <initializer_list>
 #include <map>
-#include <mutex>
 #include <string>
 
 namespace orlo {
-
-/// What happens to a text or value that a table doesn't know: it is answered and forgotten, or it joins the table, as the
-/// platform's tables that are looked up with insertion have it.
-enum class Unknowns { pass, join };
 
 /// Texts of the wire beside the values of an enumeration. Looked up from any thread.
 template <class Value>
@@ -23,7 +18,7 @@ public:
     };
 
     /// unknown: the value of every text that the table doesn't hold.
-    TextTable(std::initializer_list<Row> rows, Value unknown, Unknowns unknowns = Unknowns::pass) : m_unknown(unknown), m_unknowns(unknowns)
+    TextTable(std::initializer_list<Row> rows, Value unknown) : m_unknown(unknown)
     {
         for (const Row& row : rows) {
             m_texts.emplace(row.value, row.text);
@@ -31,35 +26,25 @@ public:
         }
     }
 
-    Value valueOf(const std::wstring& text) const { return lookUp(m_values, text, m_unknown); }
+    Value valueOf(const std::wstring& text) const
+    {
+        const auto found = m_values.find(text);
+        return found == m_values.end() ? m_unknown : found->second;
+    }
 
     /// Empty for a value that the table doesn't hold.
-    std::wstring textOf(Value value) const { return lookUp(m_texts, value, std::wstring()); }
-
-    bool knows(Value value) const
+    std::wstring textOf(Value value) const
     {
-        const std::lock_guard lock(m_mutex);
-        return m_texts.count(value) != 0;
+        const auto found = m_texts.find(value);
+        return found == m_texts.end() ? std::wstring() : found->second;
     }
+
+    bool knows(Value value) const { return m_texts.count(value) != 0; }
 
 private:
-    template <class Map>
-    typename Map::mapped_type lookUp(Map& map, const typename Map::key_type& key, const typename Map::mapped_type& unknown) const
-    {
-        const std::lock_guard lock(m_mutex);
-        const auto found = map.find(key);
-        if (found != map.end())
-            return found->second;
-        if (m_unknowns == Unknowns::join)
-            map.emplace(key, unknown);
-        return unknown;
-    }
-
-    mutable std::mutex m_mutex;
-    mutable std::map<std::wstring, Value> m_values;
-    mutable std::map<Value, std::wstring> m_texts;
+    std::map<std::wstring, Value> m_values;
+    std::map<Value, std::wstring> m_texts;
     Value m_unknown;
-    Unknowns m_unknowns;
 };
 
 } // namespace orlo

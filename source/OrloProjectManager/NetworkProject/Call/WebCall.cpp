@@ -1,10 +1,10 @@
 #include "WebCall.h"
 
-#include "../../Log.h"
-
 #include <BaseCommon/Files.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
 #include <OrloCommon/OrloConfigManager.h>
+#include <OrloLogging/Log.h>
 #include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/WebRequest.h>
 
@@ -21,15 +21,6 @@ web::json::value jsonText(const std::wstring& text)
 web::json::value jsonText(const std::string& utf8)
 {
     return web::json::value::string(utils::toNative(utf8));
-}
-
-web::json::value jsonTexts(const std::vector<std::wstring>& texts)
-{
-    std::vector<web::json::value> values;
-    values.reserve(texts.size());
-    for (const std::wstring& text : texts)
-        values.push_back(jsonText(text));
-    return web::json::value::array(std::move(values));
 }
 
 JsonBody& JsonBody::add(const wchar_t* key, web::json::value value)
@@ -80,7 +71,7 @@ const web::json::value& WebAnswer::body()
 
 const web::json::value& WebAnswer::data()
 {
-    static const web::json::value& none = *new web::json::value; // answers come in until the process is gone
+    static const web::json::value& none = utils::neverDestroyed(new web::json::value);
     const web::json::value* const found = findData();
     return found ? *found : none;
 }
@@ -88,11 +79,6 @@ const web::json::value& WebAnswer::data()
 const web::json::value* WebAnswer::findData()
 {
     return memberOf(body(), L"data");
-}
-
-std::wstring WebAnswer::text() const
-{
-    return OrloWebService::TextOf(m_response, OrloWebService::ReadBody(m_response));
 }
 
 void WebAnswer::complain(const std::wstring& words)
@@ -142,7 +128,7 @@ WebCall& WebCall::body(std::wstring text)
     return *this;
 }
 
-WebCall& WebCall::withTimeout()
+WebCall& WebCall::withTimeoutOfFirstUse()
 {
     m_timeoutSeconds = timeoutOfFirstUse();
     return *this;

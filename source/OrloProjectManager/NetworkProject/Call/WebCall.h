@@ -21,7 +21,6 @@ namespace service {
 inline constexpr const wchar_t* project = L"project";
 inline constexpr const wchar_t* structure = L"structure";
 inline constexpr const wchar_t* module = L"module";
-inline constexpr const wchar_t* message = L"message";
 inline constexpr const wchar_t* authorization = L"authorization";
 inline constexpr const wchar_t* slproxy = L"slproxy";
 } // namespace service
@@ -31,8 +30,6 @@ using web::http::methods;
 /// Text as a JSON string.
 web::json::value jsonText(const std::wstring& text);
 web::json::value jsonText(const std::string& utf8);
-/// Texts as a JSON array.
-web::json::value jsonTexts(const std::vector<std::wstring>& texts);
 
 /// A JSON object whose members go on the wire in the order in which they are given.
 class JsonBody
@@ -87,8 +84,6 @@ public:
     const web::json::value& data();
     /// Null where the body has no member "data".
     const web::json::value* findData();
-    /// The body as it came, without a look at its content type.
-    std::wstring text() const;
 
     /// Logs what is wrong with the body, followed by the body.
     void complain(const std::wstring& words);
@@ -121,7 +116,7 @@ public:
     /// A body that is text already.
     WebCall& body(std::wstring text);
     /// The time-out of the configuration, as it was when the process first asked for it.
-    WebCall& withTimeout();
+    WebCall& withTimeoutOfFirstUse();
     /// The time-out of the configuration as it is now.
     WebCall& withFreshTimeout();
     /// Another text than "<Name> - code:" for a status that is not 200.

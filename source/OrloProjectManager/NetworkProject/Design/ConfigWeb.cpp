@@ -1,12 +1,12 @@
 #include "ConfigWeb.h"
 
-#include "../../Log.h"
 #include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
 #include "ConfigTexts.h"
 
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
+#include <OrloLogging/Log.h>
 
 namespace orlo::OrloWebService {
 

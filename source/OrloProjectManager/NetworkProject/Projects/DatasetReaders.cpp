@@ -2,6 +2,8 @@
 
 #include "../Call/TextTable.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 namespace orlo {
 
 using http::ORLOHTTPPayloadDataset;
@@ -9,13 +11,13 @@ using http::ORLOHTTPPayloadDatasetVersion;
 
 DatasetKind datasetKindOf(const std::wstring& type)
 {
-    static const auto& table = *new const TextTable<DatasetKind>({{DatasetKind::Standard, L"workunit"},
-                                                                  {DatasetKind::Standard, L"standard"},
-                                                                  {DatasetKind::Standard, L"zok"},
-                                                                  {DatasetKind::NoneStandard, L"noneStandard"},
-                                                                  {DatasetKind::NoneStandard, L"cloudify"},
-                                                                  {DatasetKind::NoneStandard, L"dwg"}},
-                                                                 DatasetKind::Other);
+    static const auto& table = utils::neverDestroyed(new const TextTable<DatasetKind>({{DatasetKind::Standard, L"workunit"},
+                                                                                       {DatasetKind::Standard, L"standard"},
+                                                                                       {DatasetKind::Standard, L"zok"},
+                                                                                       {DatasetKind::NoneStandard, L"noneStandard"},
+                                                                                       {DatasetKind::NoneStandard, L"cloudify"},
+                                                                                       {DatasetKind::NoneStandard, L"dwg"}},
+                                                                                      DatasetKind::Other));
     return table.valueOf(type);
 }
 
@@ -54,7 +56,7 @@ void readRefInfo(const web::json::value& json, ORLOHTTPPayloadDatasetVersion& ve
 
 const RecordTable<DatasetInfo>& datasetInfoFields()
 {
-    static const auto& table = *new const RecordTable<DatasetInfo>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<DatasetInfo>{
         {L"id", &DatasetInfo::id},
         {L"modelingDatasetId", &DatasetInfo::modelingDatasetId},
         {L"name", &DatasetInfo::name},
@@ -64,13 +66,13 @@ const RecordTable<DatasetInfo>& datasetInfoFields()
         {L"specialtyId", &DatasetInfo::specialtyId},
         {L"teamId", &DatasetInfo::teamId},
         {L"projectId", &DatasetInfo::projectId},
-    };
+    });
     return table;
 }
 
 const RecordTable<ORLOHTTPPayloadDataset>& datasetFields()
 {
-    static const auto& table = *new const RecordTable<ORLOHTTPPayloadDataset>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<ORLOHTTPPayloadDataset>{
         {L"folderId", &ORLOHTTPPayloadDataset::folderId},
         {L"id", &ORLOHTTPPayloadDataset::id},
         {L"name", &ORLOHTTPPayloadDataset::name},
@@ -84,7 +86,7 @@ const RecordTable<ORLOHTTPPayloadDataset>& datasetFields()
         {L"description", &ORLOHTTPPayloadDataset::description},
         {L"teamId", &ORLOHTTPPayloadDataset::teamId},
         {L"projectId", &ORLOHTTPPayloadDataset::projectId},
-    };
+    });
     return table;
 }
 
@@ -92,7 +94,7 @@ const RecordTable<ORLOHTTPPayloadDatasetVersion>& datasetVersionFields()
 {
     using Version = ORLOHTTPPayloadDatasetVersion;
     // Intended: `versionStatus` has no row. Of "size" and "length" the first wins, so it is read last.
-    static const auto& table = *new const RecordTable<Version>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<Version>{
         {L"id", &Version::id},
         {L"version", &Version::version},
         {L"dataSetId", &Version::dataSetId},
@@ -111,7 +113,7 @@ const RecordTable<ORLOHTTPPayloadDatasetVersion>& datasetVersionFields()
         {L"suiteCount", &Version::suiteCount},
         {L"length", &Version::size},
         {L"size", &Version::size},
-    };
+    });
     return table;
 }
 

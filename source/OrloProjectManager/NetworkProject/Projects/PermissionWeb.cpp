@@ -1,8 +1,8 @@
 #include "PermissionWeb.h"
 
-#include "../../Log.h"
 #include "../Call/WebCall.h"
 
+#include <OrloLogging/Log.h>
 #include <OrloNetwork/WebRequest.h>
 
 namespace orlo::OrloWebService {

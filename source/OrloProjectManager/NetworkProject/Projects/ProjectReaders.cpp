@@ -2,6 +2,7 @@
 
 #include "ProjectTexts.h"
 
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
 
 #include <array>
@@ -62,7 +63,7 @@ void readDoubleValue(const value& json, ORLOProjectStandardProperty& property)
 
 const RecordTable<ORLOHTTPPayloadProject>& projectFields()
 {
-    static const auto& table = *new const RecordTable<ORLOHTTPPayloadProject>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<ORLOHTTPPayloadProject>{
         {L"creationTime", &ORLOHTTPPayloadProject::creationTime},
         {L"description", &ORLOHTTPPayloadProject::description},
         {L"id", &ORLOHTTPPayloadProject::id},
@@ -72,32 +73,32 @@ const RecordTable<ORLOHTTPPayloadProject>& projectFields()
         {L"gridType", readGridType},
         {L"standardProperties", readStandardProperties},
         {L"size", readSize},
-    };
+    });
     return table;
 }
 
 const RecordTable<ORLOProjectStandardProperty>& standardPropertyFields()
 {
     // A later key that is present wins.
-    static const auto& table = *new const RecordTable<ORLOProjectStandardProperty>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<ORLOProjectStandardProperty>{
         {L"propertyId", &ORLOProjectStandardProperty::propertyId},
         {L"valueType", &ORLOProjectStandardProperty::valueType},
         {L"stringValue", &ORLOProjectStandardProperty::value},
         {L"intValue", readIntValue},
         {L"doubleValue", readDoubleValue},
-    };
+    });
     return table;
 }
 
 const RecordTable<ORLOHTTPPayloadSpecialty>& specialtyFields()
 {
-    static const auto& table = *new const RecordTable<ORLOHTTPPayloadSpecialty>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<ORLOHTTPPayloadSpecialty>{
         {L"id", &ORLOHTTPPayloadSpecialty::id},
         {L"name", &ORLOHTTPPayloadSpecialty::name},
         {L"projectId", &ORLOHTTPPayloadSpecialty::projectId},
         {L"description", &ORLOHTTPPayloadSpecialty::description},
         {L"type", &ORLOHTTPPayloadSpecialty::type},
-    };
+    });
     return table;
 }
 

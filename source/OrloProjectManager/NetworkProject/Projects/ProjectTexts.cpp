@@ -1,46 +1,48 @@
 #include "ProjectTexts.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 namespace orlo {
 
 const TextTable<ProjectStatus>& projectStatusTexts()
 {
-    static const auto& table = *new const TextTable<ProjectStatus>(
+    static const auto& table = utils::neverDestroyed(new const TextTable<ProjectStatus>(
         {{ProjectStatus::Ongoing, L"Ongoing"}, {ProjectStatus::Suspended, L"Suspended"}, {ProjectStatus::Completed, L"Completed"}},
-        ProjectStatus::Unknown);
+        ProjectStatus::Unknown));
     return table;
 }
 
 const TextTable<ProjectGridType>& projectGridTypeTexts()
 {
-    static const auto& table = *new const TextTable<ProjectGridType>(
-        {{ProjectGridType::TypeOne, L"TYPE_ONE"}, {ProjectGridType::TypeTwo, L"TYPE_TWO"}}, ProjectGridType::Unknown);
+    static const auto& table = utils::neverDestroyed(new const TextTable<ProjectGridType>(
+        {{ProjectGridType::TypeOne, L"TYPE_ONE"}, {ProjectGridType::TypeTwo, L"TYPE_TWO"}}, ProjectGridType::Unknown));
     return table;
 }
 
 const TextTable<SpecialtyType>& specialtyTexts()
 {
-    static const auto& table = *new const TextTable<SpecialtyType>({{SpecialtyType::Unknown, L"Unknown"},
-                                                                    {SpecialtyType::ZOK, L"ZOK"},
-                                                                    {SpecialtyType::ZIM, L"ZIM"},
-                                                                    {SpecialtyType::ZUTA, L"ZUTA"},
-                                                                    {SpecialtyType::ZEB, L"ZEB"}},
-                                                                   SpecialtyType::Unknown);
+    static const auto& table = utils::neverDestroyed(new const TextTable<SpecialtyType>({{SpecialtyType::Unknown, L"Unknown"},
+                                                                                         {SpecialtyType::ZOK, L"ZOK"},
+                                                                                         {SpecialtyType::ZIM, L"ZIM"},
+                                                                                         {SpecialtyType::ZUTA, L"ZUTA"},
+                                                                                         {SpecialtyType::ZEB, L"ZEB"}},
+                                                                                        SpecialtyType::Unknown));
     return table;
 }
 
 const TextTable<EStandardPropertyValueType>& standardPropertyTypes()
 {
     using Type = EStandardPropertyValueType;
-    static const auto& table = *new const TextTable<Type>({{Type::String, L"String"},
-                                                           {Type::Integer, L"Integer"},
-                                                           {Type::Long, L"Long"},
-                                                           {Type::Double, L"Double"},
-                                                           {Type::DateTime, L"DateTime"},
-                                                           {Type::Boolean, L"Boolean"},
-                                                           {Type::Code, L"Code"},
-                                                           {Type::Enum, L"Enum"},
-                                                           {Type::EnumValue, L"EnumValue"}},
-                                                          Type::Unknown);
+    static const auto& table = utils::neverDestroyed(new const TextTable<Type>({{Type::String, L"String"},
+                                                                                {Type::Integer, L"Integer"},
+                                                                                {Type::Long, L"Long"},
+                                                                                {Type::Double, L"Double"},
+                                                                                {Type::DateTime, L"DateTime"},
+                                                                                {Type::Boolean, L"Boolean"},
+                                                                                {Type::Code, L"Code"},
+                                                                                {Type::Enum, L"Enum"},
+                                                                                {Type::EnumValue, L"EnumValue"}},
+                                                                               Type::Unknown));
     return table;
 }
 

@@ -1,12 +1,12 @@
 #include "ProjectWeb.h"
 
-#include "../../Log.h"
 #include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
 #include "ProjectReaders.h"
 #include "ProjectTexts.h"
 
 #include <BaseCommon/Text.h>
+#include <OrloLogging/Log.h>
 
 namespace orlo::OrloWebService {
 
@@ -144,7 +144,7 @@ bool GetResourceLimit(ErrorCode& error, std::pair<int, int>& limits)
 std::wstring getProjectIdByDataset(ErrorCode& error, const std::string& datasetId)
 {
     WebCall call(L"OrloWebService::getProjectIdByDataset", service::project, methods::GET,
-                 std::wstring(projectOfDatasetPath) + L"?datasetId=" + utils::Utf8ToUnicode(datasetId));
+                 std::wstring(projectOfDatasetPath) + L"?datasetId=" + utils::toWstring(datasetId));
     WebAnswer answer = call.send(error);
     std::wstring projectId;
     if (answer.ok())

@@ -1,11 +1,11 @@
 #include "VersionWeb.h"
 
-#include "../../Log.h"
 #include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
 #include "DatasetReaders.h"
 
 #include <BaseCommon/Text.h>
+#include <OrloLogging/Log.h>
 
 namespace orlo::OrloWebService {
 
@@ -78,7 +78,7 @@ bool GetDatasetVersionByMvd(ErrorCode& error, ORLOHTTPPayloadDatasetVersion& out
     const bool latest = version < 0;
     WebCall call(L"OrloWebService::GetDatasetVersionByMvd", service::project, methods::GET, versionPath);
     call.place(L"{dsId}", datasetId).place(L"{dsVersion}", latest ? L"latest" : utils::toWstring(version));
-    call.query(L"onlySuccess", latest ? L"true" : L"false").query(L"mvd", mvd.empty() ? L"base" : mvd).withTimeout();
+    call.query(L"onlySuccess", latest ? L"true" : L"false").query(L"mvd", mvd.empty() ? L"base" : mvd).withTimeoutOfFirstUse();
     return readVersion(call.send(error), out);
 }
 

@@ -3,6 +3,8 @@
 #include "../Call/FieldReaders.h"
 #include "../Call/WebCall.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 namespace orlo::OrloWebService {
 
 using http::ORLOHTTPPayloadFontInfo;
@@ -16,7 +18,7 @@ constexpr const wchar_t* fontDownloadPath = L"/style-family/font/project/downloa
 
 const RecordTable<ORLOHTTPPayloadFontInfo>& fontFields()
 {
-    static const auto& table = *new const RecordTable<ORLOHTTPPayloadFontInfo>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<ORLOHTTPPayloadFontInfo>{
         {L"id", &ORLOHTTPPayloadFontInfo::id},
         {L"name", &ORLOHTTPPayloadFontInfo::name},
         {L"projectId", &ORLOHTTPPayloadFontInfo::projectId},
@@ -25,28 +27,28 @@ const RecordTable<ORLOHTTPPayloadFontInfo>& fontFields()
         {L"createTime", &ORLOHTTPPayloadFontInfo::createTime},
         {L"uploader", &ORLOHTTPPayloadFontInfo::uploader},
         {L"resourceBytes", &ORLOHTTPPayloadFontInfo::resourceBytes},
-    };
+    });
     return table;
 }
 
 const RecordTable<ORLOHTTPPayloadFontInfoAck>& fontsAckFields()
 {
-    static const auto& table = *new const RecordTable<ORLOHTTPPayloadFontInfoAck>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<ORLOHTTPPayloadFontInfoAck>{
         {L"code", &ORLOHTTPPayloadFontInfoAck::code},
         {L"msg", &ORLOHTTPPayloadFontInfoAck::msg},
         {L"data", [](const web::json::value& data, ORLOHTTPPayloadFontInfoAck& ack) { fontFields().readList(data, ack.fonts); }},
-    };
+    });
     return table;
 }
 
 const RecordTable<ORLOHTTPPayloadFontUriAck>& fontUriAckFields()
 {
-    static const auto& table = *new const RecordTable<ORLOHTTPPayloadFontUriAck>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<ORLOHTTPPayloadFontUriAck>{
         {L"code", &ORLOHTTPPayloadFontUriAck::code},
         {L"msg", &ORLOHTTPPayloadFontUriAck::msg},
         {L"data",
          [](const web::json::value& data, ORLOHTTPPayloadFontUriAck& ack) { readMember(data, L"fileUrlWithSAS", ack.fileUrlWithSAS); }},
-    };
+    });
     return table;
 }
 

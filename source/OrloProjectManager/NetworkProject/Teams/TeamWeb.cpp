@@ -20,7 +20,7 @@ bool GetTeamsInProject(ErrorCode& error, std::vector<CollaborationTeamInfo>& out
     WebAnswer answer = call.place(L"{projectId}", projectId).send(error);
     if (!answer.ok())
         return false;
-    if (IsMarkedSuccess(answer.body()))
+    if (answer.succeeded())
         OrloPayloadProcessor::teamFields().readList(answer.data(), out);
     return true;
 }

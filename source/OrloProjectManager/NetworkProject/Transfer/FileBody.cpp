@@ -21,9 +21,9 @@ std::shared_ptr<const FileBody> FileBody::open(const std::wstring& path)
 
 concurrency::streams::istream FileBody::stream() const
 {
-    return http::SourceBuffer::stream([self = shared_from_this(), place = 0ULL](std::uint8_t* room, size_t size) mutable {
-        const size_t wanted = static_cast<size_t>(std::min<unsigned long long>(size, self->size() - place));
-        size_t got = 0;
+    return http::SourceBuffer::stream([self = shared_from_this(), place = 0ULL](std::uint8_t* room, std::size_t size) mutable {
+        const std::size_t wanted = static_cast<std::size_t>(std::min<unsigned long long>(size, self->size() - place));
+        std::size_t got = 0;
         if (wanted > 0 && !self->m_file.read(place, room, wanted, got))
             throw std::runtime_error("the file can't be read");
         if (wanted > 0 && got == 0)

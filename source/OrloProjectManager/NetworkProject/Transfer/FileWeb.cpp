@@ -2,6 +2,8 @@
 
 #include "../Call/WebCall.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 namespace orlo::OrloWebService {
 
 namespace {
@@ -12,12 +14,12 @@ constexpr const wchar_t* fileOfProjectPath = L"/projects/{projectId}/files/{file
 
 const RecordTable<RelatedDatasetInfo>& relatedDatasetFields()
 {
-    static const auto& table = *new const RecordTable<RelatedDatasetInfo>{
+    static const auto& table = utils::neverDestroyed(new const RecordTable<RelatedDatasetInfo>{
         {L"datasetId", &RelatedDatasetInfo::datasetId},
         {L"datasetName", &RelatedDatasetInfo::datasetName},
         {L"datasetVersion", &RelatedDatasetInfo::datasetVersion},
         {L"displayVersion", &RelatedDatasetInfo::displayVersion},
-    };
+    });
     return table;
 }
 

@@ -35,11 +35,11 @@ const wchar_t* gzipped(const std::string& content, Payload& payload)
     if (!compressor)
         return L"OrloWebService::PutFileAsync - compressor get failed";
     // Left uninitialised, so that only what the compressor writes takes memory.
-    const size_t room = std::max<size_t>(100, content.size() + content.size() / 5);
+    const std::size_t room = std::max<std::size_t>(100, content.size() + content.size() / 5);
     const std::shared_ptr<std::uint8_t[]> buffer(new std::uint8_t[room]);
-    size_t used = 0;
+    std::size_t used = 0;
     bool done = false;
-    size_t produced = 0;
+    std::size_t produced = 0;
     try {
         produced = compressor->compress(reinterpret_cast<const std::uint8_t*>(content.data()), content.size(), buffer.get(), room,
                                         compression::operation_hint::is_last, used, done);

@@ -8,7 +8,7 @@ namespace orlo {
 struct Payload
 {
     const std::uint8_t* bytes = nullptr;
-    size_t size = 0;
+    std::size_t size = 0;
     std::shared_ptr<const void> owner;
 };
 

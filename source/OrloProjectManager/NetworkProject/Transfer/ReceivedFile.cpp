@@ -14,7 +14,7 @@ namespace orlo {
 
 namespace {
 
-constexpr size_t largestHead = size_t{1} << 20;
+constexpr std::size_t largestHead = std::size_t{1} << 20;
 
 bool saysPacked(const web::http::http_response& response)
 {
@@ -35,7 +35,7 @@ unsigned long long unpackedLimit(const std::wstring& place)
     return failed ? allowed : std::min<unsigned long long>(allowed, space.available);
 }
 
-void append(std::vector<unsigned char>& received, const unsigned char* bytes, size_t count)
+void append(std::vector<unsigned char>& received, const unsigned char* bytes, std::size_t count)
 {
     if (received.capacity() - received.size() < count) {
         received.reserve(std::max(received.size() + count, 2 * received.capacity()));
@@ -55,13 +55,13 @@ void ReceivedFile::begin(const web::http::http_response& response)
     m_isPacked = saysPacked(response);
 }
 
-void ReceivedFile::receive(const unsigned char* bytes, size_t count)
+void ReceivedFile::receive(const unsigned char* bytes, std::size_t count)
 {
     if (!m_isPacked || !m_isWanted)
         return keep(bytes, count);
     if (!m_inflater)
         m_inflater.emplace(unpackedLimit(m_place));
-    m_inflater->feed(bytes, count, [this](const unsigned char* unpacked, size_t size) { keep(unpacked, size); });
+    m_inflater->feed(bytes, count, [this](const unsigned char* unpacked, std::size_t size) { keep(unpacked, size); });
 }
 
 void ReceivedFile::end()
@@ -77,11 +77,11 @@ void ReceivedFile::end()
     }
 }
 
-void ReceivedFile::keep(const unsigned char* bytes, size_t count)
+void ReceivedFile::keep(const unsigned char* bytes, std::size_t count)
 {
     if (m_place.empty() && m_isWanted)
         return append(m_head, bytes, count);
-    const size_t toHead = std::min(count, largestHead - std::min(largestHead, m_head.size()));
+    const std::size_t toHead = std::min(count, largestHead - std::min(largestHead, m_head.size()));
     const bool begins = m_isWanted && !m_isLarge && toHead < count;
     if (begins) {
         m_isLarge = true;
@@ -94,7 +94,7 @@ void ReceivedFile::keep(const unsigned char* bytes, size_t count)
         write(bytes, count);
 }
 
-void ReceivedFile::write(const unsigned char* bytes, size_t count)
+void ReceivedFile::write(const unsigned char* bytes, std::size_t count)
 {
     try {
         if (m_file)

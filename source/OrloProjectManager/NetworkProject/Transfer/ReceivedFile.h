@@ -22,7 +22,7 @@ public:
     /// The head of the answer, before its body.
     void begin(const web::http::http_response& response);
     /// Throws std::runtime_error for what can't be unpacked. A file that can't be written is no failure here: see moveToPlace.
-    void receive(const unsigned char* bytes, size_t count);
+    void receive(const unsigned char* bytes, std::size_t count);
     /// Throws as receive does, where the end is missing.
     void end();
 
@@ -34,8 +34,8 @@ public:
     bool moveToPlace();
 
 private:
-    void keep(const unsigned char* bytes, size_t count);
-    void write(const unsigned char* bytes, size_t count);
+    void keep(const unsigned char* bytes, std::size_t count);
+    void write(const unsigned char* bytes, std::size_t count);
 
     const std::wstring m_place;
     std::wstring m_temporaryName;

@@ -1,11 +1,10 @@
 #include "StreamWeb.h"
 
-#include "../../Log.h"
-#include "../../Transfer/LocalFiles.h"
 #include "../Call/AsyncCall.h"
 #include "../Call/Refusal.h"
 #include "FileBody.h"
 #include "GzipPayload.h"
+#include "LocalFiles.h"
 #include "ReceivedFile.h"
 
 #include <BaseCommon/Files.h>
@@ -13,6 +12,7 @@
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
+#include <OrloLogging/Log.h>
 #include <OrloLogging/TimeCostingHelper.h>
 #include <OrloNetwork/Body/JsonText.h>
 #include <OrloNetwork/Body/SinkBuffer.h>
@@ -71,7 +71,8 @@ void setBody(web::http::http_request& request, const Payload& payload)
     request.set_body(concurrency::streams::istream(concurrency::streams::streambuf<std::uint8_t>(kept)), payload.size, utility::string_t());
 }
 
-bool isOk(const http_response& response, const wchar_t* words)
+/// Logs a status that is not 200.
+bool okOrLogged(const http_response& response, const wchar_t* words)
 {
     if (response.status_code() == web::http::status_codes::OK)
         return true;
@@ -79,9 +80,10 @@ bool isOk(const http_response& response, const wchar_t* words)
     return false;
 }
 
-bool isOk(const Step& step, const http_response& response, const wchar_t* words)
+/// The same, and stops the chain.
+bool okOrStopped(const Step& step, const http_response& response, const wchar_t* words)
 {
-    const bool ok = isOk(response, words);
+    const bool ok = okOrLogged(response, words);
     if (!ok)
         step.stop();
     return ok;
@@ -140,7 +142,7 @@ void fileArrived(const Step& step, const http_response& response, ReceivedFile& 
     file.end();
     const std::vector<unsigned char>& bytes = file.head();
     noteStatus(*step.error, response, status < 400 ? std::string() : textOf(bytes));
-    if (!isOk(step, response, L"OrloWebService::GetFileAsync - code:")) {
+    if (!okOrStopped(step, response, L"OrloWebService::GetFileAsync - code:")) {
         step.complete(status, step.error->GetErrorMessage(), {});
     }
     else if (looksCompressed(bytes)) {
@@ -160,9 +162,9 @@ struct StreamTarget
 {
     explicit StreamTarget(std::wstring wholeFile) : target(std::move(wholeFile)), file(temporaryName()) {}
 
-    void receive(const std::uint8_t* bytes, size_t count)
+    void receive(const std::uint8_t* bytes, std::size_t count)
     {
-        constexpr size_t enoughForWords = size_t{64} << 10;
+        constexpr std::size_t enoughForWords = std::size_t{64} << 10;
         if (head.size() < enoughForWords)
             head.append(reinterpret_cast<const char*>(bytes), std::min(count, enoughForWords - head.size()));
         file.write(bytes, count);
@@ -192,7 +194,7 @@ struct StreamTarget
 void streamArrived(const Step& step, const http_response& response, StreamTarget& stream)
 {
     noteStatus(*step.error, response, stream.head);
-    if (isOk(step, response, L"OrloWebService::GetFileByStreamModeAsync - code:") && !stream.moveToPlace())
+    if (okOrStopped(step, response, L"OrloWebService::GetFileByStreamModeAsync - code:") && !stream.moveToPlace())
         step.stop();
     step.complete(response.status_code(), std::wstring());
     endTransfer(L"END TO GetFileByStreamModeAsync.", streamLabel);
@@ -207,13 +209,13 @@ void put(const Step& step, const std::string& url, std::function<void(web::http:
         return made;
     };
     const auto answer = std::make_shared<std::string>();
-    const auto receive = [answer](const std::uint8_t* bytes, size_t count) {
+    const auto receive = [answer](const std::uint8_t* bytes, std::size_t count) {
         answer->append(reinterpret_cast<const char*>(bytes), std::min(count, largestAnswer - answer->size()));
     };
     exchange(step, prepare, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace),
              [step, answer, confirm = std::move(confirm)](const http_response& response) {
                  noteStatus(*step.error, response, *answer);
-                 const bool ok = isOk(step, response, L"OrloWebService::PutFileAsync - code:");
+                 const bool ok = okOrStopped(step, response, L"OrloWebService::PutFileAsync - code:");
                  if (ok)
                      confirm();
                  step.complete(response.status_code(), ok ? jsonOrNothing(*answer) : step.error->GetErrorMessage());
@@ -263,7 +265,7 @@ void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& cont
         made.request->headers().add(web::http::header_names::accept_encoding, utils::toNative(std::string("gzip")));
         return made;
     };
-    const auto sink = SinkBuffer::stream([file](const std::uint8_t* bytes, size_t count) { file->receive(bytes, count); },
+    const auto sink = SinkBuffer::stream([file](const std::uint8_t* bytes, std::size_t count) { file->receive(bytes, count); },
                                          SinkBuffer::Place::apart, [file](const http_response& response) { file->begin(response); });
     exchange(step, get, sink, [step, file](const http_response& response) { fileArrived(step, response, *file); });
 }
@@ -273,7 +275,7 @@ void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const s
     const Step step{"GetFileByStreamMode", context, &error};
     beginTransfer(L"BEGIN TO GetFileByStreamModeAsync.", streamLabel);
     const auto stream = std::make_shared<StreamTarget>(target);
-    const auto receive = [stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); };
+    const auto receive = [stream](const std::uint8_t* bytes, std::size_t count) { stream->receive(bytes, count); };
     exchange(
         step, [url] { return signedExchange(methods::GET, url, Traffic::filesOfBatch); }, SinkBuffer::stream(receive),
         [step, stream](const http_response& response) { streamArrived(step, response, *stream); });
@@ -285,12 +287,12 @@ try {
     const auto stream = std::make_shared<StreamTarget>(target);
     const Exchange made = signedExchange(methods::GET, url);
     made.request->set_response_stream(SinkBuffer::stream(
-        [stream](const std::uint8_t* bytes, size_t count) { stream->receive(bytes, count); }, SinkBuffer::Place::inPlace));
+        [stream](const std::uint8_t* bytes, std::size_t count) { stream->receive(bytes, count); }, SinkBuffer::Place::inPlace));
     LogRequest(*made.client, *made.request);
     const http_response response = SendAndWait(*made.client, *made.request);
     LogResponse(response, *made.request, error);
     noteStatus(error, response, stream->head);
-    if (!isOk(response, L"OrloWebService::DownloadFileFromUrl - code:"))
+    if (!okOrLogged(response, L"OrloWebService::DownloadFileFromUrl - code:"))
         return false;
     if (stream->moveToPlace())
         return true;

@@ -1,11 +1,12 @@
 #include "TransferWeb.h"
 
-#include "../../Log.h"
 #include "../Call/AsyncCall.h"
 #include "../Call/FieldReaders.h"
 #include "../Call/Refusal.h"
 
 #include <BaseCommon/Text.h>
+#include <OrloLogging/Log.h>
+#include <OrloNetwork/Body/JsonText.h>
 
 namespace orlo::OrloWebService {
 
@@ -33,30 +34,35 @@ std::wstring authorityText(WebAnswer& answer, Authority place)
         return utils::fromNative(whole);
     try {
         // Read once more, since not all that was read can be: a number beyond all bounds is written as no number.
-        const web::json::value envelope = web::json::value::parse(whole);
+        const web::json::value envelope = http::parseJson(utils::fromNativeToUtf8(whole));
         const web::json::value* const data = memberOf(envelope, L"data");
         return utils::fromNative(data && data->is_object() ? data->serialize() : whole);
     }
-    catch (const web::json::json_exception&) {
+    catch (const std::exception&) { // half a surrogate pair is told by another type than the rest
         log::error(L" catch value::parse(all_data) error");
         return utils::fromNative(whole);
     }
 }
 
-/// The answer's JSON goes on to the handler as text. `bytes` says whether the handler is one that takes bytes beside it.
-void acquire(const Step& step, const WebCall& call, Authority place, bool bytes)
+/// Of a refusal nothing, and the chain stops.
+std::wstring authorityOrStop(const Step& step, WebAnswer& answer, Authority place)
 {
-    send(step, call, [step, place, bytes](WebAnswer& answer) {
-        std::wstring body;
-        if (answer.ok())
-            body = authorityText(answer, place);
-        else
-            step.stop();
-        if (bytes)
-            step.complete(answer.status(), body, {});
-        else
-            step.complete(answer.status(), body);
-    });
+    if (answer.ok())
+        return authorityText(answer, place);
+    step.stop();
+    return {};
+}
+
+/// The answer's JSON goes on to the handler as text.
+void acquire(const Step& step, const WebCall& call, Authority place)
+{
+    send(step, call, [step, place](WebAnswer& answer) { step.complete(answer.status(), authorityOrStop(step, answer, place)); });
+}
+
+/// The same for a handler that takes bytes beside the text; there are none.
+void acquireForFile(const Step& step, const WebCall& call, Authority place)
+{
+    send(step, call, [step, place](WebAnswer& answer) { step.complete(answer.status(), authorityOrStop(step, answer, place), {}); });
 }
 
 bool refuseBatch(const Step& step, const std::wstring& words)
@@ -84,7 +90,7 @@ void AcquireUploadAuthorityAsync(ErrorCode& error, const std::wstring& fileName,
 {
     WebCall call(L"OrloWebService::AcquireUploadAuthorityAsync", service::project, methods::PUT, newFilePath);
     call.query(L"fileName", fileName).query(L"filepath", filePath);
-    acquire({uploadStep, context, &error}, call, Authority::isTheBody, false);
+    acquire({uploadStep, context, &error}, call, Authority::isTheBody);
 }
 
 void AcquireUploadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileName, const std::wstring& filePath,
@@ -92,20 +98,20 @@ void AcquireUploadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fi
 {
     WebCall call(L"OrloWebService::AcquireUploadAuthorityAsync", service::project, methods::GET, newDocumentPath);
     call.query(L"fileName", fileName).query(L"filepath", filePath).query(L"targetFolderId", targetFolderId);
-    acquire({uploadStep, context, &error}, call, Authority::standsUnderData, false);
+    acquire({uploadStep, context, &error}, call, Authority::standsUnderData);
 }
 
 void AcquireDownloadAuthorityAsync(ErrorCode& error, const std::wstring& remotePath, const Context& context)
 {
     WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readFilePath);
-    acquire({downloadStep, context, &error}, call.plainText(remotePath), Authority::isTheBody, true);
+    acquireForFile({downloadStep, context, &error}, call.plainText(remotePath), Authority::isTheBody);
 }
 
 void AcquireDownloadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileId, int version, const Context& context)
 {
     WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readDocumentPath);
     call.place(L"{fileId}", fileId).query(L"version", utils::toWstring(version));
-    acquire({downloadStep, context, &error}, call, Authority::standsUnderData, true);
+    acquireForFile({downloadStep, context, &error}, call, Authority::standsUnderData);
 }
 
 void AcquireDownloadAuthorityAsyncForModuleFile(ErrorCode& error, const ModuleFileRequest& request, const Context& context)
@@ -115,7 +121,7 @@ void AcquireDownloadAuthorityAsyncForModuleFile(ErrorCode& error, const ModuleFi
         .place(L"{spaceTypeParameter}", request.spaceTypeParameter)
         .place(L"{resourceType}", request.resourceType)
         .plainText(request.body);
-    acquire({moduleStep, context, &error}, call, Authority::isTheBody, true);
+    acquireForFile({moduleStep, context, &error}, call, Authority::isTheBody);
 }
 
 bool AcquireBatchDownloadAuthorityAsync(ErrorCode& error, const std::string& datasetId, const std::vector<std::string>& seeds,
@@ -127,7 +133,7 @@ bool AcquireBatchDownloadAuthorityAsync(ErrorCode& error, const std::string& dat
     if (datasetId.empty())
         return refuseBatch(step, L"dataset id is empty");
     WebCall call(L"OrloWebService::AcquireBatchDownloadAuthorityAsync", service::project, methods::POST, readBlocksPath);
-    acquire(step, call.place(L"{datasetId}", datasetId).body(seedsAsJson(seeds)), Authority::isTheBody, false);
+    acquire(step, call.place(L"{datasetId}", datasetId).body(seedsAsJson(seeds)), Authority::isTheBody);
     return true;
 }
 

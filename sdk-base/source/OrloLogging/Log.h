@@ -1,5 +1,7 @@
 #pragma once
 
+#include <OrloLogging/Export.h>
+
 #include <string>
 
 namespace orlo {
@@ -16,17 +18,13 @@ struct CallSite
 /// file level, where its line would be that of a constant.
 #define ORLO_HERE(function) (static_cast<void>(__func__), ::orlo::CallSite{__FILE__, __LINE__, function})
 
-/// The tag of this library. It stands at the head of a message, or beside it where a position goes along.
-extern const wchar_t* const logTag;
-
+/// The lines of these libraries. Their tag stands at the head of a message, or beside it where a position goes along.
 namespace log {
 
-void info(const std::wstring& message);
-void warning(const std::wstring& message);
-void error(const std::wstring& message);
-/// For the few messages that go out without the tag at their head.
-void errorUntagged(const std::wstring& message);
-void errorAt(const CallSite& site, const std::wstring& message);
+ORLO_LOGGING_API void info(const std::wstring& message);
+ORLO_LOGGING_API void warning(const std::wstring& message);
+ORLO_LOGGING_API void error(const std::wstring& message);
+ORLO_LOGGING_API void errorAt(const CallSite& site, const std::wstring& message);
 
 } // namespace log
 } // namespace orlo

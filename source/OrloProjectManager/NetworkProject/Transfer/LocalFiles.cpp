@@ -1,11 +1,11 @@
 #include "LocalFiles.h"
 
-#include "../Log.h"
-
 #include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/StrayFiles.h>
 #include <BaseCommon/Text.h>
+#include <OrloLogging/Log.h>
 
 #include <mutex>
 #include <set>
@@ -16,9 +16,9 @@ namespace {
 
 bool isFirstTimeAt(const std::wstring& folder)
 {
-    static std::mutex& mutex = *new std::mutex;
-    static auto& known = *new std::set<std::wstring>;
-    const std::lock_guard<std::mutex> lock(mutex);
+    static std::mutex& mutex = utils::neverDestroyed(new std::mutex);
+    static auto& known = utils::neverDestroyed(new std::set<std::wstring>);
+    const std::lock_guard lock(mutex);
     return known.insert(folder).second;
 }
 

@@ -1,0 +1,33 @@
+#include <OrloLogging/ILogManager.h>
+#include <OrloLogging/Log.h>
+
+namespace orlo::log {
+
+namespace {
+
+// No std::wstring: a call on another thread may still log while the statics of the process go.
+constexpr const wchar_t* tag = L"[ORLOSDK]";
+
+} // namespace
+
+void info(const std::wstring& message)
+{
+    ILogManager::Get()->LogInfo(tag + message);
+}
+
+void warning(const std::wstring& message)
+{
+    ILogManager::Get()->LogWarning(tag + message);
+}
+
+void error(const std::wstring& message)
+{
+    ILogManager::Get()->LogError(tag + message);
+}
+
+void errorAt(const CallSite& site, const std::wstring& message)
+{
+    ILogManager::Get()->LogErrorAt(site.source, site.line, site.function, message, tag);
+}
+
+} // namespace orlo::log
