@@ -262,7 +262,7 @@ void Transfer::end(CURLcode code)
     if (!m_isCut && mayBeCut())
         return endWith(
             exceptionOf(failureOf(CURLE_PARTIAL_FILE, "the answer doesn't tell its length, so that it may have been cut short")));
-    m_sink.flush([self = shared_from_this()](const std::exception_ptr& thrown) { self->complete(thrown); });
+    m_sink.flush([self = shared_from_this()](const std::exception_ptr& thrown) { self->endWith(thrown); });
 }
 
 void Transfer::endTooLate()
@@ -272,11 +272,6 @@ void Transfer::endTooLate()
 }
 
 void Transfer::endWith(const std::exception_ptr& thrown)
-{
-    complete(thrown);
-}
-
-void Transfer::complete(const std::exception_ptr& thrown)
 {
     if (!m_isDelivered) {
         m_answered.set_exception(thrown);

@@ -47,6 +47,7 @@ public:
     /// One of them ends it; the handle is still attached, and may be let go then.
     void end(CURLcode code);
     void endTooLate();
+    /// thrown: null for a success.
     void endWith(const std::exception_ptr& thrown);
 
 private:
@@ -60,7 +61,6 @@ private:
     void deliver();
     std::size_t take(const char* bytes, std::size_t count);
     std::size_t give(char* room, std::size_t size);
-    void complete(const std::exception_ptr& thrown);
     Stage stage() const;
     std::string place() const;
     Failure failureOf(CURLcode code, const char* words) const;
