@@ -1,4 +1,5 @@
-#include <BaseCommon/BaseConfigManager.h>
+#include "BaseConfigManager.h"
+
 #include <BaseCommon/NeverDestroyed.h>
 
 #include <mutex>

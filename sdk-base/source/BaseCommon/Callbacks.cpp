@@ -1,4 +1,5 @@
-#include <BaseCommon/Callbacks.h>
+#include "Callbacks.h"
+
 #include <BaseCommon/Interruption.h>
 
 #include <utility>

@@ -1,4 +1,5 @@
-#include <BaseCommon/Caught.h>
+#include "Caught.h"
+
 #include <BaseCommon/Text.h>
 
 #include <exception>

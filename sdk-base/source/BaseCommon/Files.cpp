@@ -1,4 +1,5 @@
-#include <BaseCommon/Files.h>
+#include "Files.h"
+
 #include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Platform.h>

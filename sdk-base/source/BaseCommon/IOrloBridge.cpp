@@ -1,4 +1,4 @@
-#include <BaseCommon/IOrloBridge.h>
+#include "IOrloBridge.h"
 
 namespace orlo {
 

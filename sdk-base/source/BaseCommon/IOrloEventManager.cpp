@@ -1,4 +1,4 @@
-#include <BaseCommon/IOrloEventManager.h>
+#include "IOrloEventManager.h"
 
 #include <atomic>
 

@@ -1,4 +1,4 @@
-#include <BaseCommon/Interruption.h>
+#include "Interruption.h"
 
 #include <utility>
 

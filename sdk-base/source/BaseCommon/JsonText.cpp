@@ -1,4 +1,5 @@
-#include <BaseCommon/JsonText.h>
+#include "JsonText.h"
+
 #include <BaseCommon/Text.h>
 
 #include <rapidjson/reader.h>

@@ -1,5 +1,6 @@
+#include "JsonWrapper.h"
+
 #include <BaseCommon/JsonText.h>
-#include <BaseCommon/JsonWrapper.h>
 
 #include <rapidjson/document.h>
 

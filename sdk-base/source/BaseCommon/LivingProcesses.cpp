@@ -1,5 +1,6 @@
+#include "LivingProcesses.h"
+
 #include <BaseCommon/Files.h>
-#include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Platform.h>

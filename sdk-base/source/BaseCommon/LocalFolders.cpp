@@ -1,5 +1,6 @@
+#include "LocalFolders.h"
+
 #include <BaseCommon/Files.h>
-#include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Platform.h>
 

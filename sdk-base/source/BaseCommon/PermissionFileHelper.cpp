@@ -1,7 +1,8 @@
+#include "PermissionFileHelper.h"
+
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/NeverDestroyed.h>
-#include <BaseCommon/PermissionFileHelper.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/TokenText.h>

@@ -1,5 +1,6 @@
+#include "Platform.h"
+
 #include <BaseCommon/Files.h>
-#include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 
 #include <openssl/crypto.h>

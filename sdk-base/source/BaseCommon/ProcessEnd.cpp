@@ -1,4 +1,4 @@
-#include <BaseCommon/ProcessEnd.h>
+#include "ProcessEnd.h"
 
 #include <array>
 #include <atomic>

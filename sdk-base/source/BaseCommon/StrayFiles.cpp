@@ -1,7 +1,8 @@
+#include "StrayFiles.h"
+
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LivingProcesses.h>
 #include <BaseCommon/LocalFolders.h>
-#include <BaseCommon/StrayFiles.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
 

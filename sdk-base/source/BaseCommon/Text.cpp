@@ -1,4 +1,5 @@
-#include <BaseCommon/Text.h>
+#include "Text.h"
+
 #include <BaseCommon/Uuid.h>
 
 #include <algorithm>

@@ -1,5 +1,6 @@
+#include "TokenText.h"
+
 #include <BaseCommon/JsonWrapper.h>
-#include <BaseCommon/TokenText.h>
 
 namespace orlo::utils {
 

@@ -1,5 +1,6 @@
+#include "Uuid.h"
+
 #include <BaseCommon/Platform.h>
-#include <BaseCommon/Uuid.h>
 
 #include <openssl/rand.h>
 

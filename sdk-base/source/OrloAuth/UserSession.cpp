@@ -1,6 +1,7 @@
+#include "UserSession.h"
+
 #include <BaseCommon/NeverDestroyed.h>
 #include <OrloAuth/SessionWatch.h>
-#include <OrloAuth/UserSession.h>
 #include <OrloLogging/SecretGuard.h>
 
 #include <mutex>

@@ -1,7 +1,8 @@
+#include "OrloConfigManager.h"
+
 #include <BaseCommon/BaseConfigManager.h>
 #include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
-#include <OrloCommon/OrloConfigManager.h>
 
 #include <mutex>
 #include <utility>

@@ -1,5 +1,6 @@
+#include "GeneralInstanceCreator.h"
+
 #include <BaseCommon/NeverDestroyed.h>
-#include <OrloJobManager/GeneralInstanceCreator.h>
 
 #include <map>
 #include <mutex>

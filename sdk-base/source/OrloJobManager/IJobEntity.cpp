@@ -1,4 +1,4 @@
-#include <OrloJobManager/IJobEntity.h>
+#include "IJobEntity.h"
 
 namespace orlo {
 

@@ -1,3 +1,5 @@
+#include "IJobManager.h"
+
 #include "JobLog.h"
 #include "JobRunner.h"
 
@@ -5,7 +7,6 @@
 #include <BaseCommon/ProcessEnd.h>
 #include <BaseCommon/Text.h>
 #include <OrloAuth/SessionWatch.h>
-#include <OrloJobManager/IJobManager.h>
 
 #include <atomic>
 #include <mutex>

@@ -1,5 +1,6 @@
+#include "JobEntity.h"
+
 #include <BaseCommon/Uuid.h>
-#include <OrloJobManager/JobEntity.h>
 
 #include <chrono>
 

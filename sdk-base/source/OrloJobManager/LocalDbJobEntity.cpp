@@ -1,8 +1,8 @@
+#include "LocalDbJobEntity.h"
+
 #include "JobLog.h"
 #include "JobRun.h"
 #include "JobStore.h"
-
-#include <OrloJobManager/LocalDbJobEntity.h>
 
 namespace orlo {
 

@@ -1,7 +1,8 @@
+#include "ILogManager.h"
+
 #include "DefaultLogManager.h"
 
 #include <BaseCommon/NeverDestroyed.h>
-#include <OrloLogging/ILogManager.h>
 #include <OrloLogging/Redaction.h>
 #include <OrloLogging/SecretGuard.h>
 

@@ -1,5 +1,6 @@
+#include "Log.h"
+
 #include <OrloLogging/ILogManager.h>
-#include <OrloLogging/Log.h>
 
 namespace orlo::log {
 

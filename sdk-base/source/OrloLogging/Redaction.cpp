@@ -1,9 +1,9 @@
+#include "Redaction.h"
+
 #include "Characters.h"
 #include "Credentials.h"
 #include "Scan.h"
 #include "SecretSearch.h"
-
-#include <OrloLogging/Redaction.h>
 
 #include <algorithm>
 #include <cstddef>

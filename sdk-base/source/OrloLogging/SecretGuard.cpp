@@ -1,5 +1,6 @@
+#include "SecretGuard.h"
+
 #include <BaseCommon/NeverDestroyed.h>
-#include <OrloLogging/SecretGuard.h>
 
 #include <algorithm>
 #include <mutex>

@@ -1,5 +1,6 @@
+#include "TimeCostingHelper.h"
+
 #include <BaseCommon/NeverDestroyed.h>
-#include <OrloLogging/TimeCostingHelper.h>
 
 #include <map>
 #include <mutex>
