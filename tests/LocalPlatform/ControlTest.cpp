@@ -10,18 +10,18 @@ protected:
     Reply control(const std::string& name, const std::string& body) const { return nobody().post("/_control/" + name, body); }
 };
 
-const std::string kDone = R"({"code":10000,"message":"OK","data":null})";
+const std::string acknowledged = R"({"code":10000,"message":"OK","data":null})";
 
 TEST_F(Control, RegistersUsers)
 {
-    EXPECT_THAT(control("users", R"({"userId":"u","accountId":"a","accessToken":"t"})").body, IsJson(kDone));
+    EXPECT_THAT(control("users", R"({"userId":"u","accountId":"a","accessToken":"t"})").body, IsJson(acknowledged));
     EXPECT_EQ(Caller(platform.url(), "t").get("/projects").status, 200);
     EXPECT_EQ(control("users", R"({"userId":"u","accountId":"","accessToken":"t2"})").status, 400);
 }
 
 TEST_F(Control, RevokesTokens)
 {
-    EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token","revoked":true})").body, IsJson(kDone));
+    EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token","revoked":true})").body, IsJson(acknowledged));
     const Reply refused = demo().get("/projects");
     EXPECT_EQ(refused.status, 401);
     EXPECT_THAT(refused.body, IsJson(R"({"code":40100,"message":"the access token was revoked","data":null})"));
@@ -31,7 +31,7 @@ TEST_F(Control, RevokesTokens)
 
 TEST_F(Control, ExpiresTokensByThePlatformsClock)
 {
-    EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token","expiresIn":3600})").body, IsJson(kDone));
+    EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token","expiresIn":3600})").body, IsJson(acknowledged));
     EXPECT_EQ(demo().get("/projects").status, 200);
     platform.moveClock(3601);
     const Reply refused = demo().get("/projects");
@@ -75,10 +75,10 @@ TEST_F(Control, TellsOfEachKindOfFault)
 
 TEST_F(Control, SetsQuotas)
 {
-    EXPECT_THAT(control("quota", R"({"accountId":"demo-account","projectNumber":3,"spaceSize":10})").body, IsJson(kDone));
+    EXPECT_THAT(control("quota", R"({"accountId":"demo-account","projectNumber":3,"spaceSize":10})").body, IsJson(acknowledged));
     EXPECT_THAT(demo().get("/resource/limit").body, IsJson(R"({"code":10000,"message":"OK","data":{"projectNumber":3,"spaceSize":10}})"));
-    EXPECT_THAT(control("quota", R"({"accountId":"demo-account","personal":true})").body, IsJson(kDone));
-    EXPECT_THAT(demo().get("/resource/limit").body, IsJson(kDone));
+    EXPECT_THAT(control("quota", R"({"accountId":"demo-account","personal":true})").body, IsJson(acknowledged));
+    EXPECT_THAT(demo().get("/resource/limit").body, IsJson(acknowledged));
     EXPECT_EQ(control("quota", R"({"accountId":"demo-account","projectNumber":3000000000,"spaceSize":10})").status, 400);
 }
 
@@ -108,7 +108,7 @@ TEST_F(Control, ChangesProjects)
     project("p1");
     const Reply reply = nobody().patch("/_control/projects/p1", R"({"gridType":"TYPE_ONE","size":4,"archived":true,
         "standardProperties":[{"propertyId":"a","valueType":"String","stringValue":"高"}]})");
-    EXPECT_THAT(reply.body, IsJson(kDone));
+    EXPECT_THAT(reply.body, IsJson(acknowledged));
     EXPECT_THAT(demo().get("/projects?scenario=ARCHIVE").body,
                 IsJson(R"([{"creationTime":"<time>","description":"","id":"p1","name":"Tower","owner":"demo-account",
                     "status":"Ongoing","gridType":"TYPE_ONE","size":4,
@@ -131,7 +131,7 @@ TEST_F(Control, GrantsPermissions)
     project("p1");
     const Reply reply = control("permissions", R"({"projectId":"p1","accountId":"demo-account","resource":"GridConfig",
         "permissionTypes":["SoftWrite"]})");
-    EXPECT_THAT(reply.body, IsJson(kDone));
+    EXPECT_THAT(reply.body, IsJson(acknowledged));
     EXPECT_THAT(demo().get("/projects/p1/users/demo-account/permission").body,
                 IsJson(R"({"code":10000,"message":"OK","data":[{"resource":"GridConfig","permissionTypes":["SoftWrite"]}]})"));
     EXPECT_EQ(control("permissions", R"({"projectId":"p1","accountId":"a","resource":"r","permissionTypes":["Own"]})").status, 400);
@@ -145,7 +145,7 @@ TEST_F(Control, AddsCountsAndClearsFaults)
     EXPECT_THAT(
         nobody().get("/_control/faults").body,
         IsJson(R"({"code":10000,"message":"OK","data":[{"id":1,"kind":"status","status":429,"path":"/projects","left":1,"struck":1}]})"));
-    EXPECT_THAT(nobody().del("/_control/faults").body, IsJson(kDone));
+    EXPECT_THAT(nobody().del("/_control/faults").body, IsJson(acknowledged));
     EXPECT_EQ(demo().get("/projects").status, 200);
     EXPECT_EQ(control("faults", R"({"kind":"explode","path":"/projects"})").status, 400);
     EXPECT_EQ(control("faults", R"({"kind":"status","path":"/projects","status":9})").status, 400);
@@ -182,7 +182,7 @@ TEST_F(Control, CountsRequestsByMethodAndPath)
                 IsJson(R"({"code":10000,"message":"OK","data":{"count":3}})"));
     EXPECT_EQ(platform.requestCount("", "/"), 4u);
     EXPECT_EQ(platform.requestCount("POST", "/v3"), 1u);
-    EXPECT_THAT(nobody().del("/_control/requests").body, IsJson(kDone));
+    EXPECT_THAT(nobody().del("/_control/requests").body, IsJson(acknowledged));
     EXPECT_EQ(platform.requestCount("", "/"), 0u);
 }
 

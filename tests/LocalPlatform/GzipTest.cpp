@@ -7,7 +7,7 @@ namespace orlo::platform::test {
 namespace {
 
 /// "hello" as the gzip command packs it.
-const std::string kHello("\x1f\x8b\x08\x00\x00\x00\x00\x00\x00\x03\xcb\x48\xcd\xc9\xc9\x07\x00\x86\xa6\x10\x36\x05\x00\x00\x00", 25);
+const std::string packedHello("\x1f\x8b\x08\x00\x00\x00\x00\x00\x00\x03\xcb\x48\xcd\xc9\xc9\x07\x00\x86\xa6\x10\x36\x05\x00\x00\x00", 25);
 
 std::string unpacked(const std::string& packed, std::size_t pieceSize)
 {
@@ -22,21 +22,21 @@ std::string unpacked(const std::string& packed, std::size_t pieceSize)
 TEST(Gzip, ReadsAStreamInPiecesOfAnySize)
 {
     for (const std::size_t size : {1u, 2u, 7u, 25u})
-        EXPECT_EQ(unpacked(kHello, size), "hello");
+        EXPECT_EQ(unpacked(packedHello, size), "hello");
 }
 
 TEST(Gzip, ReadsSeveralStreamsAsOneContent)
 {
-    EXPECT_EQ(unpacked(kHello + kHello, 9), "hellohello");
+    EXPECT_EQ(unpacked(packedHello + packedHello, 9), "hellohello");
 }
 
 TEST(Gzip, RefusesWhatIsNoWholeStream)
 {
-    for (std::size_t length = 0; length < kHello.size(); ++length)
-        EXPECT_THROW(unpacked(kHello.substr(0, length), 5), Refusal) << length;
+    for (std::size_t length = 0; length < packedHello.size(); ++length)
+        EXPECT_THROW(unpacked(packedHello.substr(0, length), 5), Refusal) << length;
     EXPECT_THROW(unpacked("hello", 5), Refusal);
-    EXPECT_THROW(unpacked(kHello + "x", 100), Refusal);
-    std::string wrongSum = kHello;
+    EXPECT_THROW(unpacked(packedHello + "x", 100), Refusal);
+    std::string wrongSum = packedHello;
     wrongSum[17] = 'x';
     EXPECT_THROW(unpacked(wrongSum, 100), Refusal);
 }

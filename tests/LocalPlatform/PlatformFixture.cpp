@@ -15,7 +15,7 @@ Reply toReply(const httplib::Result& result)
     return {result->status, result->body, result.error()};
 }
 
-constexpr const char* kJson = "application/json";
+constexpr const char* jsonType = "application/json";
 
 } // namespace
 
@@ -36,17 +36,17 @@ Reply Caller::get(const std::string& target) const
 
 Reply Caller::post(const std::string& target, const std::string& body) const
 {
-    return toReply(client().Post(target, body, kJson));
+    return toReply(client().Post(target, body, jsonType));
 }
 
 Reply Caller::put(const std::string& target, const std::string& body) const
 {
-    return toReply(client().Put(target, body, kJson));
+    return toReply(client().Put(target, body, jsonType));
 }
 
 Reply Caller::patch(const std::string& target, const std::string& body) const
 {
-    return toReply(client().Patch(target, body, kJson));
+    return toReply(client().Patch(target, body, jsonType));
 }
 
 Reply Caller::del(const std::string& target) const

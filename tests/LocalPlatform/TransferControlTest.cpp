@@ -6,12 +6,12 @@ namespace {
 class TransferControl : public TransferTest
 {};
 
-const std::string kDone = R"({"code":10000,"message":"OK","data":null})";
+const std::string acknowledged = R"({"code":10000,"message":"OK","data":null})";
 
 TEST_F(TransferControl, StoresListsAndShowsFiles)
 {
     const std::string bytes = noise(2'000'000);
-    EXPECT_THAT(send("/_control/files?path=demo%2F%E5%A1%94.bin", bytes).body, IsJson(kDone));
+    EXPECT_THAT(send("/_control/files?path=demo%2F%E5%A1%94.bin", bytes).body, IsJson(acknowledged));
     EXPECT_TRUE(platform.blob("demo/塔.bin") == bytes);
     EXPECT_THAT(nobody().get("/_control/files").body,
                 IsJson(R"({"code":10000,"message":"OK","data":[{"remotePath":"demo/塔.bin","fileName":"塔.bin","length":2000000}]})"));

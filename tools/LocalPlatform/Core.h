@@ -28,7 +28,7 @@ public:
     std::string url() const;
 
     /// Runs `work(world)` as one transaction. Its result can't be void, since a transaction always has one.
-    template <typename Work>
+    template <class Work>
     auto transact(const Work& work)
     {
         return m_store.transact([&](Tables& tables) {
@@ -37,7 +37,7 @@ public:
         });
     }
 
-    template <typename Work>
+    template <class Work>
     void change(const Work& work)
     {
         transact([&](World& world) {

@@ -12,7 +12,7 @@ using orlo::platform::LocalPlatform;
 using orlo::platform::Options;
 using orlo::platform::User;
 
-constexpr const char* kUsage = R"(usage: orlo-local-platform [--data DIR] [--port N] [--user ID:ACCOUNT:TOKEN]...
+constexpr const char* usage = R"(usage: orlo-local-platform [--data DIR] [--port N] [--user ID:ACCOUNT:TOKEN]...
   --data DIR   keep everything in DIR; without it, nothing is kept
   --port N     port on 127.0.0.1; 0, which is the default, takes a free one
   --user ...   register a user; without any, "demo:demo-account:demo-token"
@@ -90,7 +90,7 @@ int main(int argc, char** argv)
         arguments = readArguments(argc, argv);
     }
     catch (const std::exception& error) {
-        std::cerr << "orlo-local-platform: " << error.what() << "\n" << kUsage;
+        std::cerr << "orlo-local-platform: " << error.what() << "\n" << usage;
         return 2;
     }
     try {

@@ -9,11 +9,11 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr const char* kBytes = "application/octet-stream";
+constexpr const char* byteStream = "application/octet-stream";
 
 Answer readBlob(const Call& call, World& world)
 {
-    return {200, {}, kBytes, std::make_shared<FileBody>(world.blobs.open(call.place("id")), call.download)};
+    return {200, {}, byteStream, std::make_shared<FileBody>(world.blobs.open(call.place("id")), call.download)};
 }
 
 Answer writeBlob(const Call& call, World& world)

@@ -8,26 +8,27 @@ namespace orlo::platform {
 
 namespace {
 
-const std::string kDatasets = "SELECT folderId, id, modelingDatasetId, name, nameSpace, schemaDefinition, codeVersion, tipVersion, type, "
-                              "specialtyId, ownerId, description, teamId, projectId, creationTime FROM dataset ";
+const std::string selectDatasets =
+    "SELECT folderId, id, modelingDatasetId, name, nameSpace, schemaDefinition, codeVersion, tipVersion, type, "
+    "specialtyId, ownerId, description, teamId, projectId, creationTime FROM dataset ";
 
 Answer datasetsByModelingId(const Call& call, World& world)
 {
     const std::string ids = json::array(json::readTextArray(call.body));
-    return enveloped(world.tables.rows(kDatasets + "WHERE modelingDatasetId IN (SELECT value FROM json_each(?)) ORDER BY rank", ids));
+    return enveloped(world.tables.rows(selectDatasets + "WHERE modelingDatasetId IN (SELECT value FROM json_each(?)) ORDER BY rank", ids));
 }
 
 Answer datasetsOfFolder(const Call& call, World& world)
 {
     const std::string folderId = call.filledQuery("folderId");
     requireFolder(world, folderId);
-    return bare(world.tables.rows(kDatasets + "WHERE folderId = ? ORDER BY rank", folderId));
+    return bare(world.tables.rows(selectDatasets + "WHERE folderId = ? ORDER BY rank", folderId));
 }
 
 Answer oneDataset(const Call& call, World& world)
 {
     requireDataset(world, call.place("dataSetId"));
-    return enveloped(*world.tables.row(kDatasets + "WHERE id = ?", call.place("dataSetId")));
+    return enveloped(*world.tables.row(selectDatasets + "WHERE id = ?", call.place("dataSetId")));
 }
 
 Answer newDataset(const Call& call, World& world)
@@ -43,7 +44,7 @@ Answer newDataset(const Call& call, World& world)
     dataset.type = body.textOr("type", {});
     if (dataset.ownerId.empty())
         dataset.ownerId = call.caller.accountId;
-    return enveloped(*world.tables.row(kDatasets + "WHERE id = ?", createDataset(world, dataset)));
+    return enveloped(*world.tables.row(selectDatasets + "WHERE id = ?", createDataset(world, dataset)));
 }
 
 Answer datasetsByStatus(const Call& call, World& world)
@@ -52,7 +53,7 @@ Answer datasetsByStatus(const Call& call, World& world)
     if (status != "draft" && status != "committed")
         throw Refusal(400, "unknown dataset status: " + status);
     requireProject(world, call.place("projectId"));
-    return bare(world.tables.rows(kDatasets + "WHERE projectId = ? AND status = ? ORDER BY rank", call.place("projectId"), status));
+    return bare(world.tables.rows(selectDatasets + "WHERE projectId = ? AND status = ? ORDER BY rank", call.place("projectId"), status));
 }
 
 } // namespace

@@ -7,10 +7,10 @@ namespace orlo::platform {
 
 namespace {
 
-const std::string kBindings = "SELECT drawingBinding.datasetId, dataset.name AS datasetName, datasetVersion, displayVersion "
-                              "FROM drawingBinding JOIN dataset ON dataset.id = drawingBinding.datasetId "
-                              "JOIN version ON version.dataSetId = drawingBinding.datasetId AND version.version = datasetVersion "
-                              "WHERE dwgId = ? AND dwgVersion = ? ORDER BY drawingBinding.rank ";
+const std::string selectBindings = "SELECT drawingBinding.datasetId, dataset.name AS datasetName, datasetVersion, displayVersion "
+                                   "FROM drawingBinding JOIN dataset ON dataset.id = drawingBinding.datasetId "
+                                   "JOIN version ON version.dataSetId = drawingBinding.datasetId AND version.version = datasetVersion "
+                                   "WHERE dwgId = ? AND dwgVersion = ? ORDER BY drawingBinding.rank ";
 
 int versionNumber(const json::Body& body, const std::string& key)
 {
@@ -33,9 +33,9 @@ Answer bindingsOfDrawing(const Call& call, World& world)
 {
     const std::string& dwgId = call.place("dwgId");
     const int dwgVersion = call.numberPlace("dwgVersion");
-    const auto main = world.tables.row(kBindings + "LIMIT 1", dwgId, dwgVersion);
+    const auto main = world.tables.row(selectBindings + "LIMIT 1", dwgId, dwgVersion);
     json::Object bindings;
-    bindings.raw("linkedDatasets", world.tables.rows(kBindings + "LIMIT -1 OFFSET 1", dwgId, dwgVersion));
+    bindings.raw("linkedDatasets", world.tables.rows(selectBindings + "LIMIT -1 OFFSET 1", dwgId, dwgVersion));
     if (main)
         bindings.raw("mainDataset", *main);
     return enveloped(bindings.str());

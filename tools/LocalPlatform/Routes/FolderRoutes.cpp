@@ -7,20 +7,20 @@ namespace orlo::platform {
 
 namespace {
 
-const std::string kFolders = "SELECT id, name, folderType, parentId, projectId, teamId FROM folder ";
-const std::string kSpecialties = "SELECT id, name, projectId, description, type FROM specialty ";
+const std::string selectFolders = "SELECT id, name, folderType, parentId, projectId, teamId FROM folder ";
+const std::string selectSpecialties = "SELECT id, name, projectId, description, type FROM specialty ";
 
 Answer foldersOfProject(const Call& call, World& world)
 {
     const std::string projectId = call.filledQuery("projectId");
     requireProject(world, projectId);
-    return bare(world.tables.rows(kFolders + "WHERE projectId = ? ORDER BY rank", projectId));
+    return bare(world.tables.rows(selectFolders + "WHERE projectId = ? ORDER BY rank", projectId));
 }
 
 Answer rootFolder(const Call& call, World& world)
 {
     requireProject(world, call.place("projectId"));
-    const auto root = world.tables.row(kFolders + "WHERE projectId = ? AND parentId = ''", call.place("projectId"));
+    const auto root = world.tables.row(selectFolders + "WHERE projectId = ? AND parentId = ''", call.place("projectId"));
     return enveloped(root.value_or("null"));
 }
 
@@ -38,10 +38,10 @@ Answer subFolders(const Call& call, World& world)
     const std::string& id = call.place("folderId");
     requireFolder(world, id);
     if (!recursive)
-        return bare(world.tables.rows(kFolders + "WHERE parentId = ? ORDER BY rank", id));
+        return bare(world.tables.rows(selectFolders + "WHERE parentId = ? ORDER BY rank", id));
     return bare(world.tables.rows("WITH RECURSIVE below (id) AS (SELECT id FROM folder WHERE parentId = ? "
                                   "UNION SELECT folder.id FROM folder JOIN below ON folder.parentId = below.id) " +
-                                      kFolders + "WHERE id IN (SELECT id FROM below) ORDER BY rank",
+                                      selectFolders + "WHERE id IN (SELECT id FROM below) ORDER BY rank",
                                   id));
 }
 
@@ -57,12 +57,12 @@ Answer projectOfDataset(const Call& call, World& world)
 Answer specialtiesOfProject(const Call& call, World& world)
 {
     requireProject(world, call.place("projectId"));
-    return enveloped(world.tables.rows(kSpecialties + "WHERE projectId = ? ORDER BY rank", call.place("projectId")));
+    return enveloped(world.tables.rows(selectSpecialties + "WHERE projectId = ? ORDER BY rank", call.place("projectId")));
 }
 
 std::string specialtyRecord(World& world, const std::string& id)
 {
-    const auto record = world.tables.row(kSpecialties + "WHERE id = ?", id);
+    const auto record = world.tables.row(selectSpecialties + "WHERE id = ?", id);
     if (!record)
         throw Refusal(404, "no such specialty: " + id);
     return *record;

@@ -9,21 +9,21 @@ namespace orlo::platform {
 namespace {
 
 // The lengths of stored versions count towards the size of their project.
-const std::string kProjects = R"sql(
+const std::string selectProjects = R"sql(
 SELECT creationTime, description, id, name, owner, status, gridType, standardProperties AS "standardProperties:json",
     size + (SELECT COALESCE(SUM(version.size), 0) FROM version JOIN dataset ON dataset.id = version.dataSetId
             WHERE dataset.projectId = project.id) AS size
 FROM project WHERE )sql";
 
-const std::string kMine = "sample = 0 AND (owner = ?1 OR EXISTS "
-                          "(SELECT 1 FROM permission WHERE permission.projectId = project.id AND permission.accountId = ?1))";
+const std::string isMine = "sample = 0 AND (owner = ?1 OR EXISTS "
+                           "(SELECT 1 FROM permission WHERE permission.projectId = project.id AND permission.accountId = ?1))";
 
 std::string conditionOf(const std::string& scenario)
 {
     if (scenario.empty() || scenario == "DEFAULT")
-        return kMine + " AND archived = 0";
+        return isMine + " AND archived = 0";
     if (scenario == "ARCHIVE")
-        return kMine + " AND archived = 1";
+        return isMine + " AND archived = 1";
     if (scenario == "OWNER")
         return "sample = 0 AND owner = ?1";
     throw Refusal(400, "unknown scenario: " + scenario);
@@ -32,7 +32,7 @@ std::string conditionOf(const std::string& scenario)
 Answer listProjects(const Call& call, World& world)
 {
     const std::string condition = conditionOf(call.query("scenario"));
-    return bare(world.tables.rows(kProjects + condition + " ORDER BY rank", call.caller.accountId));
+    return bare(world.tables.rows(selectProjects + condition + " ORDER BY rank", call.caller.accountId));
 }
 
 Answer listProjectsByStatus(const Call& call, World& world)
@@ -40,18 +40,18 @@ Answer listProjectsByStatus(const Call& call, World& world)
     const std::string status = call.filledQuery("status");
     if (status != "Ongoing" && status != "Suspended" && status != "Completed")
         throw Refusal(400, "unknown project status: " + status);
-    return bare(world.tables.rows(kProjects + kMine + " AND status = ?2 ORDER BY rank", call.caller.accountId, status));
+    return bare(world.tables.rows(selectProjects + isMine + " AND status = ?2 ORDER BY rank", call.caller.accountId, status));
 }
 
 Answer listSampleProjects(const Call&, World& world)
 {
-    return enveloped(world.tables.rows(kProjects + "sample = 1 ORDER BY rank"));
+    return enveloped(world.tables.rows(selectProjects + "sample = 1 ORDER BY rank"));
 }
 
 std::string projectRecord(World& world, const std::string& projectId)
 {
     requireProject(world, projectId);
-    return *world.tables.row(kProjects + "id = ?", projectId);
+    return *world.tables.row(selectProjects + "id = ?", projectId);
 }
 
 Answer newProject(const Call& call, World& world)

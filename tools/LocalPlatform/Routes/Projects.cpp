@@ -12,12 +12,12 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr std::array kStatuses = {"Ongoing", "Suspended", "Completed"};
-constexpr std::array kGridTypes = {"TYPE_ONE", "TYPE_TWO"};
-constexpr std::array kSpecialtyTypes = {"Unknown", "ZOK", "ZIM", "ZUTA", "ZEB"};
-constexpr std::array kPermissionTypes = {"Read", "Write", "SoftWrite"};
-constexpr std::array kDefaultFolders = {"Process", "Published", "ProjectShare", "OtherFiles"};
-constexpr const char* kDefaultTeam = "默认团队";
+constexpr std::array statuses = {"Ongoing", "Suspended", "Completed"};
+constexpr std::array gridTypes = {"TYPE_ONE", "TYPE_TWO"};
+constexpr std::array specialtyTypes = {"Unknown", "ZOK", "ZIM", "ZUTA", "ZEB"};
+constexpr std::array knownPermissions = {"Read", "Write", "SoftWrite"};
+constexpr std::array defaultFolders = {"Process", "Published", "ProjectShare", "OtherFiles"};
+constexpr const char* defaultTeam = "默认团队";
 
 template <std::size_t Count>
 void requireOneOf(const std::array<const char*, Count>& known, const std::string& text, const std::string& what)
@@ -36,16 +36,16 @@ void addDefaultTeam(World& world, const std::string& projectId, const std::strin
 {
     const std::string teamId = newId();
     const std::string folderId = newId();
-    insertFolder(world, folderId, projectId, FolderSeed{rootId, kDefaultTeam, "TeamRelated", teamId, {}});
+    insertFolder(world, folderId, projectId, FolderSeed{rootId, defaultTeam, "TeamRelated", teamId, {}});
     world.tables.run("INSERT INTO team (id, projectId, name, description, status, linkedFolderId) VALUES (?, ?, ?, '', 'Working', ?)",
-                     teamId, projectId, kDefaultTeam, folderId);
+                     teamId, projectId, defaultTeam, folderId);
 }
 
 void addDefaultFolders(World& world, const std::string& projectId, const std::string& projectName)
 {
     const std::string rootId = newId();
     insertFolder(world, rootId, projectId, FolderSeed{{}, projectName, "Root", {}, {}});
-    for (const char* type : kDefaultFolders)
+    for (const char* type : defaultFolders)
         insertFolder(world, newId(), projectId, FolderSeed{rootId, type, type, {}, {}});
     addDefaultTeam(world, projectId, rootId);
 }
@@ -72,7 +72,7 @@ std::string createProject(World& world, const NewProject& project)
     const ProjectSeed& seed = project.seed;
     if (seed.name.empty())
         throw Refusal(400, "a project needs a name");
-    requireOneOf(kStatuses, seed.status, "project status");
+    requireOneOf(statuses, seed.status, "project status");
     std::string id = freeId(world, "project", seed.id);
     world.tables.run("INSERT INTO project (id, name, description, owner, status, templateId, size, sample, archived, creationTime) "
                      "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
@@ -140,7 +140,7 @@ std::string createFolder(World& world, const FolderSeed& folder)
 std::string createSpecialty(World& world, const std::string& projectId, const std::string& type, const std::string& name,
                             const std::string& givenId)
 {
-    requireOneOf(kSpecialtyTypes, type, "specialty type");
+    requireOneOf(specialtyTypes, type, "specialty type");
     requireProject(world, projectId);
     std::string id = freeId(world, "specialty", givenId);
     world.tables.run("INSERT INTO specialty (id, projectId, name, description, type) VALUES (?, ?, ?, '', ?)", id, projectId, name, type);
@@ -163,7 +163,7 @@ void grantPermission(World& world, const std::string& projectId, const std::stri
 {
     requireProject(world, projectId);
     for (const std::string& type : permissionTypes)
-        requireOneOf(kPermissionTypes, type, "permission type");
+        requireOneOf(knownPermissions, type, "permission type");
     world.tables.run("DELETE FROM permission WHERE projectId = ? AND accountId = ? AND resource = ?", projectId, accountId, resource);
     if (!permissionTypes.empty())
         world.tables.run("INSERT INTO permission (projectId, accountId, resource, permissionTypes) VALUES (?, ?, ?, ?)", projectId,
@@ -180,7 +180,7 @@ void setStandardProperties(World& world, const std::string& projectId, const std
 void setGridType(World& world, const std::string& projectId, const std::string& gridType)
 {
     if (!gridType.empty())
-        requireOneOf(kGridTypes, gridType, "grid type");
+        requireOneOf(gridTypes, gridType, "grid type");
     updateProject(world, projectId, "gridType = NULLIF(?1, '')", gridType);
 }
 

@@ -9,11 +9,11 @@ namespace orlo::platform {
 
 namespace {
 
-const std::string kVersions = "SELECT id, version, dataSetId, dataSetSourceFile, displayVersion, creationTime, status, description, "
-                              "verifyStatus, metaInfo, size FROM version ";
+const std::string selectVersions = "SELECT id, version, dataSetId, dataSetSourceFile, displayVersion, creationTime, status, description, "
+                                   "verifyStatus, metaInfo, size FROM version ";
 
 // Leaves room for the versions that are numbered here.
-constexpr int kHighestNumber = 1000000;
+constexpr int highestNumber = 1000000;
 
 struct NewVersion
 {
@@ -48,7 +48,7 @@ std::string createVersion(World& world, const NewVersion& version)
                      version.status, version.description, version.metaInfo, version.size);
     const std::int64_t id = world.tables.lastRowId();
     refreshDataset(world, version.datasetId);
-    return *world.tables.row(kVersions + "WHERE id = ?", id);
+    return *world.tables.row(selectVersions + "WHERE id = ?", id);
 }
 
 NewVersion nextVersion(const Call& call, World& world)
@@ -104,8 +104,8 @@ Answer newVersionByNumber(const Call& call, World& world)
     version.metaInfo = body.textOr("metaInfo", {});
     version.status = readVersionStatus(body);
     version.description = body.textOr("description", {});
-    if (version.number < 0 || version.number > kHighestNumber)
-        throw Refusal(400, "a version's number must lie between 0 and " + std::to_string(kHighestNumber));
+    if (version.number < 0 || version.number > highestNumber)
+        throw Refusal(400, "a version's number must lie between 0 and " + std::to_string(highestNumber));
     requireDataset(world, version.datasetId);
     if (world.tables.integer("SELECT id FROM version WHERE dataSetId = ? AND version = ?", version.datasetId, version.number))
         throw Refusal(409, "the dataset has version " + std::to_string(version.number) + " already");
@@ -119,8 +119,9 @@ Answer oneVersion(const Call& call, World& world)
     const std::string success = call.query("onlySuccess") == "true" ? "AND verifyStatus = 'Success' " : "";
     const auto found =
         call.place("dsVersion") == "latest"
-            ? world.tables.row(kVersions + "WHERE dataSetId = ? " + success + "ORDER BY version DESC LIMIT 1", datasetId)
-            : world.tables.row(kVersions + "WHERE dataSetId = ? " + success + "AND version = ?", datasetId, call.numberPlace("dsVersion"));
+            ? world.tables.row(selectVersions + "WHERE dataSetId = ? " + success + "ORDER BY version DESC LIMIT 1", datasetId)
+            : world.tables.row(selectVersions + "WHERE dataSetId = ? " + success + "AND version = ?", datasetId,
+                               call.numberPlace("dsVersion"));
     if (!found)
         throw Refusal(404, "the dataset has no such version: " + call.place("dsVersion"));
     return enveloped(*found);
@@ -138,7 +139,7 @@ Answer versionsByIds(const Call& call, World& world)
 {
     call.filledQuery("mvd");
     const std::string ids = integerArray(json::readIntegerArray(call.body));
-    return enveloped(world.tables.rows(kVersions + "WHERE id IN (SELECT value FROM json_each(?)) ORDER BY id", ids));
+    return enveloped(world.tables.rows(selectVersions + "WHERE id IN (SELECT value FROM json_each(?)) ORDER BY id", ids));
 }
 
 Answer markPublish(const Call& call, World& world)

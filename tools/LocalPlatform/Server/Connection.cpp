@@ -16,9 +16,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPatience = 30s;   // for a client that stalls in the middle of a request or an answer
-constexpr auto kFarewell = 500ms; // for a client to close its end
-const std::string kHeadEnd = "\r\n\r\n";
+constexpr auto patience = 30s;   // for a client that stalls in the middle of a request or an answer
+constexpr auto farewell = 500ms; // for a client to close its end
+const std::string headEnd = "\r\n\r\n";
 
 } // namespace
 
@@ -26,8 +26,8 @@ Connection::Connection(int socket) : m_socket(socket)
 {
     const int on = 1;
     ::setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    const timeval patience{std::chrono::seconds(kPatience).count(), 0}; // bounds sendfile, which has no poll of its own
-    ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+    const timeval timeout{std::chrono::seconds(patience).count(), 0}; // bounds sendfile, which has no poll of its own
+    ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
 }
 
 Connection::~Connection()
@@ -82,9 +82,9 @@ void Connection::endAnswer()
 void Connection::finish()
 {
     ::shutdown(m_socket, SHUT_WR);
-    const auto end = std::chrono::steady_clock::now() + kFarewell;
+    const auto end = std::chrono::steady_clock::now() + farewell;
     std::array<char, 4096> rest{};
-    while (std::chrono::steady_clock::now() < end && waitFor(POLLIN, kFarewell)) {
+    while (std::chrono::steady_clock::now() < end && waitFor(POLLIN, farewell)) {
         if (::recv(m_socket, rest.data(), rest.size(), 0) <= 0)
             return;
     }
@@ -109,17 +109,17 @@ void Connection::beginRequest()
 
 bool Connection::is_readable() const
 {
-    return !m_escaped.empty() || hasInput() || waitFor(POLLIN, kPatience);
+    return !m_escaped.empty() || hasInput() || waitFor(POLLIN, patience);
 }
 
 bool Connection::is_writable() const
 {
-    return !m_broken && waitFor(POLLOUT, kPatience);
+    return !m_broken && waitFor(POLLOUT, patience);
 }
 
 ssize_t Connection::receive(char* data, std::size_t size)
 {
-    if (!waitFor(POLLIN, kPatience))
+    if (!waitFor(POLLIN, patience))
         return -1;
     ssize_t count = 0;
     do
@@ -171,8 +171,8 @@ std::size_t Connection::headPart(const char* data, std::size_t size)
     std::size_t headBytes = 0;
     for (; !m_headDone && headBytes < size; ++headBytes) {
         m_headTail += data[headBytes];
-        m_headTail.erase(0, m_headTail.size() > kHeadEnd.size() ? 1 : 0);
-        m_headDone = m_headTail == kHeadEnd;
+        m_headTail.erase(0, m_headTail.size() > headEnd.size() ? 1 : 0);
+        m_headDone = m_headTail == headEnd;
     }
     return headBytes;
 }
@@ -187,7 +187,7 @@ std::size_t Connection::allowance(const char* data, std::size_t size)
     return exempt + counted;
 }
 
-template <typename Send>
+template <class Send>
 bool Connection::pushOut(const char* data, std::size_t size, const Send& send)
 {
     std::size_t sent = 0;
@@ -231,7 +231,7 @@ bool Connection::sendFilePart(int file, std::int64_t offset, std::size_t size)
 bool Connection::sendAll(const char* data, std::size_t size)
 {
     while (size > 0) {
-        if (!waitFor(POLLOUT, kPatience))
+        if (!waitFor(POLLOUT, patience))
             return false;
         const ssize_t count = ::send(m_socket, data, size, MSG_NOSIGNAL | MSG_DONTWAIT);
         if (count < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK))

@@ -79,7 +79,7 @@ private:
     bool sendAll(const char* data, std::size_t size);
     bool sendFilePart(int file, std::int64_t offset, std::size_t size);
     /// Sends `size` bytes with `send(from, count)`, but for the trap. `data`: the bytes, if they may hold the end of the head.
-    template <typename Send>
+    template <class Send>
     bool pushOut(const char* data, std::size_t size, const Send& send);
     /// How much of the data may still go out before the trap springs.
     std::size_t allowance(const char* data, std::size_t size);

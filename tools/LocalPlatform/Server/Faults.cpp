@@ -11,7 +11,7 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr std::pair<FaultKind, const char*> kKinds[] = {
+constexpr std::pair<FaultKind, const char*> kinds[] = {
     {FaultKind::Delay, "delay"},
     {FaultKind::Status, "status"},
     {FaultKind::ResetBeforeAnswer, "resetBeforeAnswer"},
@@ -23,7 +23,7 @@ constexpr std::pair<FaultKind, const char*> kKinds[] = {
 
 const char* textOf(FaultKind kind)
 {
-    return std::find_if(std::begin(kKinds), std::end(kKinds), [kind](const auto& row) { return row.first == kind; })->second;
+    return std::find_if(std::begin(kinds), std::end(kinds), [kind](const auto& row) { return row.first == kind; })->second;
 }
 
 void validate(const Fault& fault)
@@ -54,8 +54,8 @@ void validateOfRequest(const Fault& fault)
 
 FaultKind faultKindOf(const std::string& text)
 {
-    const auto found = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const auto& row) { return row.second == text; });
-    if (found == std::end(kKinds))
+    const auto found = std::find_if(std::begin(kinds), std::end(kinds), [&](const auto& row) { return row.second == text; });
+    if (found == std::end(kinds))
         throw std::invalid_argument("unknown kind of fault: " + text);
     return found->first;
 }

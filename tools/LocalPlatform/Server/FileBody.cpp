@@ -8,13 +8,13 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr std::int64_t kLastPiece = 64 * 1024;
+constexpr std::int64_t lastPiece = 64 * 1024;
 
 } // namespace
 
 void FileBody::send(Connection& connection)
 {
-    const std::int64_t last = std::min(m_file.size(), kLastPiece);
+    const std::int64_t last = std::min(m_file.size(), lastPiece);
     const std::int64_t first = m_file.size() - last;
     const bool goesOn = connection.sendFile(m_file.descriptor(), 0, static_cast<std::size_t>(first));
     m_pass.reset();

@@ -6,8 +6,8 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr std::size_t kPiece = 1024 * 1024;
-constexpr int kGzipWindow = MAX_WBITS + 16; // a gzip head and tail, no other
+constexpr std::size_t pieceSize = 1024 * 1024;
+constexpr int gzipWindow = MAX_WBITS + 16; // a gzip head and tail, no other
 
 void setInput(z_stream& stream, std::string_view bytes)
 {
@@ -28,9 +28,9 @@ void handOver(const z_stream& stream, const std::vector<unsigned char>& buffer, 
 
 } // namespace
 
-GzipReader::GzipReader(Sink sink) : m_sink(std::move(sink)), m_buffer(kPiece)
+GzipReader::GzipReader(Sink sink) : m_sink(std::move(sink)), m_buffer(pieceSize)
 {
-    if (inflateInit2(&m_stream, kGzipWindow) != Z_OK)
+    if (inflateInit2(&m_stream, gzipWindow) != Z_OK)
         throw std::runtime_error("can't unpack");
 }
 
@@ -65,9 +65,9 @@ void GzipReader::finish() const
         throw Refusal(400, "the body ends before its gzip stream does");
 }
 
-GzipWriter::GzipWriter(Sink sink) : m_sink(std::move(sink)), m_buffer(kPiece)
+GzipWriter::GzipWriter(Sink sink) : m_sink(std::move(sink)), m_buffer(pieceSize)
 {
-    if (deflateInit2(&m_stream, Z_BEST_SPEED, Z_DEFLATED, kGzipWindow, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY) != Z_OK)
+    if (deflateInit2(&m_stream, Z_BEST_SPEED, Z_DEFLATED, gzipWindow, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY) != Z_OK)
         throw std::runtime_error("can't pack");
 }
 

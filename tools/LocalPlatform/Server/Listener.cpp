@@ -15,9 +15,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr unsigned kWorkers = 16;
-constexpr std::size_t kMaxIdle = 500;
-constexpr auto kIdleLife = 60s;
+constexpr unsigned workers = 16;
+constexpr std::size_t maxIdle = 500;
+constexpr auto idleLife = 60s;
 
 [[noreturn]] void fail(const std::string& what)
 {
@@ -85,7 +85,7 @@ int Listener::open(int port)
     m_wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     m_stopping = false;
     m_threads.emplace_back([this] { watch(); });
-    for (unsigned i = 0; i < kWorkers; ++i)
+    for (unsigned i = 0; i < workers; ++i)
         m_threads.emplace_back([this] { work(); });
     return portOf(m_listening);
 }
@@ -134,7 +134,7 @@ void Listener::watch()
             m_idle.push_back(std::move(idle));
         dropStale(std::chrono::steady_clock::now());
         // Above the limit new clients wait in the backlog.
-        sockets = {{m_wake, POLLIN, 0}, {m_listening, static_cast<short>(m_idle.size() < kMaxIdle ? POLLIN : 0), 0}};
+        sockets = {{m_wake, POLLIN, 0}, {m_listening, static_cast<short>(m_idle.size() < maxIdle ? POLLIN : 0), 0}};
         for (const Idle& idle : m_idle)
             sockets.push_back({idle.connection->socket(), POLLIN, 0});
         ::poll(sockets.data(), sockets.size(), 1000);
@@ -156,7 +156,7 @@ void Listener::watch()
 
 void Listener::dropStale(TimePoint now)
 {
-    m_idle.erase(std::remove_if(m_idle.begin(), m_idle.end(), [now](const Idle& idle) { return now - idle.since > kIdleLife; }),
+    m_idle.erase(std::remove_if(m_idle.begin(), m_idle.end(), [now](const Idle& idle) { return now - idle.since > idleLife; }),
                  m_idle.end());
 }
 

@@ -11,9 +11,9 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr const char* kEverything = "[\\s\\S]*";
-constexpr const char* kStreamedPaths = "/(blobs|_control/files|_control/datasets)[\\s\\S]*";
-constexpr const char* kGarbage = "{\"code\":10000,\"data\":[<<garbage";
+constexpr const char* everything = "[\\s\\S]*";
+constexpr const char* streamedPaths = "/(blobs|_control/files|_control/datasets)[\\s\\S]*";
+constexpr const char* garbage = "{\"code\":10000,\"data\":[<<garbage";
 
 std::string bearerToken(const httplib::Request& request)
 {
@@ -96,11 +96,11 @@ Answer statusAnswer(const Fault& fault)
 
 Answer garbageAnswer(const Fault& fault)
 {
-    return {200, fault.body.empty() ? kGarbage : fault.body};
+    return {200, fault.body.empty() ? garbage : fault.body};
 }
 
 /// The answer of `work`; what it throws becomes an answer too.
-template <typename Work>
+template <class Work>
 Answer guarded(const Work& work)
 {
     try {
@@ -151,12 +151,12 @@ void arm(const Fault& fault, const Call& call)
 Server::Server(Answering answering)
     : m_answering(std::move(answering)), m_listener([this](Connection& connection) { return serve(connection); })
 {
-    Put(kStreamedPaths, [this](const httplib::Request& request, httplib::Response& response, const httplib::ContentReader&) {
+    Put(streamedPaths, [this](const httplib::Request& request, httplib::Response& response, const httplib::ContentReader&) {
         handleUpload(request, response);
     });
     const Handler handler = [this](const httplib::Request& request, httplib::Response& response) { handle(request, response, nullptr); };
-    Get(kEverything, handler).Post(kEverything, handler).Put(kEverything, handler);
-    Patch(kEverything, handler).Delete(kEverything, handler).Options(kEverything, handler);
+    Get(everything, handler).Post(everything, handler).Put(everything, handler);
+    Patch(everything, handler).Delete(everything, handler).Options(everything, handler);
     set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
         return hasKnownEnd(request) ? HandlerResponse::Unhandled : refuseLength(response);
     });

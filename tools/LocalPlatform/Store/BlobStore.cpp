@@ -12,7 +12,7 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr const char* kStaged = ".new";
+constexpr const char* stagedSuffix = ".new";
 
 bool isPlainId(const std::string& id)
 {
@@ -32,7 +32,7 @@ std::filesystem::path temporaryFolder()
 void removeStaged(const std::filesystem::path& folder)
 {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().extension() == kStaged)
+        if (entry.path().extension() == stagedSuffix)
             std::filesystem::remove(entry.path());
     }
 }
@@ -61,7 +61,7 @@ std::filesystem::path BlobStore::fileOf(const std::string& id) const
 
 std::unique_ptr<StagedBlob> BlobStore::stage() const
 {
-    return std::make_unique<StagedBlob>(m_folder / (newId() + kStaged));
+    return std::make_unique<StagedBlob>(m_folder / (newId() + stagedSuffix));
 }
 
 void BlobStore::keep(StagedBlob& staged, const std::string& id) const

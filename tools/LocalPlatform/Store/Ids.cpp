@@ -3,16 +3,16 @@
 #include <openssl/rand.h>
 
 #include <stdexcept>
+#include <string_view>
 
 namespace orlo::platform {
 
 namespace {
 
-constexpr char kDigits[] = "0123456789abcdef";
+constexpr std::string_view digits = "0123456789abcdef";
 
 int digitOf(char c)
 {
-    const std::string digits(kDigits);
     const std::size_t at = digits.find(c);
     return at == std::string::npos ? -1 : static_cast<int>(at);
 }
@@ -32,8 +32,8 @@ std::string toHex(const std::string& bytes)
     std::string hex;
     for (const char byte : bytes) {
         const auto value = static_cast<unsigned char>(byte);
-        hex += kDigits[value >> 4];
-        hex += kDigits[value & 15];
+        hex += digits[value >> 4];
+        hex += digits[value & 15];
     }
     return hex;
 }

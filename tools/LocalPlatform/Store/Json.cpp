@@ -18,10 +18,10 @@ namespace {
 
 // Iterative: a deeply nested body must not exhaust the stack. Numbers as texts: the parser's own reading of them rounds, and breaks on
 // exponents beyond all bounds.
-constexpr unsigned kParseFlags =
+constexpr unsigned parseFlags =
     rapidjson::kParseValidateEncodingFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
 
-template <typename Number>
+template <class Number>
 bool readWhole(std::string_view text, Number& number)
 {
     const char* const end = text.data() + text.size();
@@ -55,7 +55,7 @@ bool parse(const std::string& text, rapidjson::Document& document)
         rapidjson::Reader reader;
         rapidjson::MemoryStream bytes(text.data(), text.size());
         rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
-        isGood = !reader.Parse<kParseFlags>(stream, tree).IsError() && bytes.Tell() == text.size();
+        isGood = !reader.Parse<parseFlags>(stream, tree).IsError() && bytes.Tell() == text.size();
         return isGood;
     };
     tree.Populate(generate);

@@ -14,7 +14,7 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr std::size_t kPiece = 1024 * 1024;
+constexpr std::size_t pieceSize = 1024 * 1024;
 
 } // namespace
 
@@ -45,7 +45,7 @@ OpenFile::OpenFile(const std::filesystem::path& file) : m_descriptor(::open(file
 
 void OpenFile::read(const std::function<void(std::string_view)>& use) const
 {
-    std::vector<char> buffer(kPiece);
+    std::vector<char> buffer(pieceSize);
     off_t at = 0;
     while (at < m_size) {
         const ssize_t count = ::pread(m_descriptor.number(), buffer.data(), buffer.size(), at);

@@ -11,7 +11,7 @@ namespace orlo::platform {
 namespace {
 
 // A step is never changed once data was written with it: a new schema is a new step.
-constexpr const char* kFirstSchema = R"sql(
+constexpr const char* firstSchema = R"sql(
 CREATE TABLE setting (name TEXT PRIMARY KEY, value TEXT NOT NULL);
 
 CREATE TABLE user (accessToken TEXT PRIMARY KEY, userId TEXT NOT NULL, accountId TEXT NOT NULL);
@@ -131,7 +131,7 @@ CREATE INDEX fontByProject ON font (projectId);
 )sql";
 
 // A stored file has a length once its bytes have come; before that it is a grant. The blob's id is its name in the blob folder.
-constexpr const char* kFiles = R"sql(
+constexpr const char* files = R"sql(
 CREATE TABLE storedFile (
     rank INTEGER PRIMARY KEY AUTOINCREMENT,
     blobId TEXT NOT NULL UNIQUE,
@@ -169,23 +169,23 @@ CREATE INDEX translationByDataset ON translation (dataSetId);
 )sql";
 
 // A token is good until it expires, in seconds of the platform's clock, or is revoked.
-constexpr const char* kTokenEnds = R"sql(
+constexpr const char* tokenEnds = R"sql(
 ALTER TABLE user ADD COLUMN revoked INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE user ADD COLUMN expires INTEGER;
 )sql";
 
-constexpr std::array kSteps = {kFirstSchema, kFiles, kTokenEnds};
+constexpr std::array steps = {firstSchema, files, tokenEnds};
 
 } // namespace
 
 void migrate(SQLite::Database& database)
 {
     const int found = database.execAndGet("PRAGMA user_version").getInt();
-    if (found < 0 || static_cast<std::size_t>(found) > kSteps.size())
+    if (found < 0 || static_cast<std::size_t>(found) > steps.size())
         throw std::runtime_error("the data was written by a newer local platform");
-    for (std::size_t step = static_cast<std::size_t>(found); step < kSteps.size(); ++step) {
+    for (std::size_t step = static_cast<std::size_t>(found); step < steps.size(); ++step) {
         SQLite::Transaction transaction(database);
-        database.exec(kSteps[step]);
+        database.exec(steps[step]);
         database.exec("PRAGMA user_version = " + std::to_string(step + 1));
         transaction.commit();
     }

@@ -21,30 +21,30 @@ public:
     explicit Tables(SQLite::Database& database) : m_database(database) {}
 
     /// Returns how many rows changed.
-    template <typename... Values>
+    template <class... Values>
     int run(const std::string& sql, const Values&... values);
     /// A JSON array of all rows.
-    template <typename... Values>
+    template <class... Values>
     std::string rows(const std::string& sql, const Values&... values);
     /// The first row, if there is one.
-    template <typename... Values>
+    template <class... Values>
     std::optional<std::string> row(const std::string& sql, const Values&... values);
     /// The first column of all rows.
-    template <typename... Values>
+    template <class... Values>
     std::vector<std::string> texts(const std::string& sql, const Values&... values);
     /// Calls `use(statement)` at each row.
-    template <typename Use, typename... Values>
+    template <class Use, class... Values>
     void each(const Use& use, const std::string& sql, const Values&... values);
     /// The first column of the first row; a NULL counts as no value.
-    template <typename... Values>
+    template <class... Values>
     std::optional<std::string> text(const std::string& sql, const Values&... values);
-    template <typename... Values>
+    template <class... Values>
     std::optional<std::int64_t> integer(const std::string& sql, const Values&... values);
 
     std::int64_t lastRowId() const { return m_database.getLastInsertRowid(); }
 
 private:
-    template <typename... Values>
+    template <class... Values>
     SQLite::Statement statement(const std::string& sql, const Values&... values);
     static std::string rowObject(SQLite::Statement& statement);
 
@@ -59,7 +59,7 @@ public:
     explicit Store(const std::string& file);
 
     /// Runs `work(tables)` as one transaction and returns its result; an exception rolls back.
-    template <typename Work>
+    template <class Work>
     auto transact(const Work& work)
     {
         const std::lock_guard lock(m_mutex);
@@ -75,7 +75,7 @@ private:
     std::mutex m_mutex;
 };
 
-template <typename... Values>
+template <class... Values>
 SQLite::Statement Tables::statement(const std::string& sql, const Values&... values)
 {
     SQLite::Statement result(m_database, sql);
@@ -83,13 +83,13 @@ SQLite::Statement Tables::statement(const std::string& sql, const Values&... val
     return result;
 }
 
-template <typename... Values>
+template <class... Values>
 int Tables::run(const std::string& sql, const Values&... values)
 {
     return statement(sql, values...).exec();
 }
 
-template <typename... Values>
+template <class... Values>
 std::string Tables::rows(const std::string& sql, const Values&... values)
 {
     SQLite::Statement all = statement(sql, values...);
@@ -99,7 +99,7 @@ std::string Tables::rows(const std::string& sql, const Values&... values)
     return "[" + array + "]";
 }
 
-template <typename... Values>
+template <class... Values>
 std::optional<std::string> Tables::row(const std::string& sql, const Values&... values)
 {
     SQLite::Statement first = statement(sql, values...);
@@ -108,7 +108,7 @@ std::optional<std::string> Tables::row(const std::string& sql, const Values&... 
     return rowObject(first);
 }
 
-template <typename... Values>
+template <class... Values>
 std::vector<std::string> Tables::texts(const std::string& sql, const Values&... values)
 {
     SQLite::Statement all = statement(sql, values...);
@@ -118,7 +118,7 @@ std::vector<std::string> Tables::texts(const std::string& sql, const Values&... 
     return result;
 }
 
-template <typename Use, typename... Values>
+template <class Use, class... Values>
 void Tables::each(const Use& use, const std::string& sql, const Values&... values)
 {
     SQLite::Statement all = statement(sql, values...);
@@ -126,7 +126,7 @@ void Tables::each(const Use& use, const std::string& sql, const Values&... value
         use(all);
 }
 
-template <typename... Values>
+template <class... Values>
 std::optional<std::string> Tables::text(const std::string& sql, const Values&... values)
 {
     SQLite::Statement first = statement(sql, values...);
@@ -135,7 +135,7 @@ std::optional<std::string> Tables::text(const std::string& sql, const Values&...
     return first.getColumn(0).getString();
 }
 
-template <typename... Values>
+template <class... Values>
 std::optional<std::int64_t> Tables::integer(const std::string& sql, const Values&... values)
 {
     SQLite::Statement first = statement(sql, values...);
