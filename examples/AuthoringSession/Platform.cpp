@@ -46,7 +46,7 @@ Platform::Platform(const std::string& url, const SessionFolder& folder) : m_url(
     options.dataFolder = toString(folder.path(L"platform"));
     options.seedDemo = true;
     m_own = std::make_unique<LocalPlatform>(options);
-    m_own->setQuota("demo-account", 500, 100);
+    m_own->change(orlo::platform::setQuota, "demo-account", 500, 100);
     m_own->start();
     m_url = m_own->url();
 }
@@ -60,7 +60,7 @@ std::wstring Platform::url() const
 
 void Platform::addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes) const
 {
-    m_own->addDatasetFile(datasetId, path, bytes);
+    m_own->change(orlo::platform::addDatasetFile, datasetId, path, bytes);
 }
 
 void Platform::slowUploadsDown() const
@@ -73,7 +73,7 @@ void Platform::slowUploadsDown() const
     slow.prefix = true;
     slow.calls = -1;
     slow.delayMilliseconds = tenMinutes;
-    m_own->addFault(slow);
+    m_own->faults().add(slow);
 }
 
 } // namespace session

@@ -14,6 +14,9 @@
 namespace orlo::test {
 namespace {
 
+using platform::addUser;
+using platform::grantPermission;
+using platform::storedFiles;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -24,9 +27,9 @@ class UploadJobAccount : public testing::Test
 protected:
     UploadJobAccount()
     {
-        place.platform.addUser({"user-2", "account-2", "token-secret-2"});
-        place.platform.addUser({"user-1", "account-1", "token-renewed-1"});
-        place.platform.grantPermission("p-1", "account-2", "Folder", {"Read", "Write"});
+        place.platform.change(addUser, {"user-2", "account-2", "token-secret-2"});
+        place.platform.change(addUser, {"user-1", "account-1", "token-renewed-1"});
+        place.platform.change(grantPermission, "p-1", "account-2", "Folder", {"Read", "Write"});
     }
     ~UploadJobAccount() override
     {
@@ -76,14 +79,14 @@ protected:
         stall.prefix = true;
         stall.method = "PUT";
         stall.delayMilliseconds = milliseconds;
-        return place.platform.addFault(stall);
+        return place.platform.faults().add(stall);
     }
     std::vector<std::string> rows() const { return sqlTexts(place.host.folder().path("Jobs/jobs.db"), "SELECT json FROM job"); }
     /// Files lie in the platform's store below a folder that is named after the account that put them there.
     std::set<std::string> uploaders() const
     {
         std::set<std::string> accounts;
-        for (const platform::StoredFile& file : place.platform.blobs()) {
+        for (const platform::StoredFile& file : place.platform.ask(storedFiles)) {
             const std::size_t account = file.remotePath.find("account-");
             accounts.insert(file.remotePath.substr(account, file.remotePath.find('/', account) - account));
         }
@@ -106,7 +109,7 @@ TEST_F(UploadJobAccount, aJobWaitsUntilWhoeverHandedItOverSignsIn)
     EXPECT_TRUE(becomesIdle()) << "what another account handed over is not waited for";
     EXPECT_THAT(rows(), SizeIs(1));
     EXPECT_THAT(IJobManager::Get()->GetJobs(), SizeIs(1));
-    EXPECT_THAT(place.platform.blobs(), IsEmpty());
+    EXPECT_THAT(place.platform.ask(storedFiles), IsEmpty());
     firstSignsIn();
     EXPECT_TRUE(becomesIdle());
     EXPECT_TRUE(place.holds("plan.dwg", "bytes of plan.dwg"));
@@ -130,7 +133,7 @@ TEST_F(UploadJobAccount, aSignOutBreaksTheRunOffAndTheNextSignInRepeatsIt)
     const int stall = stallAnUpload(60000);
     start();
     ASSERT_TRUE(handOver("plan.dwg"));
-    ASSERT_TRUE(waitUntil([&] { return place.platform.faultCount(stall) == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return place.platform.faults().count(stall) == 1; }));
     UserSession::SignOut();
     ASSERT_TRUE(isTold(Kind::CutOff));
     EXPECT_THAT(rows(), SizeIs(1));
@@ -148,7 +151,7 @@ TEST_F(UploadJobAccount, aRunDoesNotGoOnInTheNameOfAnother)
     const int stall = stallAnUpload(60000);
     start();
     ASSERT_TRUE(handOver("plan.dwg"));
-    ASSERT_TRUE(waitUntil([&] { return place.platform.faultCount(stall) == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return place.platform.faults().count(stall) == 1; }));
     secondSignsIn();
     ASSERT_TRUE(isTold(Kind::CutOff));
     EXPECT_TRUE(becomesIdle());
@@ -165,12 +168,12 @@ TEST_F(UploadJobAccount, aRenewedTokenDisturbsNoRun)
     const int stall = stallAnUpload(500);
     start();
     ASSERT_TRUE(handOver("plan.dwg"));
-    ASSERT_TRUE(waitUntil([&] { return place.platform.faultCount(stall) == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return place.platform.faults().count(stall) == 1; }));
     firstRenewsItsToken();
     EXPECT_TRUE(becomesIdle());
     EXPECT_TRUE(IJobManager::Stop());
     EXPECT_THAT(told(), ElementsAre(Kind::Added, Kind::Started, Kind::Ended));
-    EXPECT_THAT(place.platform.blobs(), SizeIs(1));
+    EXPECT_THAT(place.platform.ask(storedFiles), SizeIs(1));
     EXPECT_TRUE(place.holds("plan.dwg", "bytes of plan.dwg"));
 }
 

@@ -93,12 +93,12 @@ TEST_F(UploadJobsPlatform, aRunThatStopCutsOffIsRepeatedByTheNextStart)
     stall.path = "/blobs/";
     stall.prefix = true;
     stall.delayMilliseconds = 60000;
-    const int fault = place.platform.addFault(stall);
+    const int fault = place.platform.faults().add(stall);
     JobManagerOptions impatient;
     impatient.stopWithin = std::chrono::milliseconds(1);
     ASSERT_TRUE(IJobManager::Start(impatient));
     EXPECT_TRUE(Files::UploadFileByJob("p-1", L"f-1", localFile("plan.dwg", "bytes")));
-    ASSERT_TRUE(waitUntil([&] { return place.platform.faultCount(fault) == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return place.platform.faults().count(fault) == 1; }));
     const std::shared_ptr<IJobEntity> job = IJobManager::Get()->GetJobs().at(0);
     EXPECT_FALSE(IJobManager::Stop());
     EXPECT_TRUE(log.has(L"W [ORLOSDK]jobs were cut off by the stop of the job manager; the next start runs them again"));
@@ -250,11 +250,11 @@ TEST_F(UploadJobsPlatform, whatThePlatformRefusesIsNotTriedAgain)
     platform::Fault fault;
     fault.path = "/v2/dataSets";
     fault.status = 403;
-    const int id = place.platform.addFault(fault);
+    const int id = place.platform.faults().add(fault);
     start();
     EXPECT_TRUE(Files::UploadFileByJob("p-1", L"f-1", localFile("a.dwg", "bytes")));
     finish();
-    EXPECT_EQ(place.platform.faultCount(id), 1);
+    EXPECT_EQ(place.platform.faults().count(id), 1);
     EXPECT_THAT(states, ElementsAre(0, 1, 3));
     EXPECT_THAT(place.datasets("a.dwg"), IsEmpty());
     EXPECT_THAT(rows(), IsEmpty());

@@ -34,7 +34,7 @@ TEST_F(Access, TheTokenMustComeAsABearerToken)
 TEST_F(Access, ATokenCanChangeHands)
 {
     project("p1");
-    platform.addUser({"next", "next-account", "demo-token"});
+    platform.change(addUser, {"next", "next-account", "demo-token"});
     EXPECT_THAT(demo().get("/projects?scenario=OWNER").body, IsJson("[]"));
 }
 
@@ -94,11 +94,11 @@ TEST_F(Access, AMalformedRequestIsAnsweredInWordsAndClosed)
 // A question mark is an ordinary character of a query.
 TEST_F(Access, AQueryMayHoldQuestionMarks)
 {
-    EXPECT_EQ(platform.addProject({"Tower", "demo-account", "p?1??"}), "p?1??");
+    EXPECT_EQ(platform.change(addProject, {"Tower", "demo-account", "p?1??"}), "p?1??");
     EXPECT_EQ(jsonText(demo().get("/folder/byproject?projectId=p?1??").body, "0.projectId"), "p?1??");
     EXPECT_EQ(jsonText(demo().get("/folder/byproject?projectId=p%3F1?%3F").body, "0.projectId"), "p?1??");
     EXPECT_EQ(jsonText(demo().get("/v2/projects/p%3F1%3F%3F?a=?b").body, "data.id"), "p?1??");
-    EXPECT_EQ(platform.requestCount("GET", "/folder/byproject"), 2u);
+    EXPECT_EQ(platform.requests().count("GET", "/folder/byproject"), 2u);
 }
 
 TEST_F(Access, QuestionMarksInTwoRequestsOfOnePacketAreTheirOwn)
@@ -107,7 +107,7 @@ TEST_F(Access, QuestionMarksInTwoRequestsOfOnePacketAreTheirOwn)
     const RawReply reply = exchange(platform.url(), request + "\r\n" + request + "Connection: close\r\n\r\n");
     EXPECT_EQ(reply.status(), 200);
     EXPECT_NE(reply.bytes.find("HTTP/1.1 200", 1), std::string::npos);
-    EXPECT_EQ(platform.requestCount("GET", "/resource/limit"), 2u);
+    EXPECT_EQ(platform.requests().count("GET", "/resource/limit"), 2u);
 }
 
 // Nobody could tell where the body ends; waiting for more would hold the client up.
@@ -159,7 +159,7 @@ TEST_F(Access, TwoRequestsInOnePacketGetTwoAnswers)
     const std::size_t second = reply.bytes.find("HTTP/1.1 200", 1);
     EXPECT_EQ(reply.status(), 200);
     EXPECT_NE(second, std::string::npos);
-    EXPECT_EQ(platform.requestCount("GET", "/projects"), 2u);
+    EXPECT_EQ(platform.requests().count("GET", "/projects"), 2u);
 }
 
 } // namespace

@@ -64,9 +64,9 @@ TEST_F(ConfigRoutes, WritingNeedsARightToWrite)
 {
     const Caller second = other();
     EXPECT_EQ(second.post(spaceConfig, "{}").status, 403);
-    platform.grantPermission("p1", "second-account", "SpaceConfig", {"Read"});
+    platform.change(grantPermission, "p1", "second-account", "SpaceConfig", {"Read"});
     EXPECT_EQ(second.post(spaceConfig, "{}").status, 403);
-    platform.grantPermission("p1", "second-account", "SpaceConfig", {"Read", "Write"});
+    platform.change(grantPermission, "p1", "second-account", "SpaceConfig", {"Read", "Write"});
     EXPECT_EQ(second.post(spaceConfig, "{}").status, 200);
 }
 

@@ -33,11 +33,11 @@ TEST_F(Control, ExpiresTokensByThePlatformsClock)
 {
     EXPECT_THAT(control("tokens", R"({"accessToken":"demo-token","expiresIn":3600})").body, IsJson(acknowledged));
     EXPECT_EQ(demo().get("/projects").status, 200);
-    platform.moveClock(3601);
+    platform.clock().move(3601);
     const Reply refused = demo().get("/projects");
     EXPECT_EQ(refused.status, 401);
     EXPECT_THAT(refused.body, IsJson(R"({"code":40100,"message":"the access token has expired","data":null})"));
-    platform.moveClock(-3601);
+    platform.clock().move(-3601);
     EXPECT_EQ(demo().get("/projects").status, 200);
     EXPECT_EQ(control("tokens", R"({"accessToken":"demo-token","expiresIn":0})").status, 200);
     EXPECT_EQ(demo().get("/projects").status, 401);
@@ -156,20 +156,20 @@ TEST_F(Control, IsNeitherStruckNorCounted)
     EXPECT_EQ(control("faults", R"({"kind":"status","path":"/","prefix":true,"calls":-1})").status, 200);
     EXPECT_EQ(demo().get("/projects").status, 503);
     EXPECT_EQ(nobody().get("/_control/clock").status, 200);
-    EXPECT_EQ(platform.requestCount("", "/"), 1u);
+    EXPECT_EQ(platform.requests().count("", "/"), 1u);
 }
 
 TEST_F(Control, MovesTheClock)
 {
-    const std::string before = platform.now();
+    const std::string before = platform.clock().text();
     const std::string now = jsonText(control("clock", R"({"seconds":3153600000})").body, "data.now");
     EXPECT_EQ(std::stoi(now.substr(0, 4)) / 100, std::stoi(before.substr(0, 4)) / 100 + 1);
     project("p1");
     const std::string created = jsonText(demo().get("/v2/projects/p1").body, "data.creationTime");
     EXPECT_GE(created, now);
     EXPECT_GE(jsonText(nobody().get("/_control/clock").body, "data.now"), created);
-    platform.moveClock(-3153600000);
-    EXPECT_EQ(platform.now().substr(0, 2), before.substr(0, 2));
+    platform.clock().move(-3153600000);
+    EXPECT_EQ(platform.clock().text().substr(0, 2), before.substr(0, 2));
 }
 
 TEST_F(Control, CountsRequestsByMethodAndPath)
@@ -180,10 +180,10 @@ TEST_F(Control, CountsRequestsByMethodAndPath)
     nobody().get("/projects");
     EXPECT_THAT(nobody().get("/_control/requests?method=GET&path=/projects").body,
                 IsJson(R"({"code":10000,"message":"OK","data":{"count":3}})"));
-    EXPECT_EQ(platform.requestCount("", "/"), 4u);
-    EXPECT_EQ(platform.requestCount("POST", "/v3"), 1u);
+    EXPECT_EQ(platform.requests().count("", "/"), 4u);
+    EXPECT_EQ(platform.requests().count("POST", "/v3"), 1u);
     EXPECT_THAT(nobody().del("/_control/requests").body, IsJson(acknowledged));
-    EXPECT_EQ(platform.requestCount("", "/"), 0u);
+    EXPECT_EQ(platform.requests().count("", "/"), 0u);
 }
 
 } // namespace

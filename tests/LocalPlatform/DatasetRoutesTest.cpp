@@ -9,7 +9,7 @@ protected:
     DatasetRoutes()
     {
         project("p1");
-        platform.addFolder({rootFolder("p1"), "plans", "OtherFiles", "", "f1"});
+        platform.change(addFolder, {rootFolder("p1"), "plans", "OtherFiles", "", "f1"});
     }
 
     std::string record(const std::string& id, const std::string& more) const
@@ -24,7 +24,7 @@ TEST_F(DatasetRoutes, ADatasetOfATeamLiesInTheTeamsFolder)
 {
     const std::string team = teamOf("p1");
     const std::string linked = jsonText(demo().get("/projects/p1/teams").body, "data.0.linkedFolderId");
-    platform.addSpecialty("p1", "ZOK", "结构", "s1");
+    platform.change(addSpecialty, {"p1", "ZOK", "结构", "s1"});
     const Reply reply = demo().post("/v2/dataSets", R"({"name":"模型","ownerId":"u1","specialtyId":"s1","folderId":"","teamId":")" + team +
                                                         R"(","type":"workunit"})");
     EXPECT_EQ(reply.status, 200);
@@ -70,7 +70,7 @@ TEST_F(DatasetRoutes, WrongDatasetsAreRefused)
 
 TEST_F(DatasetRoutes, DatasetsAreFoundByModelingId)
 {
-    platform.addDataset({"a", "f1", {}, "zok", {}, "u1", "说明", "d1", "m1"});
+    platform.change(addDataset, {"a", "f1", {}, "zok", {}, "u1", "说明", "d1", "m1"});
     const std::string expected = record("d1", R"("modelingDatasetId":"m1","name":"a","type":"zok","specialtyId":"","ownerId":"u1",
         "description":"说明","teamId":"","folderId":"f1")");
     EXPECT_THAT(demo().post("/dataset/modelingid", R"(["m1"])").body, IsJson(R"({"code":10000,"message":"OK","data":[)" + expected + "]}"));
@@ -88,7 +88,7 @@ TEST_F(DatasetRoutes, UnknownDatasetsAndFoldersAreNotFound)
 
 TEST_F(DatasetRoutes, APublishedVersionMakesADatasetCommitted)
 {
-    platform.addDataset({"a", "f1", {}, "zok", {}, "u1", "", "d1", "m1"});
+    platform.change(addDataset, {"a", "f1", {}, "zok", {}, "u1", "", "d1", "m1"});
     const auto listed = [](const std::string& tip) {
         return R"([{"id":"d1","nameSpace":"","schemaDefinition":"","codeVersion":0,"tipVersion":)" + tip +
                R"(,"projectId":"p1","creationTime":"<time>","modelingDatasetId":"m1","name":"a","type":"zok","specialtyId":"",
@@ -96,7 +96,7 @@ TEST_F(DatasetRoutes, APublishedVersionMakesADatasetCommitted)
     };
     EXPECT_THAT(demo().get("/projects/p1/dataSets/byStatus?status=draft").body, IsJson(listed("0")));
     EXPECT_THAT(demo().get("/projects/p1/dataSets/byStatus?status=committed").body, IsJson("[]"));
-    platform.addFile("a", "bytes");
+    platform.change(addFile, "a", "bytes");
     demo().put("/dataset/d1/version?sourceFile=a", "{}");
     demo().post("/datasets/d1/1/markPublish", R"({"description":"x"})");
     EXPECT_THAT(demo().get("/projects/p1/dataSets/byStatus?status=draft").body, IsJson("[]"));

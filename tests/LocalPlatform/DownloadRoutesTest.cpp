@@ -10,13 +10,13 @@ protected:
     DownloadRoutes()
     {
         project("p1");
-        platform.addDataset({"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
+        platform.change(addDataset, {"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
     }
 };
 
 TEST_F(DownloadRoutes, TheAuthorityIsAskedForByThePlainPath)
 {
-    platform.addFile("demo/塔 楼.dwg", "bytes");
+    platform.change(addFile, "demo/塔 楼.dwg", "bytes");
     const Reply reply = demo().post("/file/read", "demo/塔 楼.dwg");
     EXPECT_THAT(reply.body, IsJson(R"({"fileOSSPath":"demo/塔 楼.dwg","fileUrlWithSAS":"<text>"})"));
     EXPECT_EQ(fetch(readAuthority(platform, reply.body).target).body, "bytes");
@@ -50,8 +50,8 @@ TEST_F(DownloadRoutes, EveryVersionByArkivCanBeRead)
 
 TEST_F(DownloadRoutes, SeedsNameTheFilesOfADataset)
 {
-    const std::string path = platform.addDatasetFile("d1", "块/a b.bin", "first");
-    platform.addDatasetFile("d1", "top.bin", "second");
+    const std::string path = platform.change(addDatasetFile, "d1", "块/a b.bin", "first");
+    platform.change(addDatasetFile, "d1", "top.bin", "second");
     const Reply reply = demo().post("/datasets/d1/blockFiles/readSAS", R"(["top.bin","块/a b.bin"])");
     EXPECT_THAT(reply.body, IsJson(R"({"code":10000,"message":"OK","data":[
         {"datasetFilePath":"top.bin","datasetFilePathWithSAS":"<text>"},
@@ -64,21 +64,21 @@ TEST_F(DownloadRoutes, SeedsNameTheFilesOfADataset)
 
 TEST_F(DownloadRoutes, AFileOfADatasetIsReplacedUnderTheSameAddress)
 {
-    const std::string path = platform.addDatasetFile("d1", "a/b", "first");
-    EXPECT_EQ(platform.addDatasetFile("d1", "a/b", "second"), path);
+    const std::string path = platform.change(addDatasetFile, "d1", "a/b", "first");
+    EXPECT_EQ(platform.change(addDatasetFile, "d1", "a/b", "second"), path);
     const Reply reply = demo().post("/datasets/d1/blockFiles/readSAS", R"(["a/b"])");
     EXPECT_EQ(fetch(jsonText(reply.body, "data.0.datasetFilePathWithSAS").substr(platform.url().size())).body, "second");
 }
 
 TEST_F(DownloadRoutes, OneUnknownSeedRefusesTheBatch)
 {
-    platform.addDatasetFile("d1", "a/b", "bytes");
+    platform.change(addDatasetFile, "d1", "a/b", "bytes");
     EXPECT_THAT(demo().post("/datasets/d1/blockFiles/readSAS", R"(["a/b","a/c"])").body, IsJson(refusal(404)));
     EXPECT_EQ(demo().post("/datasets/none/blockFiles/readSAS", R"(["a/b"])").status, 404);
     EXPECT_EQ(demo().post("/datasets/d1/blockFiles/readSAS", R"({"a":"b"})").status, 400);
     EXPECT_THAT(demo().post("/datasets/d1/blockFiles/readSAS", "[]").body, IsJson(R"({"code":10000,"message":"OK","data":[]})"));
-    EXPECT_THROW(platform.addDatasetFile("none", "a", ""), std::runtime_error);
-    EXPECT_THROW(platform.addDatasetFile("d1", "", ""), std::runtime_error);
+    EXPECT_THROW(platform.change(addDatasetFile, "none", "a", ""), std::runtime_error);
+    EXPECT_THROW(platform.change(addDatasetFile, "d1", "", ""), std::runtime_error);
 }
 
 TEST_F(DownloadRoutes, AFileComesWholeWithItsLength)
@@ -108,7 +108,7 @@ TEST_F(DownloadRoutes, AnEmptyFileIsAnEmptyBody)
     const Reply reply = fetch(seeded(""));
     EXPECT_EQ(reply.status, 200);
     EXPECT_EQ(reply.body, "");
-    EXPECT_EQ(platform.openDownloads(), 0u);
+    EXPECT_EQ(platform.requests().openDownloads(), 0u);
 }
 
 TEST_F(DownloadRoutes, AnAccessTokenAtASignedAddressIsRefused)
@@ -124,7 +124,7 @@ TEST_F(DownloadRoutes, AnswersArePackedForThoseWhoAcceptItWhenThatIsSwitchedOn)
     const std::string bytes = noise(100'000) + std::string(2'000'000, 'x');
     const std::string target = seeded(bytes);
     EXPECT_TRUE(fetch(target, {{"Accept-Encoding", "gzip"}}).body == bytes);
-    platform.setGzipAnswers(true);
+    platform.transfers().setGzipAnswers(true);
     const Reply packed = fetch(target, {{"Accept-Encoding", "deflate, gzip"}});
     EXPECT_TRUE(packed.body == gzipped(bytes));
     EXPECT_TRUE(fetch(target, {{"Accept-Encoding", "identity"}}).body == bytes);
@@ -138,14 +138,14 @@ TEST_F(DownloadRoutes, AFileThatIsReplacedMeanwhileComesAsItWas)
     const std::string bytes = noise(20'000'000); // more than the sockets hold
     const auto connection = connectTo(platform.url());
     EXPECT_TRUE(connection->write("GET " + seeded(bytes) + " HTTP/1.1\r\nConnection: close\r\n\r\n"));
-    EXPECT_TRUE(eventually([&] { return platform.openDownloads() == 1; }));
+    EXPECT_TRUE(eventually([&] { return platform.requests().openDownloads() == 1; }));
     RawReply reply;
     EXPECT_TRUE(connection->read(reply.bytes));
-    platform.addFile("seeded.bin", "other");
+    platform.change(addFile, "seeded.bin", "other");
     while (connection->read(reply.bytes))
         ;
     EXPECT_TRUE(reply.body() == bytes);
-    EXPECT_EQ(platform.blob("seeded.bin"), "other");
+    EXPECT_EQ(platform.ask(contentOf, "seeded.bin"), "other");
 }
 
 } // namespace

@@ -9,9 +9,9 @@ protected:
     DrawingRoutes()
     {
         project("p1");
-        platform.addFile("a", "x");
+        platform.change(addFile, "a", "x");
         for (const std::string id : {"d1", "d2", "d3"}) {
-            platform.addDataset({"图纸 " + id, rootFolder("p1"), {}, "zok", {}, "u1", "", id, "m-" + id});
+            platform.change(addDataset, {"图纸 " + id, rootFolder("p1"), {}, "zok", {}, "u1", "", id, "m-" + id});
             demo().put("/dataset/" + id + "/version?sourceFile=a", "{}");
         }
         demo().put("/dataset/d2/version?sourceFile=a", "{}");

@@ -34,9 +34,9 @@ TEST_F(FolderRoutes, TheRootFolderComesInAnEnvelope)
 
 TEST_F(FolderRoutes, SubFoldersAreListedOneLevelDeepOrAllTheWay)
 {
-    platform.addFolder({rootFolder("p1"), "一", "OtherFiles", "", "f1"});
-    platform.addFolder({"f1", "二", "Process", "", "f2"});
-    platform.addFolder({"f2", "三", "Published", "", "f3"});
+    platform.change(addFolder, {rootFolder("p1"), "一", "OtherFiles", "", "f1"});
+    platform.change(addFolder, {"f1", "二", "Process", "", "f2"});
+    platform.change(addFolder, {"f2", "三", "Published", "", "f3"});
     const std::string second = R"({"id":"f2","name":"二","folderType":"Process","parentId":"f1","projectId":"p1","teamId":""})";
     const std::string third = R"({"id":"f3","name":"三","folderType":"Published","parentId":"f2","projectId":"p1","teamId":""})";
     EXPECT_THAT(demo().get("/folders/f1/subfolders?recursive=false").body, IsJson("[" + second + "]"));
@@ -55,8 +55,8 @@ TEST_F(FolderRoutes, FoldersNeedAKnownProject)
 
 TEST_F(FolderRoutes, ADatasetTellsItsProject)
 {
-    platform.addFolder({rootFolder("p1"), "一", "OtherFiles", "", "f1"});
-    platform.addDataset({"d", "f1", {}, "dwg", {}, {}, {}, "d1"});
+    platform.change(addFolder, {rootFolder("p1"), "一", "OtherFiles", "", "f1"});
+    platform.change(addDataset, {"d", "f1", {}, "dwg", {}, {}, {}, "d1"});
     EXPECT_THAT(demo().get("/folder/hasdataset?datasetId=d1").body, IsJson(R"({"projectId":"p1","folderId":"f1"})"));
     EXPECT_EQ(demo().get("/folder/hasdataset?datasetId=none").status, 404);
 }

@@ -9,7 +9,7 @@ protected:
     FontRoutes()
     {
         project("p1");
-        platform.addFont({"p1", "仿宋", std::string("\0font\xff", 6), "ttf", "Project", "demo", "font1"});
+        platform.change(addFont, {"p1", "仿宋", std::string("\0font\xff", 6), "ttf", "Project", "demo", "font1"});
     }
 
     /// The signed address without the platform's own.
@@ -42,9 +42,9 @@ TEST_F(FontRoutes, TheSignedAddressGivesTheBytesWithoutAToken)
 TEST_F(FontRoutes, AnExpiredAddressIsRefused)
 {
     const std::string address = target();
-    platform.moveClock(14 * 60);
+    platform.clock().move(14 * 60);
     EXPECT_EQ(nobody().get(address).status, 200);
-    platform.moveClock(61);
+    platform.clock().move(61);
     const Reply reply = nobody().get(address);
     EXPECT_EQ(reply.status, 403);
     EXPECT_THAT(reply.body, IsJson(refusal(403)));

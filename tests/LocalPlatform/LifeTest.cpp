@@ -25,9 +25,9 @@ TEST(Restart, WithTheSameFolderKeepsEverything)
         LocalPlatform platform(Options{data, 0, true});
         platform.start();
         const Caller demo(platform.url(), "demo-token");
-        platform.addProject({"塔楼", "demo-account", "p1"});
-        platform.addFont({"p1", "F", "bytes", "ttf", "Project", "demo", "font1"});
-        platform.setQuota("demo-account", 5, 100);
+        platform.change(addProject, {"塔楼", "demo-account", "p1"});
+        platform.change(addFont, {"p1", "F", "bytes", "ttf", "Project", "demo", "font1"});
+        platform.change(setQuota, "demo-account", 5, 100);
         demo.post("/config/scope/Project/p1/type/SpaceConfig", R"({"a":1})");
         demo.post("/specialties", R"({"projectId":"p1","type":"ZOK","name":"n"})");
         before = demo.get("/v2/projects/p1").body + demo.get("/folder/byproject?projectId=p1").body + demo.get("/projects/p1/teams").body +
@@ -52,7 +52,7 @@ TEST(Restart, OfOnePlatformKeepsPortAndMemory)
     LocalPlatform platform(Options{{}, 0, true});
     platform.start();
     const std::string url = platform.url();
-    platform.addProject({"A", "demo-account", "p1"});
+    platform.change(addProject, {"A", "demo-account", "p1"});
     platform.stop();
     EXPECT_EQ(Caller(url, "demo-token").get("/v2/projects/p1").error, httplib::Error::Connection);
     platform.start();

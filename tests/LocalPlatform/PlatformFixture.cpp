@@ -61,7 +61,7 @@ PlatformTest::PlatformTest()
 
 Caller PlatformTest::other()
 {
-    platform.addUser({"second", "second-account", "second-token"});
+    platform.change(addUser, {"second", "second-account", "second-token"});
     return {platform.url(), "second-token"};
 }
 

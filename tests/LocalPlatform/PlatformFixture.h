@@ -48,7 +48,7 @@ protected:
     Caller nobody() const { return {platform.url(), {}}; }
     Caller other();
     /// A project of demo's.
-    std::string project(const std::string& id) { return platform.addProject({"Tower", "demo-account", id}); }
+    std::string project(const std::string& id) { return platform.change(addProject, {"Tower", "demo-account", id}); }
     std::string rootFolder(const std::string& projectId) const;
     std::string teamOf(const std::string& projectId) const;
 

@@ -45,12 +45,12 @@ TEST_F(ProjectRoutes, WrongCreationBodiesAreRefused)
 TEST_F(ProjectRoutes, ScenariosChooseWhichProjectsAreListed)
 {
     other();
-    platform.addProject({"mine", "demo-account", "p1"});
-    platform.addProject({"shared", "second-account", "p2"});
-    platform.addProject({"foreign", "second-account", "p3"});
-    platform.addProject({"old", "demo-account", "p4", "Completed", "", "", 0, true});
-    platform.grantPermission("p2", "demo-account", "SpaceConfig", {"Read"});
-    platform.setGridType("p1", "TYPE_TWO");
+    platform.change(addProject, {"mine", "demo-account", "p1"});
+    platform.change(addProject, {"shared", "second-account", "p2"});
+    platform.change(addProject, {"foreign", "second-account", "p3"});
+    platform.change(addProject, {"old", "demo-account", "p4", "Completed", "", "", 0, true});
+    platform.change(grantPermission, "p2", "demo-account", "SpaceConfig", {"Read"});
+    platform.change(setGridType, "p1", "TYPE_TWO");
 
     const std::string mine = R"({"creationTime":"<time>","description":"","id":"p1","name":"mine","owner":"demo-account",
         "status":"Ongoing","gridType":"TYPE_TWO","size":0})";
@@ -67,8 +67,8 @@ TEST_F(ProjectRoutes, ScenariosChooseWhichProjectsAreListed)
 
 TEST_F(ProjectRoutes, ProjectsAreListedByStatus)
 {
-    platform.addProject({"a", "demo-account", "p1", "Suspended"});
-    platform.addProject({"b", "demo-account", "p2", "Ongoing"});
+    platform.change(addProject, {"a", "demo-account", "p1", "Suspended"});
+    platform.change(addProject, {"b", "demo-account", "p2", "Ongoing"});
     EXPECT_THAT(demo().get("/projects/status?status=Suspended").body,
                 IsJson(R"([{"creationTime":"<time>","description":"","id":"p1","name":"a","owner":"demo-account","status":"Suspended",
                     "size":0}])"));
@@ -80,9 +80,9 @@ TEST_F(ProjectRoutes, ProjectsAreListedByStatus)
 TEST_F(ProjectRoutes, OneProjectCarriesStandardPropertiesAndGridTypeWhereSet)
 {
     project("p1");
-    platform.setGridType("p1", "TYPE_ONE");
-    platform.setProjectSize("p1", 5000000000);
-    platform.setStandardProperties("p1", R"([{"propertyId":"a","valueType":"Double","doubleValue":1.5}])");
+    platform.change(setGridType, "p1", "TYPE_ONE");
+    platform.change(setProjectSize, "p1", 5000000000);
+    platform.change(setStandardProperties, "p1", R"([{"propertyId":"a","valueType":"Double","doubleValue":1.5}])");
     EXPECT_THAT(demo().get("/v2/projects/p1").body,
                 IsJson(R"({"code":10000,"message":"OK","data":{"creationTime":"<time>","description":"","id":"p1","name":"Tower",
                     "owner":"demo-account","status":"Ongoing","gridType":"TYPE_ONE","size":5000000000,
@@ -101,7 +101,7 @@ TEST_F(ProjectRoutes, DeletionTakesEverythingBelowAlong)
 {
     project("p1");
     const std::string root = rootFolder("p1");
-    platform.addDataset({"d", root, {}, "dwg", {}, {}, {}, "d1"});
+    platform.change(addDataset, {"d", root, {}, "dwg", {}, {}, {}, "d1"});
     const Reply reply = demo().del("/v2/projects/p1");
     EXPECT_EQ(reply.status, 200);
     EXPECT_THAT(reply.body, IsJson(R"({"code":10000,"message":"OK","data":null})"));
@@ -122,7 +122,11 @@ TEST_F(ProjectRoutes, OnlyItsOwnerDeletesAProject)
 TEST_F(ProjectRoutes, SampleProjectsAreAListOfTheirOwn)
 {
     EXPECT_THAT(demo().get("/v2/sampleProjects").body, IsJson(R"({"code":10000,"message":"OK","data":[]})"));
-    platform.addSampleProject("示例", "s1");
+    ProjectSeed sample;
+    sample.name = "示例";
+    sample.id = "s1";
+    sample.sample = true;
+    platform.change(addProject, sample);
     EXPECT_THAT(demo().get("/v2/sampleProjects").body,
                 IsJson(R"({"code":10000,"message":"OK","data":[{"creationTime":"<time>","description":"","id":"s1","name":"示例",
                     "owner":"","status":"Ongoing","size":0}]})"));
@@ -133,25 +137,25 @@ TEST_F(ProjectRoutes, SampleProjectsAreAListOfTheirOwn)
 TEST_F(ProjectRoutes, AnAccountHasNoLimitsUntilItGetsAQuota)
 {
     EXPECT_THAT(demo().get("/resource/limit").body, IsJson(R"({"code":10000,"message":"OK","data":null})"));
-    platform.setQuota("demo-account", 1, 2048);
+    platform.change(setQuota, "demo-account", 1, 2048);
     EXPECT_THAT(demo().get("/resource/limit").body, IsJson(R"({"code":10000,"message":"OK","data":{"projectNumber":1,"spaceSize":2048}})"));
     EXPECT_EQ(demo().post("/v3/projects", R"({"name":"A","status":"Ongoing"})").status, 200);
     EXPECT_EQ(demo().post("/v3/projects", R"({"name":"B","status":"Ongoing"})").status, 409);
-    platform.setPersonal("demo-account");
+    platform.change(setPersonal, "demo-account");
     EXPECT_EQ(demo().post("/v3/projects", R"({"name":"B","status":"Ongoing"})").status, 200);
 }
 
 TEST_F(ProjectRoutes, PermissionTypesAreThoseOfTheAccountInThePath)
 {
     project("p1");
-    platform.grantPermission("p1", "demo-account", "GridConfig", {"Read"});
-    platform.grantPermission("p1", "demo-account", "SpaceConfig", {"Read", "Write"});
-    platform.grantPermission("p1", "second-account", "SpaceConfig", {"SoftWrite"});
+    platform.change(grantPermission, "p1", "demo-account", "GridConfig", {"Read"});
+    platform.change(grantPermission, "p1", "demo-account", "SpaceConfig", {"Read", "Write"});
+    platform.change(grantPermission, "p1", "second-account", "SpaceConfig", {"SoftWrite"});
     EXPECT_THAT(demo().get("/projects/p1/users/demo-account/permission").body,
                 IsJson(R"({"code":10000,"message":"OK","data":[{"resource":"GridConfig","permissionTypes":["Read"]},
                     {"resource":"SpaceConfig","permissionTypes":["Read","Write"]}]})"));
-    platform.grantPermission("p1", "demo-account", "GridConfig", {});
-    platform.grantPermission("p1", "demo-account", "SpaceConfig", {});
+    platform.change(grantPermission, "p1", "demo-account", "GridConfig", {});
+    platform.change(grantPermission, "p1", "demo-account", "SpaceConfig", {});
     EXPECT_THAT(demo().get("/projects/p1/users/demo-account/permission").body, IsJson(R"({"code":10000,"message":"OK","data":[]})"));
     EXPECT_EQ(demo().get("/projects/none/users/demo-account/permission").status, 404);
 }

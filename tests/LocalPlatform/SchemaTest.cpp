@@ -44,7 +44,7 @@ TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
         platform.start();
         const Caller demo(platform.url(), "demo-token");
         EXPECT_EQ(jsonText(demo.get("/v2/datasets/d1/version/1").body, "data.dataSetSourceFile"), "old.zok");
-        platform.addFile("new.zok", "bytes");
+        platform.change(addFile, "new.zok", "bytes");
         EXPECT_EQ(demo.put("/dataset/d1/version?sourceFile=new.zok", "{}").status, 200);
     }
     EXPECT_EQ(schemaVersion(data + "/platform.db"), 3);

@@ -12,22 +12,22 @@ TEST_F(TransferControl, StoresListsAndShowsFiles)
 {
     const std::string bytes = noise(2'000'000);
     EXPECT_THAT(send("/_control/files?path=demo%2F%E5%A1%94.bin", bytes).body, IsJson(acknowledged));
-    EXPECT_TRUE(platform.blob("demo/塔.bin") == bytes);
+    EXPECT_TRUE(platform.ask(contentOf, "demo/塔.bin") == bytes);
     EXPECT_THAT(nobody().get("/_control/files").body,
                 IsJson(R"({"code":10000,"message":"OK","data":[{"remotePath":"demo/塔.bin","fileName":"塔.bin","length":2000000}]})"));
     EXPECT_TRUE(fetch("/_control/files/content?path=demo%2F%E5%A1%94.bin").body == bytes);
     EXPECT_EQ(nobody().get("/_control/files/content?path=none").status, 404);
     EXPECT_EQ(send("/_control/files", "x").status, 400);
-    EXPECT_EQ(platform.peakDownloads(), 0u);
+    EXPECT_EQ(platform.requests().peakDownloads(), 0u);
 }
 
 TEST_F(TransferControl, StoresFilesOfDatasets)
 {
     project("p1");
-    platform.addDataset({"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "数据", "m1"});
+    platform.change(addDataset, {"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "数据", "m1"});
     const Reply reply = send("/_control/datasets/%E6%95%B0%E6%8D%AE/files?path=a%2Fb.bin", "bytes");
     EXPECT_EQ(reply.body.find(R"({"code":10000,"message":"OK","data":{"path":"/blobs/)"), 0u) << reply.body;
-    EXPECT_EQ(jsonText(reply.body, "data.path"), platform.addDatasetFile("数据", "a/b.bin", "newer"));
+    EXPECT_EQ(jsonText(reply.body, "data.path"), platform.change(addDatasetFile, "数据", "a/b.bin", "newer"));
     EXPECT_EQ(send("/_control/datasets/none/files?path=a", "x").status, 404);
     EXPECT_EQ(send("/_control/datasets/a%2Fb/files?path=a", "x").status, 404);
 }
@@ -43,7 +43,7 @@ TEST_F(TransferControl, ShowsAndChangesHowTransfersBehave)
                     "openDownloads":0,"peakDownloads":1}})"));
     const Authority authority = uploadAuthority();
     EXPECT_EQ(send(authority.target, "x").body, "{}");
-    platform.moveClock(6);
+    platform.clock().move(6);
     EXPECT_EQ(send(authority.target, "x").status, 403);
     EXPECT_EQ(nobody().patch("/_control/transfers", R"({"gzipAnswers":1})").status, 400);
 }
@@ -51,8 +51,8 @@ TEST_F(TransferControl, ShowsAndChangesHowTransfersBehave)
 TEST_F(TransferControl, ListsTranslations)
 {
     project("p1");
-    platform.addDataset({"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
-    platform.addFile("a", "x");
+    platform.change(addDataset, {"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
+    platform.change(addFile, "a", "x");
     demo().put("/dataset/d1/version?sourceFile=a", "{}");
     demo().post("/v1/upload", R"({"dataSetId":"d1","versionId":1,"toType":"glb"})");
     EXPECT_THAT(nobody().get("/_control/translations").body,

@@ -76,7 +76,7 @@ Authority TransferTest::downloadAuthority(const std::string& remotePath) const
 
 std::string TransferTest::seeded(const std::string& bytes)
 {
-    platform.addFile("seeded.bin", bytes);
+    platform.change(addFile, "seeded.bin", bytes);
     return downloadAuthority("seeded.bin").target;
 }
 

@@ -36,34 +36,34 @@ TEST_F(TransferLoad, OpenDownloadsAreCountedWhileTheyAreOpen)
     slow.prefix = true;
     slow.calls = 3;
     slow.delayMilliseconds = 600'000;
-    platform.addFault(slow);
-    EXPECT_EQ(platform.peakDownloads(), 0u);
+    platform.faults().add(slow);
+    EXPECT_EQ(platform.requests().peakDownloads(), 0u);
     std::vector<std::future<int>> waiting;
     for (int i = 0; i < 3; ++i)
         waiting.push_back(std::async(std::launch::async, [&] { return fetch(target).status; }));
-    EXPECT_TRUE(eventually([&] { return platform.openDownloads() == 3; }));
-    EXPECT_EQ(platform.peakDownloads(), 3u);
+    EXPECT_TRUE(eventually([&] { return platform.requests().openDownloads() == 3; }));
+    EXPECT_EQ(platform.requests().peakDownloads(), 3u);
     EXPECT_EQ(fetch(target).status, 200);
-    EXPECT_EQ(platform.openDownloads(), 3u);
-    EXPECT_EQ(platform.peakDownloads(), 4u);
-    platform.clearRequestCounts();
-    EXPECT_EQ(platform.peakDownloads(), 3u);
+    EXPECT_EQ(platform.requests().openDownloads(), 3u);
+    EXPECT_EQ(platform.requests().peakDownloads(), 4u);
+    platform.requests().clear();
+    EXPECT_EQ(platform.requests().peakDownloads(), 3u);
     platform.stop();
-    EXPECT_EQ(platform.openDownloads(), 0u);
+    EXPECT_EQ(platform.requests().openDownloads(), 0u);
 }
 
 TEST_F(TransferLoad, ClientsThatTakeTurnsAreNeverCountedTogether)
 {
     for (const std::size_t size : {0u, 1u, 16'384u, 300'000u}) {
         const std::string target = seeded(std::string(size, 'x'));
-        platform.clearRequestCounts();
+        platform.requests().clear();
         inThreads(4, [&] {
             for (int i = 0; i < 25; ++i)
                 EXPECT_EQ(fetch(target).body.size(), size);
         });
-        EXPECT_LE(platform.peakDownloads(), 4u) << size;
-        EXPECT_EQ(platform.requestCount("GET", "/blobs/"), 100u);
-        EXPECT_EQ(platform.openDownloads(), 0u);
+        EXPECT_LE(platform.requests().peakDownloads(), 4u) << size;
+        EXPECT_EQ(platform.requests().count("GET", "/blobs/"), 100u);
+        EXPECT_EQ(platform.requests().openDownloads(), 0u);
     }
 }
 
@@ -72,9 +72,9 @@ TEST_F(TransferLoad, AStopEndsADownloadThatItsClientDoesNotRead)
     const auto connection = connectTo(platform.url());
     const std::string target = seeded(noise(30'000'000)); // more than the sockets hold
     EXPECT_TRUE(connection->write("GET " + target + " HTTP/1.1\r\n\r\n"));
-    EXPECT_TRUE(eventually([&] { return platform.openDownloads() == 1; }));
+    EXPECT_TRUE(eventually([&] { return platform.requests().openDownloads() == 1; }));
     platform.stop();
-    EXPECT_EQ(platform.openDownloads(), 0u);
+    EXPECT_EQ(platform.requests().openDownloads(), 0u);
     EXPECT_LT(readAll(*connection).bytes.size(), 30'000'000u);
 }
 
@@ -86,10 +86,10 @@ TEST_F(TransferLoad, UploadsAtOnceAllArrive)
             const std::string bytes = noise(static_cast<std::size_t>(50'000 + next++));
             const Authority authority = uploadAuthority();
             EXPECT_EQ(send(authority.target, bytes).status, 200);
-            EXPECT_TRUE(platform.blob(authority.remotePath) == bytes);
+            EXPECT_TRUE(platform.ask(contentOf, authority.remotePath) == bytes);
         }
     });
-    EXPECT_EQ(platform.blobs().size(), 80u);
+    EXPECT_EQ(platform.ask(storedFiles).size(), 80u);
 }
 
 TEST_F(TransferLoad, OneNameUploadedByArkivFromAllSidesGetsAllVersions)
@@ -101,7 +101,7 @@ TEST_F(TransferLoad, OneNameUploadedByArkivFromAllSidesGetsAllVersions)
             EXPECT_EQ(send(docUploadAuthority(folder).target, "x").status, 200);
     });
     std::set<int> versions;
-    for (const StoredFile& file : platform.blobs())
+    for (const StoredFile& file : platform.ask(storedFiles))
         versions.insert(file.versionIndex);
     EXPECT_EQ(versions.size(), 40u);
     EXPECT_EQ(*versions.rbegin(), 40);
@@ -118,11 +118,11 @@ TEST_F(TransferLoad, AnUploadInProgressHoldsNobodyUp)
     stall.bytes = 3;
     stall.delayMilliseconds = 600'000;
     stall.ofRequest = true;
-    const int id = platform.addFault(stall);
+    const int id = platform.faults().add(stall);
     auto upload = std::async(std::launch::async, [&] { return send(target, "bytes").status; });
-    EXPECT_TRUE(eventually([&] { return platform.faultCount(id) == 1; }));
+    EXPECT_TRUE(eventually([&] { return platform.faults().count(id) == 1; }));
     EXPECT_EQ(send(uploadAuthority().target, "bytes").status, 200);
-    EXPECT_EQ(platform.blobs().size(), 1u);
+    EXPECT_EQ(platform.ask(storedFiles).size(), 1u);
     platform.stop();
     EXPECT_EQ(upload.get(), 0);
 }

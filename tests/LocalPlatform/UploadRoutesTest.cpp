@@ -45,8 +45,8 @@ TEST_F(UploadRoutes, UploadsOfOneNameAreKeptApart)
     EXPECT_NE(first.remotePath, second.remotePath);
     send(first.target, "first");
     send(second.target, "second");
-    EXPECT_EQ(platform.blob(first.remotePath), "first");
-    EXPECT_EQ(platform.blob(second.remotePath), "second");
+    EXPECT_EQ(platform.ask(contentOf, first.remotePath), "first");
+    EXPECT_EQ(platform.ask(contentOf, second.remotePath), "second");
 }
 
 TEST_F(UploadRoutes, APlainUploadAnswersNothing)
@@ -56,14 +56,14 @@ TEST_F(UploadRoutes, APlainUploadAnswersNothing)
     const Reply reply = send(authority.target, bytes);
     EXPECT_EQ(reply.status, 200);
     EXPECT_EQ(reply.body, "");
-    EXPECT_EQ(platform.blob(authority.remotePath), bytes);
+    EXPECT_EQ(platform.ask(contentOf, authority.remotePath), bytes);
 }
 
 TEST_F(UploadRoutes, TheAnswerToAPlainUploadCanBeChosen)
 {
-    platform.setPlainPutAnswer(R"({"data":{"fileId":"f"}})");
+    platform.transfers().setPlainPutAnswer(R"({"data":{"fileId":"f"}})");
     EXPECT_EQ(send(uploadAuthority().target, "x").body, R"({"data":{"fileId":"f"}})");
-    platform.setPlainPutAnswer("");
+    platform.transfers().setPlainPutAnswer("");
     EXPECT_EQ(send(uploadAuthority().target, "x").body, "");
 }
 
@@ -72,9 +72,9 @@ TEST_F(UploadRoutes, BytesThatComeAgainReplaceTheFirst)
     const Authority authority = uploadAuthority();
     send(authority.target, "first");
     send(authority.target, "the second");
-    EXPECT_EQ(platform.blob(authority.remotePath), "the second");
-    ASSERT_EQ(platform.blobs().size(), 1u);
-    EXPECT_EQ(platform.blobs()[0].length, 10);
+    EXPECT_EQ(platform.ask(contentOf, authority.remotePath), "the second");
+    ASSERT_EQ(platform.ask(storedFiles).size(), 1u);
+    EXPECT_EQ(platform.ask(storedFiles)[0].length, 10);
 }
 
 TEST_F(UploadRoutes, StoredFilesAreListedOnceTheirBytesHaveCome)
@@ -82,10 +82,10 @@ TEST_F(UploadRoutes, StoredFilesAreListedOnceTheirBytesHaveCome)
     project("p1");
     const Authority doc = docUploadAuthority(rootFolder("p1"), "b.dwg");
     const Authority plain = uploadAuthority();
-    EXPECT_TRUE(platform.blobs().empty());
+    EXPECT_TRUE(platform.ask(storedFiles).empty());
     send(plain.target, "12");
     const std::string fileId = jsonText(send(doc.target, "123").body, "data.fileId");
-    const std::vector<StoredFile> files = platform.blobs();
+    const std::vector<StoredFile> files = platform.ask(storedFiles);
     ASSERT_EQ(files.size(), 2u);
     EXPECT_EQ(files[0].remotePath, doc.remotePath);
     EXPECT_EQ(files[0].fileName, "b.dwg");
@@ -95,15 +95,15 @@ TEST_F(UploadRoutes, StoredFilesAreListedOnceTheirBytesHaveCome)
     EXPECT_EQ(files[1].remotePath, plain.remotePath);
     EXPECT_EQ(files[1].fileId, "");
     EXPECT_EQ(files[1].versionIndex, 0);
-    EXPECT_THROW(platform.blob("none"), std::runtime_error);
+    EXPECT_THROW(platform.ask(contentOf, "none"), std::runtime_error);
 }
 
 TEST_F(UploadRoutes, AnEmptyFileIsAFile)
 {
     const Authority authority = uploadAuthority();
     EXPECT_EQ(send(authority.target, "").status, 200);
-    EXPECT_EQ(platform.blob(authority.remotePath), "");
-    EXPECT_EQ(platform.blobs().size(), 1u);
+    EXPECT_EQ(platform.ask(contentOf, authority.remotePath), "");
+    EXPECT_EQ(platform.ask(storedFiles).size(), 1u);
 }
 
 TEST_F(UploadRoutes, AGzipBodyIsStoredUnpacked)
@@ -112,7 +112,7 @@ TEST_F(UploadRoutes, AGzipBodyIsStoredUnpacked)
     const std::string bytes = noise(3'000'000) + std::string(3'000'000, 'x');
     const Authority plain = uploadAuthority();
     EXPECT_EQ(send(plain.target, gzipped(bytes), {{"Content-Encoding", "gzip"}}).status, 200);
-    EXPECT_TRUE(platform.blob(plain.remotePath) == bytes);
+    EXPECT_TRUE(platform.ask(contentOf, plain.remotePath) == bytes);
     const Reply doc = send(docUploadAuthority(rootFolder("p1")).target, gzipped(bytes), {{"Content-Encoding", "gzip"}});
     EXPECT_THAT(doc.body, IsJson(stored("<id>", 1, 6'000'000)));
 }
@@ -127,7 +127,7 @@ TEST_F(UploadRoutes, ABrokenGzipBodyIsRefusedAndNotStored)
     EXPECT_EQ(send(authority.target, "plain", {{"Content-Encoding", "gzip"}}).status, 400);
     EXPECT_EQ(send(authority.target, "", {{"Content-Encoding", "gzip"}}).status, 400);
     EXPECT_EQ(send(authority.target, "plain", {{"Content-Encoding", "br"}}).status, 415);
-    EXPECT_TRUE(platform.blobs().empty());
+    EXPECT_TRUE(platform.ask(storedFiles).empty());
 }
 
 TEST_F(UploadRoutes, AnUploadWithoutALengthIsRefused)
@@ -135,7 +135,7 @@ TEST_F(UploadRoutes, AnUploadWithoutALengthIsRefused)
     const std::string target = uploadAuthority().target;
     const RawReply reply = exchange(platform.url(), "PUT " + target + " HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n1\r\na\r\n0\r\n\r\n");
     EXPECT_EQ(reply.status(), 411);
-    EXPECT_TRUE(platform.blobs().empty());
+    EXPECT_TRUE(platform.ask(storedFiles).empty());
 }
 
 TEST_F(UploadRoutes, AFollowingRequestOnTheConnectionIsFoundBehindARefusedBody)
@@ -147,7 +147,7 @@ TEST_F(UploadRoutes, AFollowingRequestOnTheConnectionIsFoundBehindARefusedBody)
                                      "GET /resource/limit HTTP/1.1\r\nConnection: close\r\nAuthorization: Bearer demo-token\r\n\r\n");
     EXPECT_EQ(reply.status(), 403);
     EXPECT_EQ(reply.bytes.substr(reply.bytes.rfind("\r\n\r\n") + 4), R"({"code":10000,"message":"OK","data":null})");
-    EXPECT_EQ(platform.requestCount("GET", "/"), 1u);
+    EXPECT_EQ(platform.requests().count("GET", "/"), 1u);
 }
 
 TEST_F(UploadRoutes, ABodyThatEndsEarlyIsNotStored)
@@ -156,11 +156,11 @@ TEST_F(UploadRoutes, ABodyThatEndsEarlyIsNotStored)
     {
         const auto connection = connectTo(platform.url());
         EXPECT_TRUE(connection->write("PUT " + target + " HTTP/1.1\r\nContent-Length: 1000\r\n\r\nbegin"));
-        EXPECT_TRUE(eventually([&] { return platform.requestCount("PUT", "/blobs/") == 1; }));
+        EXPECT_TRUE(eventually([&] { return platform.requests().count("PUT", "/blobs/") == 1; }));
     }
     EXPECT_EQ(send(target, "whole").status, 200);
-    ASSERT_EQ(platform.blobs().size(), 1u);
-    EXPECT_EQ(platform.blobs()[0].length, 5);
+    ASSERT_EQ(platform.ask(storedFiles).size(), 1u);
+    EXPECT_EQ(platform.ask(storedFiles)[0].length, 5);
 }
 
 TEST_F(UploadRoutes, ASignedAddressIsForItsMethodOnly)
@@ -169,7 +169,7 @@ TEST_F(UploadRoutes, ASignedAddressIsForItsMethodOnly)
     EXPECT_THAT(fetch(authority.target).body, IsJson(refusal(403)));
     send(authority.target, "bytes");
     EXPECT_THAT(send(downloadAuthority(authority.remotePath).target, "other").body, IsJson(refusal(403)));
-    EXPECT_EQ(platform.blob(authority.remotePath), "bytes");
+    EXPECT_EQ(platform.ask(contentOf, authority.remotePath), "bytes");
 }
 
 TEST_F(UploadRoutes, AnExpiredOrAlteredAddressTakesNothing)
@@ -177,9 +177,9 @@ TEST_F(UploadRoutes, AnExpiredOrAlteredAddressTakesNothing)
     const Authority authority = uploadAuthority();
     EXPECT_EQ(send(forged(authority.target), "bytes").status, 403);
     EXPECT_EQ(send(authority.target.substr(0, authority.target.find('?')), "bytes").status, 403);
-    platform.moveClock(901);
+    platform.clock().move(901);
     EXPECT_THAT(send(authority.target, "bytes").body, IsJson(refusal(403)));
-    EXPECT_TRUE(platform.blobs().empty());
+    EXPECT_TRUE(platform.ask(storedFiles).empty());
 }
 
 TEST_F(UploadRoutes, AnAccessTokenAtASignedAddressIsRefused)
@@ -187,17 +187,17 @@ TEST_F(UploadRoutes, AnAccessTokenAtASignedAddressIsRefused)
     const Authority authority = uploadAuthority();
     EXPECT_THAT(send(authority.target, "bytes", {{"Authorization", "Bearer demo-token"}}).body, IsJson(refusal(400)));
     EXPECT_EQ(send(authority.target, "bytes", {{"Authorization", "demo-token"}}).status, 400);
-    EXPECT_TRUE(platform.blobs().empty());
+    EXPECT_TRUE(platform.ask(storedFiles).empty());
 }
 
 TEST_F(UploadRoutes, TheLifeOfAddressesCanBeChosen)
 {
-    platform.setSignedLifetime(5);
+    platform.transfers().setSignedLifetime(5);
     const Authority authority = uploadAuthority();
-    platform.setSignedLifetime(0);
+    platform.transfers().setSignedLifetime(0);
     EXPECT_EQ(send(uploadAuthority().target, "bytes").status, 403);
     EXPECT_EQ(send(authority.target, "bytes").status, 200);
-    platform.moveClock(6);
+    platform.clock().move(6);
     EXPECT_EQ(send(authority.target, "bytes").status, 403);
 }
 
@@ -217,7 +217,7 @@ TEST_F(UploadRoutes, TheSameNameInTheSameFolderIsAFurtherVersion)
     const Authority second = docUploadAuthority(folder, "b.dwg");
     EXPECT_THAT(send(second.target, "22").body, IsJson(stored(fileId, 2, 2)));
     EXPECT_THAT(send(second.target, "22").body, IsJson(stored(fileId, 2, 2))) << "sent again after a lost answer";
-    const std::string other = platform.addFolder({folder, "other"});
+    const std::string other = platform.change(addFolder, {folder, "other"});
     EXPECT_NE(jsonText(send(docUploadAuthority(other, "b.dwg").target, "1").body, "data.fileId"), fileId);
     EXPECT_NE(jsonText(send(docUploadAuthority(folder, "c.dwg").target, "1").body, "data.fileId"), fileId);
 }
@@ -250,7 +250,7 @@ TEST_F(UploadRoutes, AnUploadByArkivBecomesAVersion)
 {
     project("p1");
     const std::string folder = rootFolder("p1");
-    platform.addDataset({"a", folder, {}, "", {}, "", "", "d1", "m1"});
+    platform.change(addDataset, {"a", folder, {}, "", {}, "", "", "d1", "m1"});
     const std::string fileId = jsonText(send(docUploadAuthority(folder).target, "12345").body, "data.fileId");
     const std::string target = "/dataset/d1/doc/version?sourceFile=" + fileId;
     EXPECT_THAT(demo().put(target, R"({"length":5,"version":1})").body,
@@ -285,7 +285,7 @@ TEST_F(UploadRoutes, AFileOfAProjectIsDeletedWithAllItsVersions)
     EXPECT_THAT(demo().del("/projects/p1/files/" + fileId).body, IsJson(R"({"code":10000,"message":"OK","data":null})"));
     EXPECT_EQ(fetch(target).status, 404);
     EXPECT_EQ(demo().post(address, "null").status, 404);
-    EXPECT_TRUE(platform.blobs().empty());
+    EXPECT_TRUE(platform.ask(storedFiles).empty());
     EXPECT_EQ(demo().del("/projects/p1/files/" + fileId).status, 404);
 }
 
@@ -299,7 +299,7 @@ TEST_F(UploadRoutes, FilesGoWithTheirProject)
     demo().del("/v2/projects/p1");
     EXPECT_EQ(fetch(target).status, 404);
     EXPECT_EQ(send(authority.target, "1").status, 404);
-    EXPECT_TRUE(platform.blobs().empty());
+    EXPECT_TRUE(platform.ask(storedFiles).empty());
 }
 
 } // namespace

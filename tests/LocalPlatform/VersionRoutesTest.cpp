@@ -9,9 +9,9 @@ protected:
     VersionRoutes()
     {
         project("p1");
-        platform.addDataset({"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
-        platform.addFile("a", "");
-        platform.addFile("b", "");
+        platform.change(addDataset, {"a", rootFolder("p1"), {}, "zok", {}, "u1", "", "d1", "m1"});
+        platform.change(addFile, "a", "");
+        platform.change(addFile, "b", "");
     }
 
     static std::string record(int number, const std::string& source, const std::string& status, const std::string& more = {})
@@ -26,7 +26,7 @@ protected:
 
 TEST_F(VersionRoutes, VersionsAreNumberedFromOne)
 {
-    platform.addFile("remote/塔.bin", "1234567");
+    platform.change(addFile, "remote/塔.bin", "1234567");
     EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=remote%2F%E5%A1%94.bin", "{}").body,
                 IsJson(enveloped(record(1, "remote/塔.bin", "WIP", R"("description":"","metaInfo":"","size":7)"))));
     EXPECT_THAT(demo().put("/dataset/d1/version?sourceFile=b", "").body, IsJson(enveloped(record(2, "b", "WIP"))));

@@ -20,8 +20,11 @@ namespace orlo::test {
 namespace {
 
 using FilePtr = std::shared_ptr<ICollaborationFile>;
+using platform::contentOf;
 using platform::Fault;
 using platform::FaultKind;
+using platform::storedFiles;
+using platform::translations;
 
 class CollaborationPlatformTest : public testing::Test
 {
@@ -78,9 +81,9 @@ protected:
         fault.method = "PUT";
         fault.status = status;
         fault.calls = calls;
-        m_fault = platform.addFault(fault);
+        m_fault = platform.faults().add(fault);
     }
-    int strikes() const { return platform.faultCount(m_fault); }
+    int strikes() const { return platform.faults().count(m_fault); }
 
     LogCapture log; // takes the lines of the setting up as well
     PlatformHost all;
@@ -129,7 +132,7 @@ TEST_F(CollaborationPlatformTest, aFileUploadedByArkivIsADocument)
     ASSERT_NE(file, nullptr) << utils::toString(error.GetErrorMessage());
     EXPECT_EQ(file->GetVersion(), 1);
     EXPECT_EQ(file->GetLength(), 300000);
-    const platform::StoredFile stored = platform.blobs().at(0);
+    const platform::StoredFile stored = platform.ask(storedFiles).at(0);
     EXPECT_EQ(stored.fileName, "结构 图.ifc");
     EXPECT_EQ(recordOf(file->GetId(), 1).dataSetSourceFile, utils::toWstring(stored.fileId));
     EXPECT_TRUE(bytesOfDocument(*file, stored.versionIndex) == content);
@@ -143,8 +146,8 @@ TEST_F(CollaborationPlatformTest, aFileUpdatedByArkivIsTheNextVersion)
     ASSERT_NE(second, nullptr) << utils::toString(error.GetErrorMessage());
     EXPECT_EQ(second->GetId(), first->GetId());
     EXPECT_EQ(second->GetVersion(), 2);
-    EXPECT_EQ(bytesOfDocument(*second, platform.blobs().back().versionIndex), "as it is now");
-    EXPECT_EQ(bytesOfDocument(*first, platform.blobs().front().versionIndex), "as it was");
+    EXPECT_EQ(bytesOfDocument(*second, platform.ask(storedFiles).back().versionIndex), "as it is now");
+    EXPECT_EQ(bytesOfDocument(*first, platform.ask(storedFiles).front().versionIndex), "as it was");
 }
 
 TEST_F(CollaborationPlatformTest, existenceGoesByFolderAndExactName)
@@ -166,7 +169,7 @@ TEST_F(CollaborationPlatformTest, aFailedUploadLeavesADatasetWithoutAVersion)
     EXPECT_EQ(strikes(), 1);
     EXPECT_EQ(error.GetValue(), errorStatusValue);
     EXPECT_TRUE(exists(L"plan.dwg"));
-    EXPECT_EQ(platform.requestCount("DELETE", "/"), 0u);
+    EXPECT_EQ(platform.requests().count("DELETE", "/"), 0u);
 }
 
 TEST_F(CollaborationPlatformTest, aFailedUploadByArkivMakesNoDataset)
@@ -193,7 +196,7 @@ TEST_F(CollaborationPlatformTest, aStoreThatIsBusyForAMomentIsAskedAgain)
     const FilePtr file = manager().UploadFileByArkiv(L"f-1", localFile("plan.dwg", "bytes"), error);
     ASSERT_NE(file, nullptr) << utils::toString(error.GetErrorMessage());
     EXPECT_EQ(strikes(), 2);
-    EXPECT_EQ(bytesOfDocument(*file, platform.blobs().at(0).versionIndex), "bytes");
+    EXPECT_EQ(bytesOfDocument(*file, platform.ask(storedFiles).at(0).versionIndex), "bytes");
 }
 
 TEST_F(CollaborationPlatformTest, aPlatformThatIsBusyForLongIsGivenUp)
@@ -203,7 +206,7 @@ TEST_F(CollaborationPlatformTest, aPlatformThatIsBusyForLongIsGivenUp)
     strike("/dataset/" + first->GetId() + "/version", false, 503, -1);
     EXPECT_EQ(manager().UpdateFile(first->GetId(), localFile("plan.dwg", "as it is now"), error), nullptr);
     EXPECT_EQ(strikes(), 4);
-    EXPECT_EQ(platform.blobs().size(), 2u) << "the uploaded file stays";
+    EXPECT_EQ(platform.ask(storedFiles).size(), 2u) << "the uploaded file stays";
 }
 
 TEST_F(CollaborationPlatformTest, manyThreadsUploadAtOnce)
@@ -222,8 +225,9 @@ TEST_F(CollaborationPlatformTest, manyThreadsUploadAtOnce)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(good, 6);
-    for (const platform::StoredFile& stored : platform.blobs())
-        EXPECT_TRUE(platform.blob(stored.remotePath) == std::string(100000, static_cast<char>('a' + (stored.fileName.back() - '0'))))
+    for (const platform::StoredFile& stored : platform.ask(storedFiles))
+        EXPECT_TRUE(platform.ask(contentOf, stored.remotePath) ==
+                    std::string(100000, static_cast<char>('a' + (stored.fileName.back() - '0'))))
             << stored.fileName;
 }
 
@@ -236,13 +240,14 @@ TEST_F(CollaborationPlatformTest, aVersionIsHandedToTheTranslation)
                                                 version, L"glTF");
     };
     EXPECT_TRUE(trigger(1));
-    ASSERT_EQ(platform.translations().size(), 1u);
-    EXPECT_EQ(platform.translations()[0].dataSetId, file->GetId());
-    EXPECT_EQ(platform.translations()[0].versionId, 1);
-    EXPECT_EQ(platform.translations()[0].toType, "glTF");
+    const std::vector<platform::Translation> wishes = platform.ask(translations);
+    ASSERT_EQ(wishes.size(), 1u);
+    EXPECT_EQ(wishes[0].dataSetId, file->GetId());
+    EXPECT_EQ(wishes[0].versionId, 1);
+    EXPECT_EQ(wishes[0].toType, "glTF");
     EXPECT_FALSE(trigger(2));
     EXPECT_EQ(error.GetValue(), errorStatusValue);
-    EXPECT_EQ(platform.translations().size(), 1u);
+    EXPECT_EQ(platform.ask(translations).size(), 1u);
 }
 
 } // namespace

@@ -14,8 +14,13 @@
 namespace orlo::test {
 namespace {
 
+using platform::addDataset;
+using platform::addDatasetFile;
+using platform::addFile;
+using platform::contentOf;
 using platform::Fault;
 using platform::FaultKind;
+using platform::storedFiles;
 
 class PlatformTransferTest : public testing::Test
 {
@@ -41,11 +46,11 @@ protected:
         dataset.id = "ds-1";
         dataset.name = "blocks";
         dataset.folderId = "f-1";
-        platform.addDataset(dataset);
+        platform.change(addDataset, dataset);
         std::vector<std::string> seeds;
         for (int i = 0; i < count; ++i) {
             seeds.push_back("块/" + std::to_string(i));
-            m_addresses.push_back(platform.addDatasetFile("ds-1", seeds.back(), block(i, size)));
+            m_addresses.push_back(platform.change(addDatasetFile, "ds-1", seeds.back(), block(i, size)));
         }
         return seeds;
     }
@@ -67,7 +72,7 @@ protected:
         fault.bytes = bytes;
         fault.ofRequest = ofRequest;
         fault.method = ofRequest ? "PUT" : "";
-        return platform.addFault(fault);
+        return platform.faults().add(fault);
     }
 
     PlatformHost all;
@@ -83,7 +88,7 @@ TEST_F(PlatformTransferTest, aFileGoesUpAndComesBack)
 {
     const PromiseData up = upload("总平面图 1.dwg", patterned(3000000));
     ASSERT_TRUE(up.success) << utils::toString(up.message);
-    EXPECT_EQ(platform.blob(utils::toString(up.message)), patterned(3000000));
+    EXPECT_EQ(platform.ask(contentOf, utils::toString(up.message)), patterned(3000000));
     expectOutcome(download(up.message), true, 200, host.folder().wide("back"));
     EXPECT_EQ(back(), patterned(3000000));
 }
@@ -92,21 +97,21 @@ TEST_F(PlatformTransferTest, aCompressedUploadIsStoredUnpacked)
 {
     const PromiseData up = upload("a.txt", std::string(500000, 'a') + patterned(10), true);
     ASSERT_TRUE(up.success) << utils::toString(up.message);
-    EXPECT_EQ(platform.blob(utils::toString(up.message)), std::string(500000, 'a') + patterned(10));
+    EXPECT_EQ(platform.ask(contentOf, utils::toString(up.message)), std::string(500000, 'a') + patterned(10));
 }
 
 TEST_F(PlatformTransferTest, aPackedAnswerIsInflated)
 {
-    platform.setGzipAnswers(true);
-    platform.addFile("r/f", std::string(2000000, 'x') + incompressible(1000));
+    platform.transfers().setGzipAnswers(true);
+    platform.change(addFile, "r/f", std::string(2000000, 'x') + incompressible(1000));
     expectOutcome(download(L"r/f"), true, 200, host.folder().wide("back"));
     EXPECT_EQ(back(), std::string(2000000, 'x') + incompressible(1000));
 }
 
 TEST_F(PlatformTransferTest, anExpiredAddressIsRefusedBothWays)
 {
-    platform.addFile("r/f", "bytes");
-    platform.setSignedLifetime(0);
+    platform.change(addFile, "r/f", "bytes");
+    platform.transfers().setSignedLifetime(0);
     EXPECT_EQ(upload("a", "bytes").status, 403);
     error.Clear();
     EXPECT_EQ(download(L"r/f").status, 403);
@@ -129,18 +134,18 @@ TEST_F(PlatformTransferTest, anUploadThatBreaksInTheMiddleIsRepeatedWhole)
     const int fault = addFault(FaultKind::ResetAfterBytes, "/blobs/", 1000000, true);
     const PromiseData up = upload("a", patterned(3000000));
     ASSERT_TRUE(up.success) << utils::toString(up.message);
-    EXPECT_EQ(platform.faultCount(fault), 1);
-    EXPECT_EQ(platform.blob(utils::toString(up.message)), patterned(3000000));
-    EXPECT_EQ(platform.blobs().size(), 1U);
+    EXPECT_EQ(platform.faults().count(fault), 1);
+    EXPECT_EQ(platform.ask(contentOf, utils::toString(up.message)), patterned(3000000));
+    EXPECT_EQ(platform.ask(storedFiles).size(), 1U);
 }
 
 TEST_F(PlatformTransferTest, aDownloadThatBreaksInTheMiddleIsRepeatedWhole)
 {
-    platform.addFile("r/f", patterned(3000000));
+    platform.change(addFile, "r/f", patterned(3000000));
     for (const FaultKind kind : {FaultKind::ResetAfterBytes, FaultKind::CutBody}) {
         const int fault = addFault(kind, "/blobs/", 1000000);
         expectOutcome(download(L"r/f"), true, 200, host.folder().wide("back"));
-        EXPECT_EQ(platform.faultCount(fault), 1);
+        EXPECT_EQ(platform.faults().count(fault), 1);
         EXPECT_EQ(back(), patterned(3000000));
         std::filesystem::remove(host.folder().path("back"));
     }
@@ -148,16 +153,16 @@ TEST_F(PlatformTransferTest, aDownloadThatBreaksInTheMiddleIsRepeatedWhole)
 
 TEST_F(PlatformTransferTest, aDownloadThatBreaksEveryTimeLeavesNoFile)
 {
-    platform.addFile("r/f", patterned(3000000));
+    platform.change(addFile, "r/f", patterned(3000000));
     Fault cut;
     cut.kind = FaultKind::CutBody;
     cut.path = "/blobs/";
     cut.prefix = true;
     cut.calls = -1;
     cut.bytes = 1000000;
-    const int fault = platform.addFault(cut);
+    const int fault = platform.faults().add(cut);
     EXPECT_FALSE(download(L"r/f").success);
-    EXPECT_EQ(platform.faultCount(fault), 4);
+    EXPECT_EQ(platform.faults().count(fault), 4);
     EXPECT_FALSE(std::filesystem::exists(host.folder().path("back")));
     EXPECT_TRUE(filesBelow(host.folder().path("Temp")).empty());
 }
@@ -172,14 +177,14 @@ TEST_F(PlatformTransferTest, aDozenFilesComeAsABatchSixAtATime)
     delay.prefix = true;
     delay.calls = 6;
     delay.delayMilliseconds = 1000;
-    platform.addFault(delay);
-    platform.clearRequestCounts();
+    platform.faults().add(delay);
+    platform.requests().clear();
     expectOutcome(batch(seeds), true, 200, L"success to batch download files");
     for (int i = 0; i < 12; ++i)
         EXPECT_EQ(cachedBlock(i), block(i, 200000)) << i;
-    EXPECT_EQ(platform.requestCount("GET", "/blobs/"), 12U);
-    EXPECT_LE(platform.peakDownloads(), 6U);
-    EXPECT_GE(platform.peakDownloads(), 2U);
+    EXPECT_EQ(platform.requests().count("GET", "/blobs/"), 12U);
+    EXPECT_LE(platform.requests().peakDownloads(), 6U);
+    EXPECT_GE(platform.requests().peakDownloads(), 2U);
 }
 
 TEST_F(PlatformTransferTest, aStreamOfABatchThatBreaksIsRepeatedByItself)
@@ -187,8 +192,8 @@ TEST_F(PlatformTransferTest, aStreamOfABatchThatBreaksIsRepeatedByItself)
     const std::vector<std::string> seeds = addBlocks(8, 500000);
     const int fault = addFault(FaultKind::ResetAfterBytes, m_addresses[3], 200000);
     expectOutcome(batch(seeds), true, 200, L"success to batch download files");
-    EXPECT_EQ(platform.faultCount(fault), 1);
-    EXPECT_EQ(platform.requestCount("GET", "/blobs/"), 9U);
+    EXPECT_EQ(platform.faults().count(fault), 1);
+    EXPECT_EQ(platform.requests().count("GET", "/blobs/"), 9U);
     EXPECT_EQ(cachedBlock(3), block(3, 500000));
 }
 
@@ -198,9 +203,9 @@ TEST_F(PlatformTransferTest, aSecondSynchronousDownloadComesFromTheCache)
     const std::wstring path = IFileManager::DownloadFile("ds-1", L"块/0?f=1", error);
     EXPECT_EQ(path, utils::toWstring((host.folder().path("Files") / "ds-1" / std::filesystem::u8path("块/0")).u8string()));
     EXPECT_EQ(cachedBlock(0), block(0, 1000));
-    platform.clearRequestCounts();
+    platform.requests().clear();
     EXPECT_EQ(IFileManager::DownloadFile("ds-1", L"块/0?f=1", error), path);
-    EXPECT_EQ(platform.requestCount("", "/"), 0U);
+    EXPECT_EQ(platform.requests().count("", "/"), 0U);
 }
 
 TEST_F(PlatformTransferTest, aFileByArkivGoesUpTwiceAndBothVersionsComeBack)

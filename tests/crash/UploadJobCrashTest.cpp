@@ -98,7 +98,7 @@ TEST_F(UploadJobCrash, inTheMiddleOfAnUploadLosesNothing)
     stall.bytes = 1 << 20;
     stall.ofRequest = true;
     stall.delayMilliseconds = 100000;
-    const int fault = place.platform.addFault(stall);
+    const int fault = place.platform.faults().add(stall);
     const std::string bytes(3 << 20, 'x');
     const std::string path = localFile("图.dwg", bytes);
     std::vector<std::string> command = process();
@@ -106,7 +106,7 @@ TEST_F(UploadJobCrash, inTheMiddleOfAnUploadLosesNothing)
     ChildProcess host(command);
     ASSERT_EQ(host.ask("start"), "yes");
     ASSERT_EQ(host.ask("upload " + path), "yes");
-    ASSERT_TRUE(waitUntil([&] { return place.platform.faultCount(fault) == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return place.platform.faults().count(fault) == 1; }));
     host.kill();
     EXPECT_THAT(rows(), SizeIs(1));
     finish();

@@ -68,10 +68,10 @@ TEST(AuthoringSession, SaysWhyAJobFailed)
     fault.status = 403;
     fault.body = "the store is closed";
     fault.calls = -1;
-    const int id = platform.addFault(fault);
+    const int id = platform.faults().add(fault);
     const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --url " + platform.url() + " 2>&1");
     EXPECT_EQ(1, run.exitCode);
-    EXPECT_GE(platform.faultCount(id), 1);
+    EXPECT_GE(platform.faults().count(id), 1);
     EXPECT_THAT(run.output,
                 HasSubstr("could not be uploaded: the platform could not be reached, or an exception was caught (10011), in its "
                           "own words: 上传文件失败：the store is closed\n"));
@@ -84,13 +84,13 @@ TEST(AuthoringSession, UsesThePlatformAtAnAddress)
     const RunResult run = runAgainst(platform);
     EXPECT_EQ(0, run.exitCode);
     EXPECT_THAT(run.output, HasSubstr("Using the platform at " + platform.url()));
-    EXPECT_EQ(2u, platform.requestCount("POST", "/v3/projects"));
+    EXPECT_EQ(2u, platform.requests().count("POST", "/v3/projects"));
 }
 
 TEST(AuthoringSession, SaysThatAPersonalAccountHasNoLimits)
 {
     DemoPlatform platform;
-    platform.setPersonal("demo-account");
+    platform.change(orlo::platform::setPersonal, "demo-account");
     EXPECT_THAT(runAgainst(platform).output, HasSubstr("A personal account has no limits.\n"));
 }
 
@@ -108,7 +108,7 @@ TEST(AuthoringSession, FailsWithTheReasonAndTheLogWhenThePlatformRefuses)
     fault.path = "/v3/projects";
     fault.status = 403;
     fault.calls = -1;
-    platform.addFault(fault);
+    platform.faults().add(fault);
     const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --url " + platform.url() + " 2>&1");
     EXPECT_EQ(1, run.exitCode);
     EXPECT_THAT(run.output,

@@ -59,10 +59,10 @@ protected:
         options.dataFolder = m_folder.path("platform").u8string();
         const platform::LocalPlatform platform(options);
         std::map<std::string, int> counts;
-        for (const platform::StoredFile& file : platform.blobs()) {
+        for (const platform::StoredFile& file : platform.ask(platform::storedFiles)) {
             if (file.fileId.empty())
                 continue;
-            EXPECT_TRUE(platform.blob(file.remotePath) == drawing(file.fileName)) << file.fileName;
+            EXPECT_TRUE(platform.ask(platform::contentOf, file.remotePath) == drawing(file.fileName)) << file.fileName;
             ++counts[file.fileName];
         }
         return counts;

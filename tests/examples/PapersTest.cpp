@@ -14,6 +14,7 @@
 // The programs and links of the papers. The programs are built from the papers' own text.
 namespace {
 
+using orlo::platform::addProject;
 using orlo::platform::LocalPlatform;
 using orlo::platform::Options;
 using orlo::test::quoted;
@@ -39,10 +40,7 @@ struct DemoPlatform : LocalPlatform
 
 void addDemoProject(LocalPlatform& platform, const std::string& name)
 {
-    orlo::platform::ProjectSeed seed;
-    seed.name = name;
-    seed.ownerAccountId = "demo-account";
-    platform.addProject(seed);
+    platform.change(addProject, {name, "demo-account"});
 }
 
 /// What two threads print may come in any order.
@@ -95,7 +93,7 @@ TEST(Readme, FirstProgramTellsThePlatformsReason)
     fault.status = 403;
     fault.body = R"({"code":40300,"message":"closed for today"})";
     DemoPlatform platform;
-    platform.addFault(fault);
+    platform.faults().add(fault);
     const RunResult run = runProgram(quoted(FIRST_PROGRAM) + " " + platform.url() + " 2>&1");
     EXPECT_EQ(1, run.exitCode);
     EXPECT_THAT(run.output, HasSubstr("\n{\"code\":40300,\"message\":\"closed for today\"}\n"));
@@ -139,11 +137,7 @@ protected:
     /// Makes the project and gives the id of its root folder, while nobody else has the database open.
     std::string seedProject() const
     {
-        orlo::platform::ProjectSeed seed;
-        seed.id = "p-1";
-        seed.name = "滨江医院一期";
-        seed.ownerAccountId = "demo-account";
-        LocalPlatform(options()).addProject(seed);
+        LocalPlatform(options()).change(addProject, {"滨江医院一期", "demo-account", "p-1"});
         return sqlTexts(folder.path("platform/platform.db"), "SELECT id FROM folder ORDER BY rank LIMIT 1").at(0);
     }
 
@@ -166,9 +160,10 @@ TEST_F(UploadLater, HandsAFileToAJobAndTellsItsEnd)
     const RunResult run = this->run(rootFolder, folder.path("平面图.dwg").u8string());
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("accepted\nuploaded\n", sortedLines(run.output));
-    ASSERT_EQ(1u, platform.blobs().size());
-    EXPECT_EQ("平面图.dwg", platform.blobs()[0].fileName);
-    EXPECT_EQ("the drawing", platform.blob(platform.blobs()[0].remotePath));
+    const std::vector<orlo::platform::StoredFile> files = platform.ask(orlo::platform::storedFiles);
+    ASSERT_EQ(1u, files.size());
+    EXPECT_EQ("平面图.dwg", files[0].fileName);
+    EXPECT_EQ("the drawing", platform.ask(orlo::platform::contentOf, files[0].remotePath));
 }
 
 TEST_F(UploadLater, TellsTheReasonOfAFailure)

@@ -47,10 +47,7 @@ protected:
     void expectHostWorks(const std::string& command) const
     {
         LocalPlatform platform({{}, 0, true});
-        orlo::platform::ProjectSeed seed;
-        seed.name = "滨江医院一期";
-        seed.ownerAccountId = "demo-account";
-        platform.addProject(seed);
+        platform.change(orlo::platform::addProject, {"滨江医院一期", "demo-account"});
         platform.start();
         const RunResult run = inHost(command + " " + platform.url() + " local");
         EXPECT_EQ(0, run.exitCode);

@@ -39,21 +39,17 @@ ORLOHTTPPayloadDatasetVersion newestVersion(const std::string& datasetId)
 
 PlatformHost::PlatformHost() : host(start(platform))
 {
-    platform::ProjectSeed project;
-    project.id = "p-1";
-    project.name = "Tower";
-    project.ownerAccountId = "account-1";
-    platform.addProject(project);
+    platform.change(platform::addProject, {"Tower", "account-1", "p-1"});
     platform::FolderSeed folder;
     folder.id = "f-1";
     folder.name = "图纸";
     folder.parentId = rootFolder();
-    platform.addFolder(folder);
+    platform.change(platform::addFolder, folder);
 }
 
 std::string PlatformHost::start(platform::LocalPlatform& platform)
 {
-    platform.addUser({"user-1", "account-1", "token-secret-1"});
+    platform.change(platform::addUser, {"user-1", "account-1", "token-secret-1"});
     platform.start();
     return platform.url();
 }
@@ -65,10 +61,7 @@ std::string PlatformHost::rootFolder() const
 
 std::string PlatformHost::addDataset(const std::string& name)
 {
-    platform::DatasetSeed dataset;
-    dataset.name = name;
-    dataset.folderId = "f-1";
-    return platform.addDataset(dataset);
+    return platform.change(platform::addDataset, {name, "f-1"});
 }
 
 bool PlatformHost::addVersion(const std::string& datasetId) const
@@ -108,7 +101,7 @@ int PlatformHost::versions(const std::string& datasetId) const
 std::multimap<std::string, std::string> PlatformHost::contents() const
 {
     std::multimap<std::string, std::string> found;
-    const std::vector<platform::StoredFile> files = platform.blobs();
+    const std::vector<platform::StoredFile> files = platform.ask(platform::storedFiles);
     for (const auto& [name, id] : datasets()) {
         const ORLOHTTPPayloadDatasetVersion version = newestVersion(id);
         // The record tells the file and its length, but not which of the file's own versions it is.
@@ -116,7 +109,7 @@ std::multimap<std::string, std::string> PlatformHost::contents() const
             return candidate.fileId == utils::toString(version.dataSetSourceFile) && candidate.length == version.size;
         });
         if (version.version > 0 && file != files.rend())
-            found.emplace(name, platform.blob(file->remotePath));
+            found.emplace(name, platform.ask(platform::contentOf, file->remotePath));
     }
     return found;
 }

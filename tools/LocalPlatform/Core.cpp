@@ -32,7 +32,7 @@ std::string signingKey(Tables& tables)
 
 bool isControl(const std::string& path)
 {
-    return path.compare(0, 10, "/_control/") == 0;
+    return path.rfind(controlPaths, 0) == 0;
 }
 
 bool isDownload(const std::string& method, const std::string& path)
@@ -50,18 +50,7 @@ LocalPlatform::Core::Core(const Options& options)
       m_server({[this](Call& call) { return noteCall(call); }, [this](Call& call) { return answer(call); }}),
       m_port(options.port)
 {
-    addProjectRoutes(m_router);
-    addFolderRoutes(m_router);
-    addDatasetRoutes(m_router);
-    addVersionRoutes(m_router);
-    addConfigRoutes(m_router);
-    addFontRoutes(m_router);
-    addFileRoutes(m_router);
-    addBlobRoutes(m_router);
-    addDrawingRoutes(m_router);
-    addTranslationRoutes(m_router);
-    addControlRoutes(m_router);
-    addTransferControlRoutes(m_router);
+    addRoutes(m_router);
 }
 
 void LocalPlatform::Core::start()
@@ -96,7 +85,7 @@ Strike LocalPlatform::Core::noteCall(Call& call)
         return {};
     m_requests.note(call.method, path);
     if (isDownload(call.method, path))
-        call.download = m_transfers.openDownload();
+        call.download = m_requests.openDownload();
     return m_faults.strike(call.method, path);
 }
 

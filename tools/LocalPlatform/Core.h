@@ -10,6 +10,7 @@
 #include "Store/Signing.h"
 #include "Store/Store.h"
 #include "Store/Transfers.h"
+#include "World.h"
 
 #include <filesystem>
 #include <mutex>
@@ -34,15 +35,6 @@ public:
         return m_store.transact([&](Tables& tables) {
             World world{tables, m_blobs, m_signer, m_clock, m_faults, m_requests, m_transfers, url()};
             return work(world);
-        });
-    }
-
-    template <class Work>
-    void change(const Work& work)
-    {
-        transact([&](World& world) {
-            work(world);
-            return true;
         });
     }
 

@@ -73,7 +73,7 @@ void runUntilSignalled(const Arguments& arguments)
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     LocalPlatform platform(arguments.options);
     for (const User& user : arguments.users)
-        platform.addUser(user);
+        platform.change(orlo::platform::addUser, user);
     platform.start();
     std::cout << "listening on " << platform.url() << std::endl;
     int received = 0;

@@ -1,6 +1,7 @@
 #include "../Store/Json.h"
 #include "../Store/Store.h"
 #include "Datasets.h"
+#include "Folders.h"
 #include "Projects.h"
 #include "Routes.h"
 
@@ -44,7 +45,7 @@ Answer newDataset(const Call& call, World& world)
     dataset.type = body.textOr("type", {});
     if (dataset.ownerId.empty())
         dataset.ownerId = call.caller.accountId;
-    return enveloped(*world.tables.row(selectDatasets + "WHERE id = ?", createDataset(world, dataset)));
+    return enveloped(*world.tables.row(selectDatasets + "WHERE id = ?", addDataset(world, dataset)));
 }
 
 Answer datasetsByStatus(const Call& call, World& world)

@@ -1,10 +1,12 @@
 #include "Datasets.h"
 
-#include "../Store/BlobStore.h"
 #include "../Store/Clock.h"
 #include "../Store/Ids.h"
+#include "../Store/Json.h"
 #include "../Store/Store.h"
+#include "Folders.h"
 #include "Projects.h"
+#include "Routes.h"
 
 namespace orlo::platform {
 
@@ -41,9 +43,25 @@ void checkDataset(World& world, const DatasetSeed& dataset, const std::string& p
         throw Refusal(409, "the modeling id is taken: " + dataset.modelingDatasetId);
 }
 
+Answer addDatasetCall(const Call& call, World& world)
+{
+    const json::Body body(call.body);
+    DatasetSeed dataset;
+    dataset.name = body.filledText("name");
+    dataset.folderId = body.textOr("folderId", {});
+    dataset.teamId = body.textOr("teamId", {});
+    dataset.type = body.textOr("type", dataset.type);
+    dataset.specialtyId = body.textOr("specialtyId", {});
+    dataset.ownerId = body.textOr("ownerId", {});
+    dataset.description = body.textOr("description", {});
+    dataset.id = body.textOr("id", {});
+    dataset.modelingDatasetId = body.textOr("modelingDatasetId", {});
+    return idAnswer(addDataset(world, dataset));
+}
+
 } // namespace
 
-std::string createDataset(World& world, const DatasetSeed& seed)
+std::string addDataset(World& world, const DatasetSeed& seed)
 {
     DatasetSeed dataset = seed;
     findHome(world, dataset);
@@ -71,19 +89,9 @@ void requireVersion(World& world, const std::string& datasetId, int number)
         throw Refusal(404, "the dataset has no version " + std::to_string(number));
 }
 
-std::string createFont(World& world, const FontSeed& font)
+void addDatasetControls(Router& router)
 {
-    if (font.name.empty())
-        throw Refusal(400, "a font needs a name");
-    requireProject(world, font.projectId);
-    std::string id = freeId(world, "font", font.id);
-    const std::string blobId = newId();
-    world.blobs.put(blobId, font.bytes);
-    world.tables.run("INSERT INTO font (id, projectId, name, fileType, fontFrom, createTime, uploader, resourceBytes, blobId) "
-                     "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                     id, font.projectId, font.name, font.fileType, font.fontFrom, world.clock.text(), font.uploader,
-                     std::to_string(font.bytes.size()), blobId);
-    return id;
+    router.addControl("POST", "datasets", addDatasetCall);
 }
 
 } // namespace orlo::platform

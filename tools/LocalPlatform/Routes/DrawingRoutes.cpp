@@ -25,7 +25,7 @@ Answer bindDrawing(const Call& call, World& world)
     requireVersion(world, datasetId, datasetVersion);
     world.tables.run("INSERT OR IGNORE INTO drawingBinding (dwgId, dwgVersion, datasetId, datasetVersion) VALUES (?, ?, ?, ?)",
                      body.filledText("dwgId"), versionNumber(body, "dwgVersion"), datasetId, datasetVersion);
-    return enveloped("null");
+    return done();
 }
 
 /// The dataset that a drawing was bound to first is its main one.

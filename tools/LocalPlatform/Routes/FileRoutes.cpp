@@ -2,6 +2,7 @@
 #include "../Store/Store.h"
 #include "Datasets.h"
 #include "Files.h"
+#include "Folders.h"
 #include "Projects.h"
 #include "Routes.h"
 
@@ -65,7 +66,7 @@ Answer deleteFile(const Call& call, World& world)
     requireProject(world, call.place("projectId"));
     requireWriter(world, call.place("projectId"), call.caller.accountId);
     removeFile(world, call.place("projectId"), call.place("fileId"));
-    return enveloped("null");
+    return done();
 }
 
 } // namespace

@@ -1,13 +1,15 @@
 #include "Files.h"
 
+#include "../Server/FileBody.h"
 #include "../Store/BlobStore.h"
 #include "../Store/Clock.h"
 #include "../Store/Ids.h"
+#include "../Store/Json.h"
 #include "../Store/Signing.h"
 #include "../Store/Store.h"
 #include "../Store/Transfers.h"
 #include "Datasets.h"
-#include "Projects.h"
+#include "Routes.h"
 
 namespace orlo::platform {
 
@@ -52,6 +54,37 @@ void removeBlobs(World& world, const std::vector<std::string>& blobIds)
         world.blobs.remove(blobId);
 }
 
+std::unique_ptr<StagedBlob> staged(const World& world, const std::string& bytes)
+{
+    auto blob = world.blobs.stage();
+    blob->append(bytes);
+    return blob;
+}
+
+Answer listFiles(const Call&, World& world)
+{
+    return enveloped(world.tables.rows("SELECT remotePath, fileName, fileId, versionIndex, length FROM storedFile "
+                                       "WHERE length IS NOT NULL ORDER BY rank"));
+}
+
+Answer fileContent(const Call& call, World& world)
+{
+    OpenFile file = world.blobs.open(blobOfPath(world, call.filledQuery("path")));
+    return {200, {}, "application/octet-stream", std::make_shared<FileBody>(std::move(file), nullptr)};
+}
+
+Answer addFileCall(const Call& call, World& world)
+{
+    storeFile(world, call.filledQuery("path"), call.uploaded());
+    return done();
+}
+
+Answer addDatasetFileCall(const Call& call, World& world)
+{
+    const std::string path = storeDatasetFile(world, call.place("datasetId"), call.filledQuery("path"), call.uploaded());
+    return enveloped(json::Object().text("path", path).str());
+}
+
 } // namespace
 
 std::string grantUpload(World& world, const Grant& grant)
@@ -79,7 +112,7 @@ std::string signedAddress(const World& world, const std::string& method, const s
     return world.url + path + "?" + world.signer.query(method, path, world.clock.seconds() + world.transfers.signedLifetime());
 }
 
-std::string blobOfPath(World& world, const std::string& remotePath)
+std::string blobOfPath(const World& world, const std::string& remotePath)
 {
     return required(world.tables.text("SELECT blobId FROM storedFile WHERE remotePath = ? AND length IS NOT NULL", remotePath), remotePath);
 }
@@ -110,7 +143,7 @@ std::string remotePathOf(World& world, const std::string& blobId)
     return *world.tables.text("SELECT remotePath FROM storedFile WHERE blobId = ?", blobId);
 }
 
-std::vector<StoredFile> storedFiles(World& world)
+std::vector<StoredFile> storedFiles(const World& world)
 {
     std::vector<StoredFile> files;
     const auto take = [&](SQLite::Statement& row) {
@@ -122,7 +155,12 @@ std::vector<StoredFile> storedFiles(World& world)
     return files;
 }
 
-void seedFile(World& world, const std::string& remotePath, StagedBlob& staged)
+std::string contentOf(const World& world, const std::string& remotePath)
+{
+    return world.blobs.get(blobOfPath(world, remotePath));
+}
+
+void storeFile(World& world, const std::string& remotePath, StagedBlob& staged)
 {
     if (remotePath.empty())
         throw Refusal(400, "a stored file needs a path");
@@ -132,7 +170,7 @@ void seedFile(World& world, const std::string& remotePath, StagedBlob& staged)
     storeUpload(world, *blobId, staged);
 }
 
-std::string seedDatasetFile(World& world, const std::string& datasetId, const std::string& path, StagedBlob& staged)
+std::string storeDatasetFile(World& world, const std::string& datasetId, const std::string& path, StagedBlob& staged)
 {
     requireDataset(world, datasetId);
     if (path.empty())
@@ -141,6 +179,16 @@ std::string seedDatasetFile(World& world, const std::string& datasetId, const st
     const std::string blobId = blobOfSeed(world, datasetId, path);
     world.blobs.keep(staged, blobId);
     return pathOfBlob(blobId);
+}
+
+void addFile(World& world, const std::string& remotePath, const std::string& bytes)
+{
+    storeFile(world, remotePath, *staged(world, bytes));
+}
+
+std::string addDatasetFile(World& world, const std::string& datasetId, const std::string& path, const std::string& bytes)
+{
+    return storeDatasetFile(world, datasetId, path, *staged(world, bytes));
 }
 
 void removeFile(World& world, const std::string& projectId, const std::string& fileId)
@@ -163,14 +211,12 @@ void removeBlobsOfProject(World& world, const std::string& projectId)
                                    projectId));
 }
 
-std::vector<Translation> translations(World& world)
+void addFileControls(Router& router)
 {
-    std::vector<Translation> all;
-    const auto take = [&](SQLite::Statement& row) {
-        all.push_back({row.getColumn(0).getString(), row.getColumn(1).getInt(), row.getColumn(2).getString()});
-    };
-    world.tables.each(take, "SELECT dataSetId, versionId, toType FROM translation ORDER BY rank");
-    return all;
+    router.addControl("GET", "files", listFiles);
+    router.addControl("PUT", "files", addFileCall);
+    router.addControl("GET", "files/content", fileContent);
+    router.addControl("PUT", "datasets/{datasetId}/files", addDatasetFileCall);
 }
 
 } // namespace orlo::platform

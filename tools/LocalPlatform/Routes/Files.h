@@ -1,14 +1,14 @@
 #pragma once
 
-#include "../LocalPlatform.h"
-#include "../Server/Router.h"
+#include "../Seeds.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace orlo::platform {
+
+class StagedBlob;
 
 /// A file that somebody wants to upload.
 struct Grant
@@ -27,7 +27,7 @@ void storeUpload(World& world, const std::string& blobId, StagedBlob& staged);
 std::string signedAddress(const World& world, const std::string& method, const std::string& blobId);
 
 /// Blobs whose bytes have come; the others are refused with 404.
-std::string blobOfPath(World& world, const std::string& remotePath);
+std::string blobOfPath(const World& world, const std::string& remotePath);
 std::string blobOfFile(World& world, const std::string& fileId, int versionIndex);
 std::string blobOfSeed(World& world, const std::string& datasetId, const std::string& seed);
 
@@ -36,16 +36,13 @@ std::optional<std::int64_t> lengthOfPath(World& world, const std::string& remote
 std::optional<std::int64_t> lengthOfFile(World& world, const std::string& fileId, std::int64_t versionIndex);
 
 std::string remotePathOf(World& world, const std::string& blobId);
-std::vector<StoredFile> storedFiles(World& world);
 
-void seedFile(World& world, const std::string& remotePath, StagedBlob& staged);
-/// Returns the path of the blob's signed addresses.
-std::string seedDatasetFile(World& world, const std::string& datasetId, const std::string& path, StagedBlob& staged);
+/// `addFile` and `addDatasetFile` for bytes that came in.
+void storeFile(World& world, const std::string& remotePath, StagedBlob& staged);
+std::string storeDatasetFile(World& world, const std::string& datasetId, const std::string& path, StagedBlob& staged);
 
 /// All versions of a file by Arkiv; refused with 404 if the project has no such file.
 void removeFile(World& world, const std::string& projectId, const std::string& fileId);
 void removeBlobsOfProject(World& world, const std::string& projectId);
-
-std::vector<Translation> translations(World& world);
 
 } // namespace orlo::platform

@@ -1,5 +1,6 @@
 #include "../Store/Json.h"
 #include "../Store/Store.h"
+#include "Folders.h"
 #include "Projects.h"
 #include "Routes.h"
 
@@ -79,7 +80,7 @@ Answer newSpecialty(const Call& call, World& world)
     const std::string projectId = body.filledText("projectId");
     requireProject(world, projectId);
     requireWriter(world, projectId, call.caller.accountId);
-    return enveloped(specialtyRecord(world, createSpecialty(world, projectId, body.filledText("type"), body.text("name"))));
+    return enveloped(specialtyRecord(world, addSpecialty(world, {projectId, body.filledText("type"), body.text("name")})));
 }
 
 } // namespace

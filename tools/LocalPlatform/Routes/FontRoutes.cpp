@@ -1,3 +1,6 @@
+#include "../Store/BlobStore.h"
+#include "../Store/Clock.h"
+#include "../Store/Ids.h"
 #include "../Store/Json.h"
 #include "../Store/Store.h"
 #include "Files.h"
@@ -31,12 +34,42 @@ Answer fontAddress(const Call& call, World& world)
     return fontAck(json::Object().text("fileUrlWithSAS", signedAddress(world, "GET", *blob)).str());
 }
 
+Answer addFontCall(const Call& call, World& world)
+{
+    const json::Body body(call.body);
+    FontSeed font;
+    font.projectId = body.filledText("projectId");
+    font.name = body.filledText("name");
+    font.bytes = body.textOr("text", {});
+    font.fileType = body.textOr("fileType", font.fileType);
+    font.fontFrom = body.textOr("fontFrom", font.fontFrom);
+    font.uploader = body.textOr("uploader", {});
+    font.id = body.textOr("id", {});
+    return idAnswer(addFont(world, font));
+}
+
 } // namespace
+
+std::string addFont(World& world, const FontSeed& font)
+{
+    if (font.name.empty())
+        throw Refusal(400, "a font needs a name");
+    requireProject(world, font.projectId);
+    std::string id = freeId(world, "font", font.id);
+    const std::string blobId = newId();
+    world.blobs.put(blobId, font.bytes);
+    world.tables.run("INSERT INTO font (id, projectId, name, fileType, fontFrom, createTime, uploader, resourceBytes, blobId) "
+                     "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",
+                     id, font.projectId, font.name, font.fileType, font.fontFrom, world.clock.text(), font.uploader,
+                     std::to_string(font.bytes.size()), blobId);
+    return id;
+}
 
 void addFontRoutes(Router& router)
 {
     router.add("GET", "/style-family/font/project/list/{projectId}", fontsOfProject);
     router.add("GET", "/style-family/font/project/download/uri", fontAddress);
+    router.addControl("POST", "fonts", addFontCall);
 }
 
 } // namespace orlo::platform

@@ -3,6 +3,7 @@
 #include "Files.h"
 #include "Projects.h"
 #include "Routes.h"
+#include "Users.h"
 
 namespace orlo::platform {
 
@@ -57,15 +58,15 @@ std::string projectRecord(World& world, const std::string& projectId)
 Answer newProject(const Call& call, World& world)
 {
     const json::Body body(call.body);
-    NewProject project;
-    project.seed.name = body.filledText("name");
-    project.seed.status = body.filledText("status");
-    project.seed.description = body.textOr("description", {});
-    project.seed.id = body.textOr("id", {});
-    project.seed.ownerAccountId = call.caller.accountId;
+    ProjectSeed project;
+    project.name = body.filledText("name");
+    project.status = body.filledText("status");
+    project.description = body.textOr("description", {});
+    project.id = body.textOr("id", {});
+    project.ownerAccountId = call.caller.accountId;
     project.templateId = body.textOr("templateId", {});
     requireRoomForProject(world, call.caller.accountId);
-    return enveloped(projectRecord(world, createProject(world, project)));
+    return enveloped(projectRecord(world, addProject(world, project)));
 }
 
 Answer oneProject(const Call& call, World& world)
@@ -81,7 +82,7 @@ Answer deleteProject(const Call& call, World& world)
         throw Refusal(403, "only its owner may delete a project");
     removeBlobsOfProject(world, id);
     world.tables.run("DELETE FROM project WHERE id = ?", id);
-    return enveloped("null");
+    return done();
 }
 
 Answer resourceLimit(const Call& call, World& world)

@@ -4,6 +4,8 @@
 #include "../Store/Ids.h"
 #include "../Store/Json.h"
 #include "../Store/Store.h"
+#include "Folders.h"
+#include "Routes.h"
 
 #include <algorithm>
 #include <array>
@@ -16,8 +18,6 @@ constexpr std::array statuses = {"Ongoing", "Suspended", "Completed"};
 constexpr std::array gridTypes = {"TYPE_ONE", "TYPE_TWO"};
 constexpr std::array specialtyTypes = {"Unknown", "ZOK", "ZIM", "ZUTA", "ZEB"};
 constexpr std::array knownPermissions = {"Read", "Write", "SoftWrite"};
-constexpr std::array defaultFolders = {"Process", "Published", "ProjectShare", "OtherFiles"};
-constexpr const char* defaultTeam = "默认团队";
 
 template <std::size_t Count>
 void requireOneOf(const std::array<const char*, Count>& known, const std::string& text, const std::string& what)
@@ -26,34 +26,50 @@ void requireOneOf(const std::array<const char*, Count>& known, const std::string
         throw Refusal(400, "unknown " + what + ": " + text);
 }
 
-void insertFolder(World& world, const std::string& id, const std::string& projectId, const FolderSeed& folder)
-{
-    world.tables.run("INSERT INTO folder (id, projectId, parentId, name, folderType, teamId) VALUES (?, ?, ?, ?, ?, ?)", id, projectId,
-                     folder.parentId, folder.name, folder.folderType, folder.teamId);
-}
-
-void addDefaultTeam(World& world, const std::string& projectId, const std::string& rootId)
-{
-    const std::string teamId = newId();
-    const std::string folderId = newId();
-    insertFolder(world, folderId, projectId, FolderSeed{rootId, defaultTeam, "TeamRelated", teamId, {}});
-    world.tables.run("INSERT INTO team (id, projectId, name, description, status, linkedFolderId) VALUES (?, ?, ?, '', 'Working', ?)",
-                     teamId, projectId, defaultTeam, folderId);
-}
-
-void addDefaultFolders(World& world, const std::string& projectId, const std::string& projectName)
-{
-    const std::string rootId = newId();
-    insertFolder(world, rootId, projectId, FolderSeed{{}, projectName, "Root", {}, {}});
-    for (const char* type : defaultFolders)
-        insertFolder(world, newId(), projectId, FolderSeed{rootId, type, type, {}, {}});
-    addDefaultTeam(world, projectId, rootId);
-}
-
 void updateProject(World& world, const std::string& projectId, const std::string& assignment, const std::string& value)
 {
     requireProject(world, projectId);
     world.tables.run("UPDATE project SET " + assignment + " WHERE id = ?2", value, projectId);
+}
+
+Answer grantCall(const Call& call, World& world)
+{
+    const json::Body body(call.body);
+    grantPermission(world, body.filledText("projectId"), body.filledText("accountId"), body.filledText("resource"),
+                    body.texts("permissionTypes"));
+    return done();
+}
+
+Answer addProjectCall(const Call& call, World& world)
+{
+    const json::Body body(call.body);
+    ProjectSeed project;
+    project.sample = body.flagOr("sample", false);
+    project.name = body.filledText("name");
+    project.ownerAccountId = body.textOr("ownerAccountId", {});
+    project.id = body.textOr("id", {});
+    project.status = body.textOr("status", project.status);
+    project.description = body.textOr("description", {});
+    project.gridType = body.textOr("gridType", {});
+    project.size = body.integerOr("size", 0);
+    project.archived = body.flagOr("archived", false);
+    return idAnswer(addProject(world, project));
+}
+
+Answer changeProjectCall(const Call& call, World& world)
+{
+    const json::Body body(call.body);
+    const std::string& id = call.place("id");
+    requireProject(world, id);
+    if (body.has("standardProperties"))
+        setStandardProperties(world, id, body.rawOr("standardProperties", {}));
+    if (body.has("gridType"))
+        setGridType(world, id, body.text("gridType"));
+    if (body.has("size"))
+        setProjectSize(world, id, body.integer("size"));
+    if (body.has("archived"))
+        setArchived(world, id, body.flagOr("archived", false));
+    return done();
 }
 
 } // namespace
@@ -67,53 +83,25 @@ std::string freeId(World& world, const std::string& table, const std::string& id
     return id;
 }
 
-std::string createProject(World& world, const NewProject& project)
+std::string addProject(World& world, const ProjectSeed& project)
 {
-    const ProjectSeed& seed = project.seed;
-    if (seed.name.empty())
+    if (project.name.empty())
         throw Refusal(400, "a project needs a name");
-    requireOneOf(statuses, seed.status, "project status");
-    std::string id = freeId(world, "project", seed.id);
+    requireOneOf(statuses, project.status, "project status");
+    std::string id = freeId(world, "project", project.id);
     world.tables.run("INSERT INTO project (id, name, description, owner, status, templateId, size, sample, archived, creationTime) "
                      "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                     id, seed.name, seed.description, seed.ownerAccountId, seed.status, project.templateId, seed.size,
-                     static_cast<int>(project.sample), static_cast<int>(seed.archived), world.clock.text());
-    setGridType(world, id, seed.gridType);
-    addDefaultFolders(world, id, seed.name);
+                     id, project.name, project.description, project.ownerAccountId, project.status, project.templateId, project.size,
+                     static_cast<int>(project.sample), static_cast<int>(project.archived), world.clock.text());
+    setGridType(world, id, project.gridType);
+    addDefaultFolders(world, id, project.name);
     return id;
-}
-
-void requireRoomForProject(World& world, const std::string& accountId)
-{
-    const auto limit = world.tables.integer("SELECT projectNumber FROM quota WHERE accountId = ?", accountId);
-    const auto owned = world.tables.integer("SELECT COUNT(*) FROM project WHERE owner = ? AND sample = 0", accountId);
-    if (limit && *limit >= 0 && owned >= limit)
-        throw Refusal(409, "the account's number of projects is used up");
 }
 
 void requireProject(World& world, const std::string& projectId)
 {
     if (!world.tables.text("SELECT id FROM project WHERE id = ?", projectId))
         throw Refusal(404, "no such project: " + projectId);
-}
-
-void requireFolder(World& world, const std::string& folderId)
-{
-    projectOfFolder(world, folderId);
-}
-
-void requireTeamOfProject(World& world, const std::string& teamId, const std::string& projectId)
-{
-    if (!world.tables.text("SELECT id FROM team WHERE id = ? AND projectId = ?", teamId, projectId))
-        throw Refusal(404, "no such team in the project: " + teamId);
-}
-
-std::string projectOfFolder(World& world, const std::string& folderId)
-{
-    auto projectId = world.tables.text("SELECT projectId FROM folder WHERE id = ?", folderId);
-    if (!projectId)
-        throw Refusal(404, "no such folder: " + folderId);
-    return *projectId;
 }
 
 void requireWriter(World& world, const std::string& projectId, const std::string& accountId)
@@ -125,37 +113,14 @@ void requireWriter(World& world, const std::string& projectId, const std::string
         throw Refusal(403, "the account may not write in this project");
 }
 
-std::string createFolder(World& world, const FolderSeed& folder)
+std::string addSpecialty(World& world, const SpecialtySeed& specialty)
 {
-    if (folder.name.empty())
-        throw Refusal(400, "a folder needs a name");
-    const std::string projectId = projectOfFolder(world, folder.parentId);
-    if (!folder.teamId.empty())
-        requireTeamOfProject(world, folder.teamId, projectId);
-    std::string id = freeId(world, "folder", folder.id);
-    insertFolder(world, id, projectId, folder);
+    requireOneOf(specialtyTypes, specialty.type, "specialty type");
+    requireProject(world, specialty.projectId);
+    std::string id = freeId(world, "specialty", specialty.id);
+    world.tables.run("INSERT INTO specialty (id, projectId, name, description, type) VALUES (?, ?, ?, '', ?)", id, specialty.projectId,
+                     specialty.name, specialty.type);
     return id;
-}
-
-std::string createSpecialty(World& world, const std::string& projectId, const std::string& type, const std::string& name,
-                            const std::string& givenId)
-{
-    requireOneOf(specialtyTypes, type, "specialty type");
-    requireProject(world, projectId);
-    std::string id = freeId(world, "specialty", givenId);
-    world.tables.run("INSERT INTO specialty (id, projectId, name, description, type) VALUES (?, ?, ?, '', ?)", id, projectId, name, type);
-    return id;
-}
-
-void setQuota(World& world, const std::string& accountId, int projectNumber, int spaceSize)
-{
-    world.tables.run("INSERT OR REPLACE INTO quota (accountId, projectNumber, spaceSize) VALUES (?, ?, ?)", accountId, projectNumber,
-                     spaceSize);
-}
-
-void setPersonal(World& world, const std::string& accountId)
-{
-    world.tables.run("DELETE FROM quota WHERE accountId = ?", accountId);
 }
 
 void grantPermission(World& world, const std::string& projectId, const std::string& accountId, const std::string& resource,
@@ -192,6 +157,13 @@ void setProjectSize(World& world, const std::string& projectId, std::int64_t siz
 void setArchived(World& world, const std::string& projectId, bool archived)
 {
     updateProject(world, projectId, "archived = CAST(?1 AS INTEGER)", archived ? "1" : "0");
+}
+
+void addProjectControls(Router& router)
+{
+    router.addControl("POST", "projects", addProjectCall);
+    router.addControl("PATCH", "projects/{id}", changeProjectCall);
+    router.addControl("POST", "permissions", grantCall);
 }
 
 } // namespace orlo::platform

@@ -1,20 +1,29 @@
 #pragma once
 
 #include "../Server/Router.h"
+#include "../World.h"
 
 namespace orlo::platform {
 
+/// Those of all families.
+void addRoutes(Router& router);
+
+// Each is in the source of its name.
+void addUserControls(Router& router);
+void addProjectControls(Router& router);
 void addProjectRoutes(Router& router);
+void addFolderControls(Router& router);
 void addFolderRoutes(Router& router);
+void addDatasetControls(Router& router);
 void addDatasetRoutes(Router& router);
 void addVersionRoutes(Router& router);
 void addConfigRoutes(Router& router);
 void addFontRoutes(Router& router);
+void addFileControls(Router& router);
 void addFileRoutes(Router& router);
 void addBlobRoutes(Router& router);
 void addDrawingRoutes(Router& router);
 void addTranslationRoutes(Router& router);
-void addControlRoutes(Router& router);
-void addTransferControlRoutes(Router& router);
+void addServerControls(Router& router);
 
 } // namespace orlo::platform

@@ -11,6 +11,16 @@ Answer enveloped(const std::string& data)
     return bare(json::Object().number("code", 10000).text("message", "OK").raw("data", data).str());
 }
 
+Answer done()
+{
+    return enveloped("null");
+}
+
+Answer idAnswer(const std::string& id)
+{
+    return enveloped(json::Object().text("id", id).str());
+}
+
 Answer bare(std::string text)
 {
     return {200, std::move(text)};

@@ -31,6 +31,10 @@ private:
 
 /// {"code":10000,"message":"OK","data":...}; `data` is JSON text.
 Answer enveloped(const std::string& data);
+/// An envelope without data.
+Answer done();
+/// An envelope with the id of what was made.
+Answer idAnswer(const std::string& id);
 /// The JSON text without an envelope.
 Answer bare(std::string json);
 /// {"code":<status>00,"message":...,"data":null}

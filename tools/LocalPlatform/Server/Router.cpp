@@ -70,6 +70,11 @@ void Router::add(const std::string& method, const std::string& path, Handler han
     m_routes.push_back(Route{method, readTarget(path).segments, access, std::move(handler)});
 }
 
+void Router::addControl(const std::string& method, const std::string& name, Handler handler)
+{
+    add(method, controlPaths + name, std::move(handler), Access::Control);
+}
+
 const Route& Router::find(Call& call) const
 {
     bool pathKnown = false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../LocalPlatform.h"
+#include "../Seeds.h"
 #include "Answer.h"
 #include "Url.h"
 
@@ -12,15 +12,11 @@
 
 namespace orlo::platform {
 
-class BlobStore;
-class Clock;
-class FaultBook;
 class RequestBody;
-class RequestLog;
-class Signer;
 class StagedBlob;
-class Tables;
-class Transfers;
+
+/// The beginning of the paths of control calls.
+constexpr const char* controlPaths = "/_control/";
 
 /// A request, as its route sees it.
 struct Call
@@ -49,19 +45,6 @@ struct Call
     std::string filledQuery(const std::string& name) const;
 };
 
-/// What routes and seeding calls work on, for the length of one transaction.
-struct World
-{
-    Tables& tables;
-    BlobStore& blobs;
-    const Signer& signer;
-    Clock& clock;
-    FaultBook& faults;
-    RequestLog& requests;
-    Transfers& transfers;
-    std::string url;
-};
-
 using Handler = std::function<Answer(const Call&, World&)>;
 
 enum class Access {
@@ -83,6 +66,9 @@ class Router
 public:
     /// path: "/projects/{projectId}/teams"; a place takes one non-empty segment.
     void add(const std::string& method, const std::string& path, Handler handler, Access access = Access::Token);
+
+    /// A control call: "users" for the path "/_control/users".
+    void addControl(const std::string& method, const std::string& name, Handler handler);
 
     /// The route for the call, whose places are filled. Refuses an unknown path with 404 and a wrong method with 405.
     const Route& find(Call& call) const;

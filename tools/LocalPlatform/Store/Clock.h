@@ -10,9 +10,10 @@ namespace orlo::platform {
 class Clock
 {
 public:
+    /// Back with a negative number. The clock goes on ticking from there.
     void move(std::int64_t seconds) { m_offsetSeconds += seconds; }
     std::int64_t seconds() const;
-    /// "2024-05-01T08:30:00.000Z"
+    /// As records carry it: "2024-05-01T08:30:00.000Z"
     std::string text() const;
 
 private:

@@ -1,0 +1,25 @@
+#include "Routes.h"
+
+namespace orlo::platform {
+
+void addRoutes(Router& router)
+{
+    addUserControls(router);
+    addProjectControls(router);
+    addProjectRoutes(router);
+    addFolderControls(router);
+    addFolderRoutes(router);
+    addDatasetControls(router);
+    addDatasetRoutes(router);
+    addVersionRoutes(router);
+    addConfigRoutes(router);
+    addFontRoutes(router);
+    addFileControls(router);
+    addFileRoutes(router);
+    addBlobRoutes(router);
+    addDrawingRoutes(router);
+    addTranslationRoutes(router);
+    addServerControls(router);
+}
+
+} // namespace orlo::platform

@@ -1,0 +1,155 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orlo::platform {
+
+/// What can be put into a platform's store, and what can be read out of it. The functions are those of `LocalPlatform::change` and, where
+/// the world is const, of `LocalPlatform::ask`; each stands in the source of its family below Routes. All text is UTF-8. What can't be done
+/// throws `Refusal`.
+
+struct World;
+
+// Users and accounts
+
+struct User
+{
+    std::string userId{};
+    std::string accountId{}; ///< Owner of what the user creates, and the {userId} of the permission path.
+    std::string accessToken{};
+};
+
+/// A token that is known already changes hands, and is good again.
+void addUser(World& world, const User& user);
+/// A revoked token gets the status 401.
+void setRevoked(World& world, const std::string& accessToken, bool revoked);
+/// In so many seconds of the platform's clock; 0 or less: at once.
+void expireTokenIn(World& world, const std::string& accessToken, std::int64_t seconds);
+/// Limits of an organisation's account, as "/resource/limit" tells them; a further project than `projectNumber` is refused.
+void setQuota(World& world, const std::string& accountId, int projectNumber, int spaceSize);
+/// An account without limits ("data": null), which every account is at first.
+void setPersonal(World& world, const std::string& accountId);
+
+// Projects
+
+struct ProjectSeed
+{
+    std::string name{};
+    std::string ownerAccountId{};
+    std::string id{}; ///< Empty: a new one is made.
+    std::string status = "Ongoing";
+    std::string description{};
+    std::string gridType{}; ///< "TYPE_ONE", "TYPE_TWO" or empty: no key in the answer.
+    std::int64_t size = 0;
+    bool archived = false;
+    bool sample = false;
+    std::string templateId{};
+};
+
+struct SpecialtySeed
+{
+    std::string projectId{};
+    std::string type{};
+    std::string name{};
+    std::string id{}; ///< Empty: a new one is made.
+};
+
+/// Returns the id. The project gets a root folder, the default folders below it, and a team with its folder.
+std::string addProject(World& world, const ProjectSeed& project);
+/// `jsonArray`: the value of "standardProperties", sent as it is. Empty text: no key in the answer.
+void setStandardProperties(World& world, const std::string& projectId, const std::string& jsonArray);
+/// "TYPE_ONE", "TYPE_TWO"; empty text: no key in the answer.
+void setGridType(World& world, const std::string& projectId, const std::string& gridType);
+void setProjectSize(World& world, const std::string& projectId, std::int64_t size);
+void setArchived(World& world, const std::string& projectId, bool archived);
+/// Returns the id.
+std::string addSpecialty(World& world, const SpecialtySeed& specialty);
+/// The account's row for one resource; an empty list takes it away. `permissionTypes`: "Read", "Write", "SoftWrite".
+void grantPermission(World& world, const std::string& projectId, const std::string& accountId, const std::string& resource,
+                     const std::vector<std::string>& permissionTypes);
+
+// Folders
+
+struct FolderSeed
+{
+    std::string parentId{}; ///< The project of the folder is that of its parent.
+    std::string name{};
+    std::string folderType = "OtherFiles";
+    std::string teamId{};
+    std::string id{}; ///< Empty: a new one is made.
+};
+
+/// Returns the id.
+std::string addFolder(World& world, const FolderSeed& folder);
+
+// Datasets
+
+struct DatasetSeed
+{
+    std::string name{};
+    std::string folderId{}; ///< Folder or team is needed; the linked folder of the team is taken when only the team is given.
+    std::string teamId{};
+    std::string type = "workunit";
+    std::string specialtyId{};
+    std::string ownerId{};
+    std::string description{};
+    std::string id{};                ///< Empty: a new one is made.
+    std::string modelingDatasetId{}; ///< Empty: a new one is made.
+};
+
+/// Returns the id.
+std::string addDataset(World& world, const DatasetSeed& dataset);
+
+// Fonts
+
+struct FontSeed
+{
+    std::string projectId{};
+    std::string name{};
+    std::string bytes{}; ///< The font file; "resourceBytes" is its length.
+    std::string fileType = "ttf";
+    std::string fontFrom = "Project";
+    std::string uploader{};
+    std::string id{}; ///< Empty: a new one is made.
+};
+
+/// Returns the id.
+std::string addFont(World& world, const FontSeed& font);
+
+// Files
+
+/// A file in the store: an upload whose bytes have come, or a seeded one.
+struct StoredFile
+{
+    std::string remotePath{};
+    std::string fileName{};
+    std::string fileId{}; ///< Uploads by Arkiv only, as is `versionIndex`.
+    int versionIndex = 0;
+    std::int64_t length = 0;
+};
+
+/// Puts a file into the store under a remote path of the caller's choice, in place of the one that has it.
+void addFile(World& world, const std::string& remotePath, const std::string& bytes);
+/// The file that the seed `path` names for ".../blockFiles/readSAS". Returns the path of its signed addresses, for faults.
+std::string addDatasetFile(World& world, const std::string& datasetId, const std::string& path, const std::string& bytes);
+/// The bytes stored under a remote path ("fileOSSPath"); throws if there is none.
+std::string contentOf(const World& world, const std::string& remotePath);
+/// In the order in which they were asked for. Files of datasets and fonts don't count.
+std::vector<StoredFile> storedFiles(const World& world);
+
+// Translations
+
+/// What "/v1/upload" was asked for.
+struct Translation
+{
+    std::string dataSetId{};
+    int versionId = 0;
+    std::string toType{};
+};
+
+/// In the order of their calls.
+std::vector<Translation> translations(const World& world);
+
+} // namespace orlo::platform
