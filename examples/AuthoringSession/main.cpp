@@ -6,10 +6,10 @@
 #include <BaseCommon/Text.h>
 #include <OrloAuth/UserSession.h>
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -20,31 +20,33 @@ constexpr const char* usage = R"(usage: AuthoringSession [--url URL] [--data DIR
   --crash      kills the session in the middle of its uploads; the next one with the same DIR finishes them. Not with --url
 )";
 
+constexpr int failed = 1;
+constexpr int wrongArguments = 2;
+
 struct Arguments
 {
     std::string url;  ///< empty for a platform of our own
     std::string data; ///< empty where nothing is kept
     bool crashes = false;
-
-    bool makeSense() const { return !crashes || (url.empty() && !data.empty()); }
 };
 
-/// Nothing for arguments that make no sense.
-std::optional<Arguments> readArguments(const std::vector<std::string>& words)
+/// Returns the exit code, where the program ends here: after the help, or because of wrong arguments.
+std::optional<int> readArguments(int argc, const char* const* argv, Arguments& arguments)
 {
-    Arguments arguments;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const bool hasValue = i + 1 < words.size() && !words[i + 1].empty();
-        if (words[i] == "--crash")
-            arguments.crashes = true;
-        else if (words[i] == "--url" && hasValue)
-            arguments.url = words[++i];
-        else if (words[i] == "--data" && hasValue)
-            arguments.data = words[++i];
-        else
-            return std::nullopt;
+    CLI::App app;
+    app.formatter_fn([](const CLI::App*, const std::string&, CLI::AppFormatMode) { return usage; });
+    app.failure_message(CLI::FailureMessage::help);
+    const CLI::Validator filled([](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, {});
+    CLI::Option* const url = app.add_option("--url", arguments.url)->check(filled);
+    CLI::Option* const data = app.add_option("--data", arguments.data)->check(filled);
+    app.add_flag("--crash", arguments.crashes)->needs(data)->excludes(url);
+    try {
+        app.parse(argc, argv);
     }
-    return arguments.makeSense() ? std::make_optional(arguments) : std::nullopt;
+    catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : wrongArguments;
+    }
+    return std::nullopt;
 }
 
 void live(const Arguments& arguments)
@@ -81,21 +83,19 @@ void live(const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const std::optional<Arguments> arguments = readArguments({argv + 1, argv + argc});
-    if (!arguments) {
-        std::cerr << usage;
-        return 2;
-    }
     const auto log = std::make_shared<session::SessionLog>();
-    orlo::ILogManager::Install(log);
     try {
-        live(*arguments);
+        Arguments arguments;
+        if (const std::optional<int> exitCode = readArguments(argc, argv, arguments))
+            return *exitCode;
+        orlo::ILogManager::Install(log);
+        live(arguments);
         return 0;
     }
     catch (const std::exception& failure) {
         std::cerr << "The session failed: " << failure.what() << "\nThe library's log:\n";
         for (const std::wstring& line : log->lines())
             std::cerr << "  " << orlo::utils::toString(line) << "\n";
-        return 1;
+        return failed;
     }
 }

@@ -1,10 +1,12 @@
 #include "LocalPlatform.h"
-#include "Server/Router.h"
 
+#include <CLI/CLI.hpp>
 #include <csignal>
-#include <getopt.h>
 #include <iostream>
+#include <optional>
 #include <pthread.h>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -12,11 +14,8 @@ using orlo::platform::LocalPlatform;
 using orlo::platform::Options;
 using orlo::platform::User;
 
-constexpr const char* usage = R"(usage: orlo-local-platform [--data DIR] [--port N] [--user ID:ACCOUNT:TOKEN]...
-  --data DIR   keep everything in DIR; without it, nothing is kept
-  --port N     port on 127.0.0.1; 0, which is the default, takes a free one
-  --user ...   register a user; without any, "demo:demo-account:demo-token"
-)";
+constexpr int failed = 1;
+constexpr int wrongArguments = 2;
 
 struct Arguments
 {
@@ -29,32 +28,33 @@ User readUser(const std::string& text)
     const std::size_t first = text.find(':');
     const std::size_t second = text.find(':', first == std::string::npos ? first : first + 1);
     if (second == std::string::npos)
-        throw std::invalid_argument("--user wants ID:ACCOUNT:TOKEN");
+        throw CLI::ValidationError("--user", "wants ID:ACCOUNT:TOKEN");
     return {text.substr(0, first), text.substr(first + 1, second - first - 1), text.substr(second + 1)};
 }
 
-Arguments readArguments(int argc, char** argv)
+/// Returns the exit code, where the program ends here: after the help, or because of wrong arguments.
+std::optional<int> readArguments(int argc, const char* const* argv, Arguments& arguments)
 {
-    const option known[] = {{"data", required_argument, nullptr, 'd'},
-                            {"port", required_argument, nullptr, 'p'},
-                            {"user", required_argument, nullptr, 'u'},
-                            {nullptr, 0, nullptr, 0}};
-    Arguments arguments;
-    int c = 0;
-    while ((c = getopt_long(argc, argv, "", known, nullptr)) != -1) { // NOLINT(concurrency-mt-unsafe): no thread has started yet
-        if (c == 'd')
-            arguments.options.dataFolder = optarg;
-        else if (c == 'p')
-            arguments.options.port = orlo::platform::readNumber(optarg, "port");
-        else if (c == 'u')
-            arguments.users.push_back(readUser(optarg));
-        else
-            throw std::invalid_argument("unknown option");
+    CLI::App app("A collaboration platform on this machine, on 127.0.0.1 only.", "orlo-local-platform");
+    app.failure_message(CLI::FailureMessage::help);
+    app.add_option("--data", arguments.options.dataFolder, "keep everything in DIR; without it, nothing is kept")->type_name("DIR");
+    app.add_option("--port", arguments.options.port, "port; 0, which is the default, takes a free one")->type_name("N");
+    const auto addUsers = [&](const std::vector<std::string>& words) {
+        for (const std::string& word : words)
+            arguments.users.push_back(readUser(word));
+    };
+    app.add_option_function<std::vector<std::string>>("--user", addUsers,
+                                                      "register a user, may stand several times; without any, demo:demo-account:demo-token")
+        ->type_name("ID:ACCOUNT:TOKEN")
+        ->allow_extra_args(false);
+    try {
+        app.parse(argc, argv);
     }
-    if (optind < argc)
-        throw std::invalid_argument(std::string("unexpected argument: ") + argv[optind]);
+    catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : wrongArguments;
+    }
     arguments.options.seedDemo = arguments.users.empty();
-    return arguments;
+    return std::nullopt;
 }
 
 sigset_t endingSignals()
@@ -85,20 +85,15 @@ void runUntilSignalled(const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    Arguments arguments;
     try {
-        arguments = readArguments(argc, argv);
-    }
-    catch (const std::exception& error) {
-        std::cerr << "orlo-local-platform: " << error.what() << "\n" << usage;
-        return 2;
-    }
-    try {
+        Arguments arguments;
+        if (const std::optional<int> exitCode = readArguments(argc, argv, arguments))
+            return *exitCode;
         runUntilSignalled(arguments);
         return 0;
     }
     catch (const std::exception& error) {
         std::cerr << "orlo-local-platform: " << error.what() << "\n";
-        return 1;
+        return failed;
     }
 }
