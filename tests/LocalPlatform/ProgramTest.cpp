@@ -58,5 +58,12 @@ TEST(Program, RefusesWrongArguments)
     EXPECT_EQ(Program({"--port", "70000"}).end(0), 1);
 }
 
+TEST(Program, TellsItsOptions)
+{
+    Program program({"--help"});
+    EXPECT_EQ(program.line(), "A collaboration platform on this machine, on 127.0.0.1 only.");
+    EXPECT_EQ(program.end(0), 0);
+}
+
 } // namespace
 } // namespace orlo::platform::test

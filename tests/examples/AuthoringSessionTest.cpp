@@ -128,4 +128,11 @@ TEST(AuthoringSession, ExplainsItselfWhenItIsCalledWrongly)
     }
 }
 
+TEST(AuthoringSession, TellsItsOptions)
+{
+    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --help");
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_THAT(run.output, testing::StartsWith("usage: AuthoringSession [--url URL] [--data DIR [--crash]]"));
+}
+
 } // namespace

@@ -8,7 +8,8 @@ namespace orlo::platform {
 /// Those of all families.
 void addRoutes(Router& router);
 
-// Each is in the source of its name.
+// Routes for clients are in the source of their name. Control calls stand beside the seeding functions that they call: those of users in
+// Users.cpp, and so on.
 void addUserControls(Router& router);
 void addProjectControls(Router& router);
 void addProjectRoutes(Router& router);

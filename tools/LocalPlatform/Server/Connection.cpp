@@ -50,12 +50,12 @@ void Connection::setTrap(const Trap& trap)
 
 void Connection::carryOut(const Trap& trap)
 {
-    if (trap.deed == Deed::Stall) {
+    if (trap.action == Action::Stall) {
         m_broken = waitFor(POLLRDHUP, trap.pause); // the client has gone, or the server stops
         return;
     }
     m_broken = true;
-    if (trap.deed == Deed::Close) {
+    if (trap.action == Action::Close) {
         finish();
         return;
     }
@@ -75,7 +75,7 @@ void Connection::endAnswer()
 {
     m_body = nullptr;
     const auto trap = std::exchange(m_trap, std::nullopt);
-    if (trap && !m_broken && trap->deed != Deed::Stall)
+    if (trap && !m_broken && trap->action != Action::Stall)
         carryOut(*trap);
 }
 

@@ -21,14 +21,14 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    enum class Deed {
+    enum class Action {
         Reset, ///< The other side sees a reset.
         Close, ///< The other side sees an orderly end.
         Stall  ///< Nothing moves for a while, then all goes on.
     };
     struct Trap
     {
-        Deed deed = Deed::Reset;
+        Action action = Action::Reset;
         std::size_t bytes = 0; ///< How many bytes pass before it springs.
         bool bodyOnly = false; ///< The head doesn't count.
         std::chrono::milliseconds pause{0};

@@ -116,16 +116,16 @@ Answer guarded(const Work& work)
 
 std::optional<Connection::Trap> trapOf(const Fault& fault)
 {
-    using Deed = Connection::Deed;
+    using Action = Connection::Action;
     switch (fault.kind) {
     case FaultKind::ResetBeforeAnswer:
-        return Connection::Trap{Deed::Reset};
+        return Connection::Trap{Action::Reset};
     case FaultKind::ResetAfterBytes:
-        return Connection::Trap{Deed::Reset, fault.bytes};
+        return Connection::Trap{Action::Reset, fault.bytes};
     case FaultKind::CutBody:
-        return Connection::Trap{Deed::Close, fault.bytes, true};
+        return Connection::Trap{Action::Close, fault.bytes, true};
     case FaultKind::Stall:
-        return Connection::Trap{Deed::Stall, fault.bytes, true, std::chrono::milliseconds(fault.delayMilliseconds)};
+        return Connection::Trap{Action::Stall, fault.bytes, true, std::chrono::milliseconds(fault.delayMilliseconds)};
     default:
         return std::nullopt;
     }
@@ -235,7 +235,7 @@ Answer Server::answerInTime(Call& call)
     const Strike strike = m_answering.strike(call);
     if (wait(strike.delay))
         return answerStruck(call, strike);
-    Connection::current()->setTrap({Connection::Deed::Reset});
+    Connection::current()->setTrap({Connection::Action::Reset});
     return {};
 }
 
