@@ -1,3 +1,4 @@
+#include "support/FileProcess.h"
 #include "support/TempFolder.h"
 
 #include <BaseCommon/Files.h>
@@ -8,11 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <fstream>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace orlo;
 using namespace orlo::utils;
@@ -345,12 +342,11 @@ TEST_F(Files, MoveThatCannotBeDoneKeepsTheSource)
 
 TEST_F(Files, MoveCrossesFileSystems)
 {
-    struct stat here = {};
-    struct stat memory = {};
-    if (::stat("/dev/shm", &memory) != 0 || ::stat(at("").c_str(), &here) != 0 || memory.st_dev == here.st_dev ||
-        ::access("/dev/shm", W_OK) != 0)
+    const fs::path elsewhere = test::otherFileSystem(m_folder.path());
+    if (elsewhere.empty())
         GTEST_SKIP() << "no second file system to write to";
-    const fs::path other = "/dev/shm/orlo-files-test-" + std::to_string(::getpid());
+    const test::TempFolder far(elsewhere);
+    const fs::path other = far.path("file");
     writeFile(other, "far away");
     writeFile(at("to"), "old");
     EXPECT_TRUE(moveFile(fromPath(other), wide("to")));
@@ -467,7 +463,7 @@ TEST_F(Files, AnUnreadableFileLeavesTheTextAlone)
     std::string content = "old";
     EXPECT_FALSE(readWholeFile(wide("none"), content));
     EXPECT_FALSE(readWholeFile(m_folder.wide(), content));
-    ASSERT_EQ(::mkfifo(at("fifo").c_str(), 0600), 0);
+    ASSERT_TRUE(test::makeNamedPipe(at("fifo")));
     EXPECT_FALSE(readWholeFile(wide("fifo"), content));
     EXPECT_EQ(content, "old");
 }
@@ -492,10 +488,9 @@ TEST_F(Files, AWriteThatCannotBeDoneLeavesNothing)
 
 TEST_F(Files, APrivateFileIsItsOwnersAlone)
 {
-    const mode_t before = ::umask(0022);
+    const test::UsualPermissions permissions;
     EXPECT_TRUE(writeFileAtomically(wide("private"), "x", FileAccess::ownerOnly));
     EXPECT_TRUE(writeFileAtomically(wide("usual"), "x"));
-    ::umask(before);
     EXPECT_EQ(permissionsOf(at("private")), fs::perms(0600));
     EXPECT_EQ(permissionsOf(at("usual")), fs::perms(0644));
 }
@@ -534,24 +529,12 @@ TEST_F(Files, AKillWhileWritingLeavesTheOldFileOrTheNew)
     const std::string odd(200000, 'o');
     ASSERT_TRUE(writeFileAtomically(wide("state"), even));
     for (int round = 0; round < 20; ++round) {
-        int written[2];
-        ASSERT_EQ(::pipe(written), 0);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            for (int i = 0;; ++i) {
-                if (!writeFileAtomically(wide("state"), i % 2 == 0 ? odd : even) || ::write(written[1], "w", 1) != 1)
-                    ::_exit(1);
-            }
-        }
-        char mark = 0;
+        test::FileProcess child(m_folder);
+        child.tell("rewrite " + at("state").u8string());
         for (int seen = 0; seen < 1 + round % 3; ++seen)
-            ASSERT_EQ(::read(written[0], &mark, 1), 1);
-        ASSERT_EQ(::kill(child, SIGKILL), 0);
-        int status = 0;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFSIGNALED(status));
-        ::close(written[0]);
-        ::close(written[1]);
+            ASSERT_EQ(child.readLine(), "written");
+        child.kill();
+        EXPECT_EQ(child.wait(), test::ChildProcess::killed);
         const std::string content = readFile(at("state"));
         EXPECT_TRUE(content == even || content == odd) << content.size();
     }

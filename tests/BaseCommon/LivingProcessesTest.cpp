@@ -1,5 +1,6 @@
-#include "LivingChild.h"
+#include "support/FileProcess.h"
 #include "support/TempFolder.h"
+#include "support/Threads.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LivingProcesses.h>
@@ -8,7 +9,6 @@
 #include <gmock/gmock.h>
 
 #include <memory>
-#include <thread>
 
 namespace orlo::test {
 namespace {
@@ -57,19 +57,19 @@ TEST_F(LivingProcesses, whoAsksTellsThatItLives)
 
 TEST_F(LivingProcesses, theFirstOfThoseThatLiveCounts)
 {
-    const LivingChild first;
+    const LivingProcess first(m_folder);
     const auto started = fs::last_write_time(marks().at(0));
     writtenNow(m_folder.path("between"));
-    const LivingChild second;
+    const LivingProcess second(m_folder);
     EXPECT_EQ(startOfOldestProcess(), started);
     EXPECT_THAT(marks(), SizeIs(3));
 }
 
 TEST_F(LivingProcesses, aKilledOneCountsNoMoreAndItsMarkGoes)
 {
-    LivingChild first;
+    LivingProcess first(m_folder);
     writtenNow(m_folder.path("between"));
-    LivingChild second;
+    LivingProcess second(m_folder);
     const auto started = startOfOldestProcess();
     ASSERT_TRUE(started);
     first.kill();
@@ -82,7 +82,7 @@ TEST_F(LivingProcesses, aKilledOneCountsNoMoreAndItsMarkGoes)
 
 TEST_F(LivingProcesses, everyRootHasItsOwn)
 {
-    const LivingChild here;
+    const LivingProcess here(m_folder);
     const TempFolder other;
     setLocalRoot(other.wide());
     writtenNow(other.path("now"));
@@ -134,20 +134,17 @@ TEST_F(LivingProcesses, aMarkThatWasRemovedIsMadeAgain)
 
 TEST_F(LivingProcesses, manyThreadsMakeOneMark)
 {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([] { EXPECT_TRUE(tellThatProcessLives() && startOfOldestProcess()); });
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(8, [] { EXPECT_TRUE(tellThatProcessLives() && startOfOldestProcess()); });
     EXPECT_THAT(marks(), SizeIs(1));
 }
 
 TEST_F(LivingProcesses, processesThatComeWhileOthersLookAroundAreAllSeen)
 {
-    LivingChild looking([] {}, [] { startOfOldestProcess(); });
-    std::vector<std::unique_ptr<LivingChild>> children;
+    LivingProcess looking(m_folder);
+    looking.tell("look-around");
+    std::vector<std::unique_ptr<LivingProcess>> children;
     for (int i = 0; i < 20; ++i)
-        children.push_back(std::make_unique<LivingChild>());
+        children.push_back(std::make_unique<LivingProcess>(m_folder));
     EXPECT_THAT(marks(), SizeIs(21));
     looking.kill();
     EXPECT_TRUE(startOfOldestProcess());

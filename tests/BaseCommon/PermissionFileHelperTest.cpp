@@ -1,4 +1,6 @@
+#include "support/FileProcess.h"
 #include "support/TempFolder.h"
+#include "support/Threads.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/PermissionFileHelper.h>
@@ -6,12 +8,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <csignal>
-#include <functional>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 
 using namespace orlo::utils;
 using orlo::test::readFile;
@@ -49,20 +45,6 @@ protected:
     orlo::test::LocalRoot m_root;
     PermissionFileHelper& m_helper = *PermissionFileHelper::GetInstance();
 };
-
-pid_t inChild(const std::function<bool()>& work)
-{
-    const pid_t child = ::fork();
-    if (child == 0)
-        ::_exit(work() ? 0 : 1);
-    return child;
-}
-
-bool endedWell(pid_t child)
-{
-    int status = 0;
-    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 std::string longToken(int number)
 {
@@ -192,15 +174,10 @@ TEST_F(PermissionFile, WithoutItsLockTheFileIsReadAndNotChanged)
 
 TEST_F(PermissionFile, ThreadsMayWriteAtOnce)
 {
-    std::vector<std::thread> threads;
-    for (int user = 0; user < 4; ++user) {
-        threads.emplace_back([this, user] {
-            for (int dataset = 0; dataset < 10; ++dataset)
-                EXPECT_TRUE(m_helper.WriteTokenToFile(std::to_string(user), std::to_string(dataset), "t"));
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    orlo::test::inThreads(4, [this](int user) {
+        for (int dataset = 0; dataset < 10; ++dataset)
+            EXPECT_TRUE(m_helper.WriteTokenToFile(std::to_string(user), std::to_string(dataset), "t"));
+    });
     for (int user = 0; user < 4; ++user) {
         for (int dataset = 0; dataset < 10; ++dataset)
             EXPECT_EQ(m_helper.GetDatasetTokenFromFile(std::to_string(user), std::to_string(dataset)), "t");
@@ -210,16 +187,12 @@ TEST_F(PermissionFile, ThreadsMayWriteAtOnce)
 TEST_F(PermissionFile, TwoProcessesMayWriteAtOnce)
 {
     constexpr int datasets = 40;
-    const auto writeAll = [this](const std::string& user) {
-        bool isGood = true;
-        for (int i = 0; i < datasets; ++i)
-            isGood = m_helper.WriteTokenToFile(user, std::to_string(i), user + std::to_string(i)) && isGood;
-        return isGood;
-    };
-    const pid_t first = inChild([&] { return writeAll("a"); });
-    const pid_t second = inChild([&] { return writeAll("b"); });
-    EXPECT_TRUE(endedWell(first));
-    EXPECT_TRUE(endedWell(second));
+    orlo::test::FileProcess first(m_local);
+    orlo::test::FileProcess second(m_local);
+    first.tell("tokens a");
+    second.tell("tokens b");
+    EXPECT_EQ(first.readLine(), "yes");
+    EXPECT_EQ(second.readLine(), "yes");
     for (int i = 0; i < datasets; ++i) {
         EXPECT_EQ(m_helper.GetDatasetTokenFromFile("a", std::to_string(i)), "a" + std::to_string(i));
         EXPECT_EQ(m_helper.GetDatasetTokenFromFile("b", std::to_string(i)), "b" + std::to_string(i));
@@ -231,29 +204,21 @@ TEST_F(PermissionFile, AKillAtAnyInstantLosesNothingThatWasWritten)
     ASSERT_TRUE(m_helper.WriteTokenToFile("other", "ds-1", "kept"));
     int last = 0;
     for (int round = 0; round < 30; ++round) {
-        int written[2];
-        ASSERT_EQ(::pipe(written), 0);
-        const pid_t child = inChild([&] {
-            for (int number = last + 1;; ++number) {
-                if (!m_helper.WriteTokenToFile("user-1", "ds-1", longToken(number)) ||
-                    ::write(written[1], &number, sizeof number) != sizeof number)
-                    return false;
-            }
-        });
-        int told = 0;
+        orlo::test::FileProcess child(m_local);
+        child.tell("pour-tokens " + std::to_string(last + 1));
+        std::string told;
         for (int seen = 0; seen <= round % 4; ++seen)
-            ASSERT_EQ(::read(written[0], &told, sizeof told), static_cast<ssize_t>(sizeof told));
+            told = child.readLine();
         // Lets the child come a different way into its next write each time.
         for (volatile int spin = 0; spin < round * 20000; spin = spin + 1) {
         }
-        ASSERT_EQ(::kill(child, SIGKILL), 0);
-        ASSERT_FALSE(endedWell(child));
-        ::close(written[0]);
-        ::close(written[1]);
+        child.kill();
+        ASSERT_EQ(child.wait(), orlo::test::ChildProcess::killed);
+        ASSERT_FALSE(told.empty());
 
         const std::string token = m_helper.GetDatasetTokenFromFile("user-1", "ds-1");
         last = numberOf(token);
-        EXPECT_GE(last, told);
+        EXPECT_GE(last, std::stoi(told));
         EXPECT_TRUE(token == longToken(last));
         EXPECT_EQ(m_helper.GetDatasetTokenFromFile("other", "ds-1"), "kept");
     }

@@ -1,13 +1,10 @@
+#include "support/FileProcess.h"
 #include "support/TempFolder.h"
 
 #include <BaseCommon/Platform.h>
+#include <BaseCommon/Text.h>
 
 #include <gtest/gtest.h>
-
-#include <csignal>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace orlo::utils;
 
@@ -55,25 +52,12 @@ TEST_F(Platform, ALockMayBeTakenAgainByItsHolder)
 
 TEST_F(Platform, ALockOfAKilledProcessIsFree)
 {
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        FileLock lock;
-        if (!lock.acquire(lockPath(), 0) || ::write(ready[1], "r", 1) != 1)
-            ::_exit(1);
-        for (;;)
-            ::pause();
-    }
-    char mark = 0;
-    ASSERT_EQ(::read(ready[0], &mark, 1), 1);
+    orlo::test::FileProcess child(m_folder);
+    ASSERT_EQ(child.ask("lock " + orlo::utils::toString(lockPath())), "yes");
     FileLock lock;
     EXPECT_FALSE(lock.acquire(lockPath(), 0));
-    ::kill(child, SIGKILL);
-    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    child.kill();
     EXPECT_TRUE(lock.acquire(lockPath(), 0));
-    ::close(ready[0]);
-    ::close(ready[1]);
 }
 
 TEST_F(Platform, ALockInAFolderThatIsNotThereIsRefused)
@@ -143,7 +127,8 @@ TEST_F(Platform, WhatIsNoFileIsNotMadePrivate)
     EXPECT_TRUE(makeFilePrivate(L"/dev/full"));
     EXPECT_EQ(modeOf("/dev/full"), before);
     EXPECT_FALSE(makeFilePrivate(m_folder.wide("")));
-    ASSERT_EQ(::mkfifo(m_folder.path("pipe").c_str(), 0644), 0);
+    const orlo::test::UsualPermissions permissions;
+    ASSERT_TRUE(orlo::test::makeNamedPipe(m_folder.path("pipe")));
     EXPECT_FALSE(makeFilePrivate(m_folder.wide("pipe"))) << "and nobody waits for its reader";
     EXPECT_EQ(modeOf(m_folder.path("pipe")), std::filesystem::perms(0644));
 }

@@ -1,4 +1,4 @@
-#include "LivingChild.h"
+#include "support/FileProcess.h"
 #include "support/TempFolder.h"
 
 #include <BaseCommon/Files.h>
@@ -63,7 +63,8 @@ TEST_F(StrayFiles, whatThisProcessMadeStays)
 TEST_F(StrayFiles, whatALivingProcessMadeStaysUntilThatIsGone)
 {
     const fs::path file = at(std::string("Temp/") + guid);
-    LivingChild child([&] { writeFile(file, "half"); });
+    LivingProcess child(m_folder);
+    ASSERT_EQ(child.ask("write " + file.u8string()), "yes");
     writtenNow(at("now"));
     EXPECT_EQ(removeStrayTransfers(), 0U);
     EXPECT_TRUE(fs::exists(file));

@@ -1,6 +1,6 @@
-#include "OrloJobManager/TestJob.h"
 #include "support/HostSetup.h"
 #include "support/LogCapture.h"
+#include "support/TestJob.h"
 #include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>
@@ -39,20 +39,20 @@ public:
 
     std::vector<std::wstring> uploaded() const
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         return m_uploaded;
     }
 
 private:
     void enter(const std::wstring& name)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         EXPECT_EQ(++m_running[name], 1);
         m_uploaded.push_back(name);
     }
     void leave(const std::wstring& name)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         --m_running[name];
     }
 

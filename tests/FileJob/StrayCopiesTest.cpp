@@ -1,5 +1,5 @@
-#include "BaseCommon/LivingChild.h"
 #include "UploadJobsTest.h"
+#include "support/FileProcess.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Platform.h>
@@ -139,10 +139,8 @@ TEST_F(StrayCopies, whatALivingProcessMadeStaysUntilThatIsGone)
     fs::copy(jobsFolder(), root.path("Jobs"));
     utils::setLocalRoot(root.wide()); // this process has told nobody yet that it lives here
     const fs::path folder = root.path("Jobs/p-1") / guid;
-    LivingChild child([&] {
-        fs::create_directories(folder);
-        writeFile(folder / "a", "half");
-    });
+    LivingProcess child(root);
+    ASSERT_EQ(child.ask("write " + (folder / "a").u8string()), "yes");
     writtenNow(root.path("now"));
     start();
     EXPECT_TRUE(fs::exists(folder / "a"));

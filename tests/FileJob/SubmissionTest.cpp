@@ -1,6 +1,6 @@
-#include "OrloJobManager/TestJob.h"
 #include "UploadJobsTest.h"
 #include "support/FaultyFiles.h"
+#include "support/TestJob.h"
 #include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>

@@ -45,7 +45,7 @@ protected:
     {
         JobManagerOptions options;
         options.onEvent = [this](const JobEvent& event) {
-            const std::lock_guard<std::mutex> lock(m_mutex);
+            const std::lock_guard lock(m_mutex);
             m_kinds.push_back(event.kind);
         };
         ASSERT_TRUE(IJobManager::Start(options));
@@ -60,13 +60,13 @@ protected:
     bool isTold(Kind kind)
     {
         return waitUntil([&] {
-            const std::lock_guard<std::mutex> lock(m_mutex);
+            const std::lock_guard lock(m_mutex);
             return std::find(m_kinds.begin(), m_kinds.end(), kind) != m_kinds.end();
         });
     }
     std::vector<Kind> told()
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         return m_kinds;
     }
 

@@ -1,7 +1,9 @@
-#include "OrloJobManager/TestJob.h"
 #include "support/HostSetup.h"
 #include "support/LogCapture.h"
+#include "support/ProcessProbe.h"
+#include "support/Sanitized.h"
 #include "support/Sql.h"
+#include "support/TestJob.h"
 #include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>
@@ -10,10 +12,8 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <fstream>
 #include <future>
 #include <memory>
-#include <unistd.h>
 
 namespace orlo::test {
 namespace {
@@ -72,24 +72,17 @@ TEST_F(UploadJobMass, tenThousandUploadsAreRebuiltAndStayWhenTheyDoNotRun)
     EXPECT_THAT(log.lines(), testing::IsEmpty());
 }
 
-#ifndef ORLO_SANITIZED // which takes memory of its own for each allocation
-/// Bytes of the process that are in memory.
-long long residentBytes()
-{
-    long long size = 0;
-    long long resident = 0;
-    std::ifstream("/proc/self/statm") >> size >> resident;
-    return resident * ::sysconf(_SC_PAGESIZE);
-}
-
 TEST_F(UploadJobMass, anUploadThatWaitsTakesLessThanFourKiB)
 {
+    if (isSanitized)
+        GTEST_SKIP() << "the sanitizers take memory of their own for each allocation";
     fill();
-    const long long before = residentBytes();
+    const std::size_t before = memoryOf().now;
     start();
-    EXPECT_LT((residentBytes() - before) / 10000, 4096);
+    const std::size_t after = memoryOf().now;
+    EXPECT_GT(after, before);
+    EXPECT_LT((after - before) / 10000, 4096u);
 }
-#endif
 
 } // namespace
 } // namespace orlo::test

@@ -60,7 +60,7 @@ protected:
 private:
     void keep(const JobEvent& event)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         states.push_back(static_cast<int>(event.state));
         if (event.kind == JobEvent::Kind::Ended) {
             ended.push_back(event.job);

@@ -25,7 +25,7 @@ protected:
 
 web::http::http_exception resetByPeer()
 {
-    return web::http::http_exception(104, "Failed to read HTTP status line");
+    return web::http::http_exception(resetCode, "Failed to read HTTP status line");
 }
 
 TEST_F(CallFrameTest, givesTheResultOfTheWorkAndStaysSilent)
@@ -137,7 +137,7 @@ TEST_F(CallFrameTest, aTransportFailureHasNoRungOfItsOwnInTheCommonLadder)
 TEST_F(CallFrameTest, theExtraRungOfADirectCallKeepsTheTransportsCodeAndLogsNothing)
 {
     EXPECT_FALSE(frame.runDirect(error, []() -> bool { throw resetByPeer(); }));
-    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", 104);
+    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", resetCode);
     EXPECT_EQ(log.lines(), Lines{});
 }
 

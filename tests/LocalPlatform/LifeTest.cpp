@@ -1,19 +1,18 @@
 #include "PlatformFixture.h"
 #include "RawExchange.h"
+#include "support/ProcessProbe.h"
 #include "support/TempFolder.h"
+#include "support/Threads.h"
 
 #include <set>
-#include <thread>
 
 namespace orlo::platform::test {
 namespace {
 
+using orlo::test::descriptorCount;
+using orlo::test::inThreads;
 using orlo::test::TempFolder;
-
-std::ptrdiff_t entriesOf(const std::string& folder)
-{
-    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
-}
+using orlo::test::threadCount;
 
 TEST(Restart, WithTheSameFolderKeepsEverything)
 {
@@ -65,15 +64,15 @@ TEST(Restart, AHundredTimesLeaksNeitherThreadsNorDescriptors)
     LocalPlatform platform(Options{{}, 0, true});
     platform.start();
     platform.stop();
-    const std::ptrdiff_t threads = entriesOf("/proc/self/task");
-    const std::ptrdiff_t descriptors = entriesOf("/proc/self/fd");
+    const std::size_t threads = threadCount();
+    const std::size_t descriptors = descriptorCount();
     for (int i = 0; i < 100; ++i) {
         platform.start();
         EXPECT_EQ(Caller(platform.url(), "demo-token").get("/projects").status, 200);
         platform.stop();
     }
-    EXPECT_EQ(entriesOf("/proc/self/task"), threads);
-    EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+    EXPECT_EQ(threadCount(), threads);
+    EXPECT_EQ(descriptorCount(), descriptors);
 }
 
 TEST(Stop, EndsConnectionsThatClientsKeepOpen)
@@ -123,18 +122,14 @@ TEST(Concurrency, ProjectsCreatedAtOnceAllGetIdsOfTheirOwn)
     platform.start();
     std::mutex mutex;
     std::set<std::string> ids;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 8; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 10; ++i) {
-                const Caller demo(platform.url(), "demo-token");
-                const std::string id = jsonText(demo.post("/v3/projects", R"({"name":"A","status":"Ongoing"})").body, "data.id");
-                const std::lock_guard lock(mutex);
-                ids.insert(id);
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(8, [&] {
+        for (int i = 0; i < 10; ++i) {
+            const Caller demo(platform.url(), "demo-token");
+            const std::string id = jsonText(demo.post("/v3/projects", R"({"name":"A","status":"Ongoing"})").body, "data.id");
+            const std::lock_guard lock(mutex);
+            ids.insert(id);
+        }
+    });
     EXPECT_EQ(ids.size(), 80u);
 }
 
@@ -144,16 +139,12 @@ TEST(Concurrency, OfTwoProjectsWithOneIdExactlyOneIsMade)
     platform.start();
     std::atomic<int> made{0};
     std::atomic<int> conflicts{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 8; ++t)
-        threads.emplace_back([&] {
-            const Caller demo(platform.url(), "demo-token");
-            const int status = demo.post("/v3/projects", R"({"name":"A","status":"Ongoing","id":"p1"})").status;
-            made += status == 200;
-            conflicts += status == 409;
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(8, [&] {
+        const Caller demo(platform.url(), "demo-token");
+        const int status = demo.post("/v3/projects", R"({"name":"A","status":"Ongoing","id":"p1"})").status;
+        made += status == 200;
+        conflicts += status == 409;
+    });
     EXPECT_EQ(made, 1);
     EXPECT_EQ(conflicts, 7);
 }

@@ -1,6 +1,5 @@
-#include "Program.h"
-
 #include "PlatformFixture.h"
+#include "PlatformProgram.h"
 #include "support/TempFolder.h"
 
 #include <csignal>
@@ -13,11 +12,11 @@ using orlo::test::TempFolder;
 TEST(Program, TellsItsAddressServesTheDemoUserAndEndsCleanly)
 {
     for (const int signal : {SIGTERM, SIGINT}) {
-        Program program({"--port", "0"});
+        PlatformProgram program({"--port", "0"});
         const Caller demo(program.address(), "demo-token");
         EXPECT_EQ(demo.get("/projects").status, 200);
         EXPECT_EQ(program.end(signal), 0);
-        EXPECT_EQ(program.line(), "");
+        EXPECT_EQ(program.output(), "");
     }
 }
 
@@ -26,7 +25,7 @@ TEST(Program, KeepsItsDataInTheFolderAndItsUsersAsAsked)
     const TempFolder folder;
     const std::string data = folder.path("平台").u8string();
     for (const int expected : {200, 409}) {
-        Program program({"--data", data, "--port", "0", "--user", "u:a:t", "--user", "u2:a2:t:2"});
+        PlatformProgram program({"--data", data, "--port", "0", "--user", "u:a:t", "--user", "u2:a2:t:2"});
         const std::string url = program.address();
         EXPECT_EQ(Caller(url, "t").post("/v3/projects", R"({"name":"A","status":"Ongoing","id":"p1"})").status, expected);
         EXPECT_EQ(Caller(url, "t:2").get("/projects").status, 200);
@@ -40,22 +39,22 @@ TEST(Program, SurvivesAKillWithItsData)
     const TempFolder folder;
     const std::string data = folder.path("平台").u8string();
     {
-        Program program({"--data", data});
+        PlatformProgram program({"--data", data});
         const Caller demo(program.address(), "demo-token");
         EXPECT_EQ(demo.post("/v3/projects", R"({"name":"A","status":"Ongoing","id":"p1"})").status, 200);
-        EXPECT_EQ(program.end(SIGKILL), -1);
+        program.kill();
     }
-    Program program({"--data", data});
+    PlatformProgram program({"--data", data});
     EXPECT_EQ(Caller(program.address(), "demo-token").get("/v2/projects/p1").status, 200);
 }
 
 TEST(Program, RefusesWrongArguments)
 {
-    EXPECT_EQ(Program({"--port", "x"}).end(0), 2);
-    EXPECT_EQ(Program({"--user", "a:b"}).end(0), 2);
-    EXPECT_EQ(Program({"--wrong"}).end(0), 2);
-    EXPECT_EQ(Program({"extra"}).end(0), 2);
-    EXPECT_EQ(Program({"--port", "70000"}).end(0), 1);
+    EXPECT_EQ(PlatformProgram({"--port", "x"}).wait(), 2);
+    EXPECT_EQ(PlatformProgram({"--user", "a:b"}).wait(), 2);
+    EXPECT_EQ(PlatformProgram({"--wrong"}).wait(), 2);
+    EXPECT_EQ(PlatformProgram({"extra"}).wait(), 2);
+    EXPECT_EQ(PlatformProgram({"--port", "70000"}).wait(), 1);
 }
 
 TEST(Program, TellsItsOptions)

@@ -22,7 +22,7 @@ Field readOver(Field before, const std::string& text)
 
 TEST(FieldReaders, aWideTextTakesAStringAlone)
 {
-    EXPECT_EQ(readOver<std::wstring>(L"kept", R"("名称 \u00e9 \ud83d\ude00")"), L"名称 é \x1F600");
+    EXPECT_EQ(readOver<std::wstring>(L"kept", R"("名称 \u00e9 \ud83d\ude00")"), L"名称 é \U0001F600");
     EXPECT_EQ(readOver<std::wstring>(L"kept", R"("")"), L"");
     for (const char* other : {"7", "1.5", "true", "null", "[\"a\"]", "{\"a\":\"b\"}"})
         EXPECT_EQ(readOver<std::wstring>(L"kept", other), L"kept") << other;

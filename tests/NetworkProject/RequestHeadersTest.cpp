@@ -45,9 +45,7 @@ TEST_F(RequestHeadersTest, anotherUserSendsAnotherToken)
 TEST_F(RequestHeadersTest, namesTheLibraryAndItsHost)
 {
     EXPECT_EQ(listedOnce().header("User-Agent").rfind("OrloProjectManager/", 0), 0u);
-    OrloConfig config = host.config();
-    config.appVersion = L"Studio-12.5";
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.appVersion = L"Studio-12.5"; });
     const std::string agent = listedOnce().header("User-Agent");
     EXPECT_EQ(agent.rfind("OrloProjectManager/", 0), 0u);
     EXPECT_NE(agent.find("Studio-12.5"), std::string::npos) << agent;
@@ -55,9 +53,7 @@ TEST_F(RequestHeadersTest, namesTheLibraryAndItsHost)
 
 TEST_F(RequestHeadersTest, aHostVersionThatFitsNoHeaderIsLeftOut)
 {
-    OrloConfig config = host.config();
-    config.appVersion = L"1.0\r\nX-Forged: yes";
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.appVersion = L"1.0\r\nX-Forged: yes"; });
     const Request request = listedOnce();
     EXPECT_FALSE(request.hasHeader("X-Forged"));
     EXPECT_EQ(request.header("User-Agent").rfind("OrloProjectManager/", 0), 0u);

@@ -209,11 +209,11 @@ TEST_F(RetryTest, aTransportFailureIsCaughtNamedAndRetried)
 {
     const auto broken = [this](ErrorCode&) -> bool {
         ++attempts;
-        throw web::http::http_exception(104, "Failed to read HTTP status line");
+        throw web::http::http_exception(resetCode, "Failed to read HTTP status line");
     };
     EXPECT_FALSE(SendNormalRequestWithRetry(broken, false, error));
     EXPECT_EQ(attempts, 4);
-    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", 104);
+    expectHttpError(error, 3892314114, L"generic exception", L"Failed to read HTTP status line", resetCode);
     const std::wstring caught = L"E@orlo::http::SendNormalRequestWithRetry OrloNetworkRetry::SendNormalRequestWithRetry - A generic "
                                 L"exception caught: message[Failed to read HTTP status line]";
     EXPECT_EQ(log.lines(), (Lines{caught, retry1, caught, retry2, caught, retry3, caught, exhausted}));

@@ -1,10 +1,11 @@
+#include "support/Threads.h"
+
 #include <OrloProjectManager/NetworkProject/Call/TextTable.h>
 #include <OrloProjectManager/NetworkProject/Projects/DatasetReaders.h>
 #include <OrloProjectManager/NetworkProject/Projects/ProjectTexts.h>
 
 #include <gtest/gtest.h>
 
-#include <thread>
 #include <vector>
 
 namespace orlo::test {
@@ -52,17 +53,12 @@ TEST(TextTable, anUnknownKeyIsNotRemembered)
 
 TEST(TextTable, isLookedUpFromManyThreadsAtOnce)
 {
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([thread] {
-            for (int i = 0; i < 200; ++i) {
-                EXPECT_EQ(fruits.valueOf(std::to_wstring(i % (10 + thread))), Fruit::None);
-                EXPECT_EQ(fruits.valueOf(L"Apple"), Fruit::Apple);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(4, [](int thread) {
+        for (int i = 0; i < 200; ++i) {
+            EXPECT_EQ(fruits.valueOf(std::to_wstring(i % (10 + thread))), Fruit::None);
+            EXPECT_EQ(fruits.valueOf(L"Apple"), Fruit::Apple);
+        }
+    });
 }
 
 TEST(ProjectTexts, readTheStatusOfAProject)

@@ -22,9 +22,7 @@ protected:
 
     void timeoutIs(int seconds)
     {
-        OrloConfig config = host.config();
-        config.httpTimeoutSeconds = seconds;
-        OrloConfigManager::Configure(config);
+        host.change([&](OrloConfig& config) { config.httpTimeoutSeconds = seconds; });
     }
 
     bool create()
@@ -41,7 +39,7 @@ TEST_F(TimeoutTest, aCreationGivesUpAfterTheTimeoutOfTheMomentAndIsRetried)
 {
     timeoutIs(1);
     EXPECT_FALSE(create());
-    expectHttpError(error, 3892314114, L"generic exception", silenceOf(server.url()), 110);
+    expectHttpError(error, 3892314114, L"generic exception", silenceOf(server.url()), timeoutCode);
     EXPECT_EQ(server.connectionCount(), 2u);
     EXPECT_TRUE(log.has(L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[1]"));
 }
@@ -77,7 +75,7 @@ TEST_F(TimeoutTest, aCallWithTheOtherTimeoutGivesUpAfterIt)
         FAIL() << "the answer never came, and nothing was thrown";
     }
     catch (const web::http::http_exception& e) {
-        EXPECT_EQ(e.error_code().value(), 110);
+        EXPECT_EQ(e.error_code(), std::errc::timed_out);
     }
 }
 

@@ -1,6 +1,6 @@
-#include "ChildProcess.h"
 #include "FirstSchema.h"
 #include "JobsTest.h"
+#include "support/ChildProcess.h"
 
 #include <OrloAuth/UserSession.h>
 

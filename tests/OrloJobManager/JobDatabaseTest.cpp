@@ -1,5 +1,7 @@
 #include "FirstSchema.h"
 #include "JobsTest.h"
+#include "support/SilentLog.h"
+#include "support/Threads.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
@@ -9,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-#include <thread>
 
 namespace orlo::test {
 namespace {
@@ -125,8 +126,7 @@ TEST_F(JobDatabase, jobsThatWereSavedWhileNoManagerRanAreRunByTheNext)
 TEST_F(JobDatabase, aRebuiltJobIsWhatWasSaved)
 {
     const auto job = saved("roof", 4711);
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     ASSERT_TRUE(IJobManager::Start({}));
     const auto rebuilt = IJobManager::Get()->GetJob(job->JobId());
     ASSERT_NE(rebuilt, nullptr);
@@ -366,8 +366,7 @@ TEST_F(JobDatabase, thePlaceIsFixedWhileAManagerRuns)
 {
     const TempFolder elsewhere;
     ASSERT_TRUE(IJobManager::Start({}));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     utils::setLocalRoot(elsewhere.wide());
     submit("roof");
     EXPECT_THAT(rows(), ElementsAre("roof"));
@@ -391,13 +390,10 @@ TEST_F(JobDatabase, aJobIsRemovedWhereItWasSaved)
 
 TEST_F(JobDatabase, aLoggerMayUseTheDatabaseItIsToldOf)
 {
-    class Curious : public ILogManager
+    class Curious : public SilentLog
     {
     public:
-        void LogInfo(const std::wstring&) override {}
-        void LogWarning(const std::wstring&) override {}
         void LogError(const std::wstring&) override { isRemoved = TestJob("any").remove(); }
-        void LogErrorAt(const std::string&, int, const std::string&, const std::wstring&, const std::wstring&) override {}
         bool isRemoved = false;
     };
     fs::create_directories(jobsFolder());
@@ -410,15 +406,10 @@ TEST_F(JobDatabase, aLoggerMayUseTheDatabaseItIsToldOf)
 
 TEST_F(JobDatabase, takesJobsFromManyThreads)
 {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([] {
-            for (int n = 0; n < 25; ++n)
-                saved("job");
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(4, [] {
+        for (int n = 0; n < 25; ++n)
+            saved("job");
+    });
     EXPECT_THAT(rows(), SizeIs(100));
 }
 

@@ -19,7 +19,7 @@ protected:
     void keep(const JobEvent& event)
     {
         static const char* const kinds[] = {"added", "started", "ended"};
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         lines.push_back(std::string(kinds[static_cast<int>(event.kind)]) + ' ' + dynamic_cast<const TestJob&>(*event.job).name + ' ' +
                         std::to_string(static_cast<int>(event.state)));
         ids.push_back(event.jobId);

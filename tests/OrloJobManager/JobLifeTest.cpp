@@ -1,5 +1,6 @@
-#include "ChildProcess.h"
 #include "JobsTest.h"
+#include "support/ChildProcess.h"
+#include "support/ProcessProbe.h"
 #include "support/ThreadShortage.h"
 
 #include <BaseCommon/Text.h>
@@ -18,15 +19,6 @@ using std::chrono::milliseconds;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/// The system's names for the threads of this process.
-std::set<std::string> threads()
-{
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task"))
-        names.insert(entry.path().filename());
-    return names;
-}
 
 std::vector<std::string> common(const std::set<std::string>& left, const std::set<std::string>& right)
 {
@@ -132,8 +124,7 @@ TEST_F(JobLife, anEndedJobHasLeftTheList)
 TEST_F(JobLife, theListTellsWhoWaitsAndRunsInTheOrderOfAddition)
 {
     ASSERT_TRUE(IJobManager::Start(workers(1)));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     const auto first = submit("first", 3);
     const auto second = submit("second", 2);
     const auto third = submit("third", 1);
@@ -146,8 +137,7 @@ TEST_F(JobLife, theListTellsWhoWaitsAndRunsInTheOrderOfAddition)
 TEST_F(JobLife, waitingTellsWhetherTheTimeWasEnough)
 {
     ASSERT_TRUE(IJobManager::Start({}));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     const auto job = submit("roof");
     EXPECT_FALSE(IJobManager::Get()->WaitForIdle(milliseconds(20)));
     EXPECT_FALSE(IJobManager::Get()->WaitForJob(job->JobId(), milliseconds(20)));
@@ -163,8 +153,7 @@ TEST_F(JobLife, stopEndsAWait)
     JobManagerOptions options;
     options.stopWithin = milliseconds(0);
     ASSERT_TRUE(IJobManager::Start(options));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     submit("roof");
     IJobManager* const manager = IJobManager::Get();
     auto waiting = std::async(std::launch::async, [manager] { return manager->WaitForIdle(std::chrono::hours(1)); });
@@ -179,8 +168,7 @@ TEST_F(JobLife, stopEndsAWait)
 TEST_F(JobLife, aJobIsAddedOnce)
 {
     ASSERT_TRUE(IJobManager::Start(workers(1)));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     submit("blocker");
     const auto job = submit("roof");
     IJobManager::Get()->AddJob(job);
@@ -284,8 +272,7 @@ TEST_F(JobLife, aJobMayBeAddedWhileTheManagerStarts)
 TEST_F(JobLife, stopLeavesTheRowsOfThoseThatWaitAndLetsTheRunningEnd)
 {
     ASSERT_TRUE(IJobManager::Start(workers(1)));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     const auto running = submit("running");
     const auto waiting = submit("waiting");
     ASSERT_TRUE(waitUntil([&] { return gate->arrived() == 1; }));
@@ -303,11 +290,11 @@ TEST_F(JobLife, noThreadIsLeftAfterStop)
 {
     ASSERT_TRUE(IJobManager::Start({})); // some threads of the runtime may come with the first of ours
     ASSERT_TRUE(IJobManager::Stop());
-    const std::set<std::string> before = threads();
+    const std::set<std::string> before = threadNames();
     JobManagerOptions options = workers(4);
     options.onEvent = [](const JobEvent&) {};
     ASSERT_TRUE(IJobManager::Start(options));
-    std::set<std::string> ours = threads();
+    std::set<std::string> ours = threadNames();
     for (const std::string& earlier : before)
         ours.erase(earlier);
     EXPECT_THAT(ours, testing::SizeIs(6));
@@ -315,7 +302,7 @@ TEST_F(JobLife, noThreadIsLeftAfterStop)
     ASSERT_TRUE(becomesIdle());
     ASSERT_TRUE(IJobManager::Stop());
     // What a thread leaves of itself in the system's list goes shortly after it was joined.
-    EXPECT_TRUE(waitUntil([&] { return common(ours, threads()).empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return common(ours, threadNames()).empty(); }));
 }
 
 TEST_F(JobLife, aJobThatOutlastsStopKeepsItsRowAndEndsInPeace)
@@ -323,8 +310,7 @@ TEST_F(JobLife, aJobThatOutlastsStopKeepsItsRowAndEndsInPeace)
     JobManagerOptions options = workers(2);
     options.stopWithin = milliseconds(50);
     ASSERT_TRUE(IJobManager::Start(options));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     const auto job = submit("slow");
     ASSERT_TRUE(waitUntil([&] { return gate->arrived() == 1; }));
     EXPECT_FALSE(IJobManager::Stop());
@@ -340,8 +326,7 @@ TEST_F(JobLife, theNextManagerWaitsForAJobThatOutlastedStop)
     JobManagerOptions options = workers(2);
     options.stopWithin = milliseconds(0);
     ASSERT_TRUE(IJobManager::Start(options));
-    auto gate = std::make_shared<Gate>();
-    TestJob::behave(waitAt(gate));
+    const auto gate = holdJobs();
     submit("slow");
     ASSERT_TRUE(waitUntil([&] { return gate->arrived() == 1; }));
     EXPECT_FALSE(IJobManager::Stop());

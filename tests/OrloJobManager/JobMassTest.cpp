@@ -31,7 +31,7 @@ TEST_F(JobMass, tenThousandRowsAreRebuiltAndRunInOrder)
     std::vector<std::int64_t> times;
     TestJob::behave([&, gate](TestJob& job) {
         gate->wait();
-        const std::lock_guard<std::mutex> lock(mutex);
+        const std::lock_guard lock(mutex);
         times.push_back(job.GetCreateTime());
         return job.remove();
     });

@@ -4,19 +4,18 @@
 //
 // Its jobs write their names to ROOT/ran, each name in a line, before they drop their rows.
 
-#include "HostCommands.h"
-#include "TestJob.h"
+#include "support/HostCommands.h"
+#include "support/OwnProcess.h"
+#include "support/TestJob.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 #include <OrloJobManager/IJobManager.h>
 
-#include <csignal>
-#include <fcntl.h>
+#include <fstream>
 #include <iostream>
+#include <optional>
 #include <string>
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace {
 
@@ -32,10 +31,9 @@ const auto gate = std::make_shared<test::Gate>();
 bool leaveName(TestJob& job)
 {
     dieAt("run");
-    const std::string line = job.name + '\n';
-    const int file = ::open((root + "/ran").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    const bool isLeft = ::write(file, line.data(), line.size()) == static_cast<ssize_t>(line.size());
-    ::close(file);
+    std::ofstream file(root + "/ran", std::ios::binary | std::ios::app);
+    const bool isLeft = static_cast<bool>(file << job.name + '\n' << std::flush); // at once, since other processes write too
+    file.close();
     dieAt("work");
     const bool isRemoved = job.remove();
     dieAt("remove");
@@ -61,15 +59,7 @@ std::string pour(const std::string& head)
 
 std::string limitFiles(const std::string& bytes)
 {
-    ::signal(SIGXFSZ, SIG_IGN);
-    const rlim_t limit = bytes == "none" ? RLIM_INFINITY : static_cast<rlim_t>(std::stoul(bytes));
-    const rlimit both{limit, RLIM_INFINITY};
-    return yesOrNo(::setrlimit(RLIMIT_FSIZE, &both) == 0);
-}
-
-std::string becomeNobody()
-{
-    return yesOrNo(::geteuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0));
+    return yesOrNo(test::limitFileSize(bytes == "none" ? std::nullopt : std::optional<std::uint64_t>(std::stoull(bytes))));
 }
 
 std::string add()
@@ -78,7 +68,7 @@ std::string add()
     return "yes";
 }
 
-const test::HostCommands commands = {
+const test::LineCommands commands = {
     {"runs", [](const std::string&) { return yesOrNo(IJobManager::Get()->RunsJobs()); }},
     {"save", save},
     {"pour", pour},
@@ -91,7 +81,7 @@ const test::HostCommands commands = {
      }},
     {"held", [](const std::string&) { return std::to_string(gate->arrived()); }},
     {"limit", limitFiles},
-    {"nobody", [](const std::string&) { return becomeNobody(); }},
+    {"nobody", [](const std::string&) { return yesOrNo(test::dropRights()); }},
 };
 
 } // namespace

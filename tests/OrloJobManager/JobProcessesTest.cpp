@@ -1,5 +1,5 @@
-#include "ChildProcess.h"
 #include "JobsTest.h"
+#include "support/ChildProcess.h"
 
 #include <BaseCommon/Text.h>
 

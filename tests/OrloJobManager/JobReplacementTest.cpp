@@ -1,5 +1,5 @@
-#include "ChildProcess.h"
 #include "DamagedJobs.h"
+#include "support/ChildProcess.h"
 #include "support/FaultyFiles.h"
 
 #include <SQLiteCpp/Database.h>

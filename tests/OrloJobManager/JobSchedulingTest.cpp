@@ -272,11 +272,11 @@ TEST_F(JobScheduling, twoJobsOfOneKindThatExcludeEachOtherNeverRunTogether)
     std::map<std::string, int> running;
     TestJob::behave([&](TestJob& job) {
         {
-            const std::lock_guard<std::mutex> lock(mutex);
+            const std::lock_guard lock(mutex);
             EXPECT_EQ(++running[job.name], 1) << job.name;
         }
         const bool isRemoved = job.remove(); // takes its time: it waits for the disk
-        const std::lock_guard<std::mutex> lock(mutex);
+        const std::lock_guard lock(mutex);
         --running[job.name];
         return isRemoved;
     });

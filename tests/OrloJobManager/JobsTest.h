@@ -1,9 +1,9 @@
 #pragma once
 
-#include "TestJob.h"
 #include "support/LogCapture.h"
 #include "support/Sql.h"
 #include "support/TempFolder.h"
+#include "support/TestJob.h"
 #include "support/Waiting.h"
 
 #include <OrloJobManager/IJobManager.h>

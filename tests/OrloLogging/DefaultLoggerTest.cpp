@@ -1,4 +1,6 @@
+#include "support/ChildProcess.h"
 #include "support/TempFolder.h"
+#include "support/Threads.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
@@ -9,8 +11,6 @@
 
 #include <cstdlib>
 #include <map>
-#include <sys/wait.h>
-#include <thread>
 #include <vector>
 
 namespace orlo::test {
@@ -215,15 +215,10 @@ TEST_F(DefaultLoggerTest, aFullDiskLeavesStderr)
 
 TEST_F(DefaultLoggerTest, keepsLinesOfManyThreadsApart)
 {
-    std::vector<std::thread> writers;
-    for (int i = 0; i < 4; ++i) {
-        writers.emplace_back([this] {
-            for (int n = 0; n < 200; ++n)
-                m_log->LogInfo(L"0123456789");
-        });
-    }
-    for (std::thread& writer : writers)
-        writer.join();
+    inThreads(4, [this] {
+        for (int n = 0; n < 200; ++n)
+            m_log->LogInfo(L"0123456789");
+    });
     const auto lines = logLines();
     EXPECT_EQ(lines.size(), 800u);
     EXPECT_THAT(lines, testing::Each(testing::EndsWith(" info 0123456789")));
@@ -231,10 +226,7 @@ TEST_F(DefaultLoggerTest, keepsLinesOfManyThreadsApart)
 
 TEST_F(DefaultLoggerTest, isThereUntilTheProcessIsGone)
 {
-    const std::string command = std::string("\"") + LOG_AT_EXIT_PROGRAM + "\" \"" + m_folder.path().string() + "\"";
-    const int status = std::system(command.c_str());
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(runProgram({LOG_AT_EXIT_PROGRAM, m_folder.path().string()}).exitCode, 0);
     const auto lines = logLines();
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_THAT(lines[0], testing::EndsWith(" info first words"));

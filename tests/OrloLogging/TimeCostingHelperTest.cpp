@@ -1,9 +1,10 @@
+#include "support/Threads.h"
+
 #include <OrloLogging/TimeCostingHelper.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace orlo::test {
@@ -56,17 +57,12 @@ TEST(TimeCostingHelper, aSecondEndDoesNotMoveTheFirst)
 
 TEST(TimeCostingHelper, servesManyThreadsOnOneLabel)
 {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([] {
-            for (int n = 0; n < 500; ++n) {
-                TimeCostingHelper::instance()->begin("shared");
-                TimeCostingHelper::instance()->end("shared");
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(4, [] {
+        for (int n = 0; n < 500; ++n) {
+            TimeCostingHelper::instance()->begin("shared");
+            TimeCostingHelper::instance()->end("shared");
+        }
+    });
     EXPECT_GE(TimeCostingHelper::instance()->getDelta("shared"), nanoseconds(0));
 }
 

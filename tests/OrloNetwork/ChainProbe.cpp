@@ -20,13 +20,13 @@ Heard heardNow(int status, const std::wstring& body, const std::string& stepKey,
 
 void HeardCalls::add(Heard heard)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_heard.push_back(std::move(heard));
 }
 
 std::vector<Heard> HeardCalls::all() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return m_heard;
 }
 

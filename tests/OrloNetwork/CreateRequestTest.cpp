@@ -34,9 +34,7 @@ protected:
 
     void useVersion(const std::wstring& version)
     {
-        OrloConfig config = host.config();
-        config.appVersion = version;
-        OrloConfigManager::Configure(config);
+        host.change([&](OrloConfig& config) { config.appVersion = version; });
     }
 
     ScriptedServer server;
@@ -113,9 +111,7 @@ TEST_F(CreateRequestTest, asksForNoCompression)
 TEST_F(CreateRequestTest, aRequestThroughAProxyNamesTheWholeAddress)
 {
     RawServer proxy(RawAnswer::bytes(rawOk("{}")));
-    OrloConfig config = host.config();
-    config.proxy = proxy.wideUrl();
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.proxy = proxy.wideUrl(); });
     EXPECT_EQ(get(L"http://platform.invalid:8080", error).status_code(), 200);
     ASSERT_EQ(proxy.requests().size(), 1U);
     EXPECT_EQ(proxy.requests()[0].line(), "GET http://platform.invalid:8080/thing");

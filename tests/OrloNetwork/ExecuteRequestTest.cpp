@@ -133,7 +133,7 @@ TEST_F(ExecuteRequestTest, readsABodyThatEndsWithTheConnection)
 
 TEST_F(ExecuteRequestTest, readsABodyOf64MiB)
 {
-    const std::string body(size_t{64} << 20, 'x');
+    const std::string body(std::size_t{64} << 20, 'x');
     RawServer raw(RawAnswer::bytes(rawOk(body)));
     EXPECT_TRUE(ReadBody(get(raw.wideUrl(), error)) == body);
 }
@@ -149,7 +149,7 @@ TEST_F(ExecuteRequestTest, aBodyUpToTheLimitIsRead)
 TEST_F(ExecuteRequestTest, aBodyBeyondTheLimitIsRefusedWithoutReadingIt)
 {
     std::atomic<bool> brokenOff{false};
-    const std::string piece(size_t{1} << 20, 'x');
+    const std::string piece(std::size_t{1} << 20, 'x');
     SocketServer endless([&](Connection& connection) {
         Request request;
         readRequest(connection, request);
@@ -160,7 +160,7 @@ TEST_F(ExecuteRequestTest, aBodyBeyondTheLimitIsRefusedWithoutReadingIt)
     });
     const auto client = OrloWebService::CreateClient(utils::toWstring(endless.url()));
     const auto request = OrloWebService::CreateRequest(web::http::methods::GET, web::uri("/thing"), web::json::value::null());
-    EXPECT_THROW(OrloWebService::ExecuteRequest(*client, request, error, size_t{4} << 20), std::length_error);
+    EXPECT_THROW(OrloWebService::ExecuteRequest(*client, request, error, std::size_t{4} << 20), std::length_error);
     endless.stop();
     EXPECT_TRUE(brokenOff);
 }

@@ -27,9 +27,7 @@ protected:
 
     void trustFile(const std::wstring& file)
     {
-        OrloConfig config = host.config();
-        config.caFile = file;
-        OrloConfigManager::Configure(config);
+        host.change([&](OrloConfig& config) { config.caFile = file; });
     }
 
     void expectRefused(const TlsServer& server, const std::string& why)

@@ -1,5 +1,8 @@
 #include "PlainPlatform.h"
 
+#include "support/Waiting.h"
+
+#include <gtest/gtest.h>
 #include <httplib.h>
 
 #include <mutex>
@@ -22,8 +25,7 @@ public:
         });
         m_port = m_server.bind_to_any_port("127.0.0.1");
         m_thread = std::thread([this] { m_server.listen_after_bind(); });
-        while (!m_server.is_running())
-            std::this_thread::yield();
+        EXPECT_TRUE(waitUntil([this] { return m_server.is_running(); }));
     }
 
     ~Listener()

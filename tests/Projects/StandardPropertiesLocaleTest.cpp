@@ -1,3 +1,4 @@
+#include "support/ChildProcess.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/Project.h>
@@ -42,8 +43,8 @@ protected:
                 return true;
         }
         const std::string folder = host.folder().path().string();
-        const std::string command = "localedef -i de_DE -f UTF-8 '" + folder + "/de_DE.UTF-8' >/dev/null 2>&1";
-        return std::system(command.c_str()) == 0 && ::setenv("LOCPATH", folder.c_str(), 1) == 0 && std::setlocale(LC_ALL, "de_DE.UTF-8");
+        const RunResult made = runInShell("localedef -i de_DE -f UTF-8 " + quoted(folder + "/de_DE.UTF-8"), ChildProcess::Errors::joined);
+        return made.exitCode == 0 && ::setenv("LOCPATH", folder.c_str(), 1) == 0 && std::setlocale(LC_ALL, "de_DE.UTF-8");
     }
 
     void expectPointsOnTheWayIn()

@@ -25,8 +25,7 @@ TEST_F(DrawingBindingTest, bindsWithTheMembersInOrder)
 {
     expectBinding().reply(200, "");
     EXPECT_TRUE(bind());
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(DrawingBindingTest, bindingNeedsNothingButTheStatus)
@@ -160,7 +159,7 @@ TEST_F(FileDeletionTest, aTransportFailureComesWithItsCodeAndNoLogLine)
 {
     server.expect("DELETE", "/projects/p-1/files/f-1").reset();
     EXPECT_FALSE(OrloWebService::DeleteFileByFileId(error, L"p-1", L"f-1"));
-    expectHttpError(error, exceptionValue, L"generic exception", resetBy(server.url()), 104);
+    expectHttpError(error, exceptionValue, L"generic exception", resetBy(server.url()), resetCode);
     EXPECT_EQ(log.lines(), Lines{});
 }
 

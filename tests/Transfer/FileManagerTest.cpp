@@ -1,3 +1,4 @@
+#include "support/Threads.h"
 #include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Text.h>
@@ -196,14 +197,10 @@ TEST_F(FileManagerTest, manyThreadsMayAskForTheSameFile)
     platform.always("POST", "/datasets/ds-1/blockFiles/readSAS").reply(200, batchReply({{"blocks/a", atStore("/a")}}));
     const std::string content = patterned(300000);
     store.always("GET", "/a").reply(fileReply(content));
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([&] {
-            ErrorCode own;
-            EXPECT_EQ(IFileManager::DownloadFile("ds-1", L"blocks/a?f=1", own), wideCached("ds-1", "blocks/a"));
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(8, [&] {
+        ErrorCode own;
+        EXPECT_EQ(IFileManager::DownloadFile("ds-1", L"blocks/a?f=1", own), wideCached("ds-1", "blocks/a"));
+    });
     EXPECT_TRUE(readFile(cached("ds-1", "blocks/a")) == content);
     EXPECT_EQ(temporaryFiles(), std::vector<std::string>{});
 }

@@ -1,3 +1,4 @@
+#include "support/ProcessProbe.h"
 #include "support/RawServer.h"
 #include "support/Sanitized.h"
 #include "support/TransferTestSupport.h"
@@ -21,24 +22,6 @@ std::wstring widenedHead(const std::string& content)
     return wide;
 }
 
-/// Forgets the largest amount of memory so far.   Returns: whether the system can.
-bool forgetPeak()
-{
-    std::ofstream file("/proc/self/clear_refs");
-    file << "5" << std::flush;
-    return file.good();
-}
-
-std::size_t memoryOf(const std::string& key)
-{
-    std::ifstream file("/proc/self/status");
-    for (std::string line; std::getline(file, line);) {
-        if (line.compare(0, key.size(), key) == 0)
-            return std::stoul(line.substr(key.size() + 1)) * 1024;
-    }
-    return 0;
-}
-
 class LargeDownloadTest : public TransferTest
 {
 protected:
@@ -59,9 +42,7 @@ protected:
 
     void allowUnpacked(unsigned long long bytes)
     {
-        OrloConfig config = host.config();
-        config.largestUnpackedFile = bytes;
-        OrloConfigManager::Configure(config);
+        host.change([&](OrloConfig& config) { config.largestUnpackedFile = bytes; });
     }
 
     const std::wstring target = wideLocalPath("plan.dwg");
@@ -215,7 +196,7 @@ TEST_F(LargeDownloadTest, thatIsRefusedKeepsTheFirstMebibyteOfTheWords)
 
 TEST_F(LargeDownloadTest, takesNoMoreMemoryThanASmallOne)
 {
-    if (isSanitized || !forgetPeak())
+    if (isSanitized || !PeakMemory().isExact())
         GTEST_SKIP() << "the sanitizers keep what is freed, or the system doesn't forget the peak";
     constexpr std::size_t mebibytes = 192;
     const std::string piece = patterned(mebibyte);
@@ -228,10 +209,10 @@ TEST_F(LargeDownloadTest, takesNoMoreMemoryThanASmallOne)
         }
     });
     giveAddress(server.url() + "/b");
-    const std::size_t before = memoryOf("VmRSS:");
+    const PeakMemory memory;
     expectOutcome(download(), true, 200, target);
     EXPECT_EQ(std::filesystem::file_size(localPath("plan.dwg")), mebibytes << 20);
-    EXPECT_LT(memoryOf("VmHWM:") - before, 32 * mebibyte);
+    EXPECT_LT(memory.mebibytes(), 32u);
 }
 
 class LargeUploadTest : public TransferTest
@@ -355,7 +336,7 @@ TEST_F(LargeUploadTest, ofSixteenMebibytesIsReadBefore)
 
 TEST_F(LargeUploadTest, takesNoMoreMemoryThanASmallOne)
 {
-    if (isSanitized || !forgetPeak())
+    if (isSanitized || !PeakMemory().isExact())
         GTEST_SKIP() << "the sanitizers keep what is freed, or the system doesn't forget the peak";
     constexpr std::size_t mebibytes = 192;
     std::filesystem::create_directories(localPath(""));
@@ -375,11 +356,10 @@ TEST_F(LargeUploadTest, takesNoMoreMemoryThanASmallOne)
         connection.write("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
     });
     platform.expect("PUT", "/file/new?fileName=n&filepath=p").reply(200, authority("r", sink.url() + "/c"));
-    forgetPeak();
-    const std::size_t before = memoryOf("VmRSS:");
+    const PeakMemory memory;
     expectOutcome(upload(wideLocalPath("u")), true, 200, L"r");
     EXPECT_GE(taken, mebibytes << 20);
-    EXPECT_LT(memoryOf("VmHWM:") - before, 32 * mebibyte);
+    EXPECT_LT(memory.mebibytes(), 32u);
 }
 
 } // namespace

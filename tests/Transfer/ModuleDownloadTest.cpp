@@ -40,9 +40,7 @@ TEST_F(ModuleDownloadTest, takesTheAddressOfTheFirstElement)
 TEST_F(ModuleDownloadTest, goesToTheModuleService)
 {
     ScriptedServer modules;
-    OrloConfig config = host.config();
-    config.serviceUrls[L"module"] = modules.wideUrl();
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.serviceUrls[L"module"] = modules.wideUrl(); });
     modules.expect("POST", "/team/t-1/types/beam/files/sign_download_url").body("{}").reply(200, reply(atStore("/m")));
     store.expect("GET", "/m").reply(fileReply("module"));
     EXPECT_TRUE(download(L"{}").success);

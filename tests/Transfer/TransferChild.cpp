@@ -7,21 +7,20 @@
 //   leave-busy leaves main while a transfer of each kind waits for its answer, which the platform never gives
 //   unready    leaves main while the futures are gone already
 
+#include "support/OwnProcess.h"
+#include "support/SilentLog.h"
 #include "support/Waiting.h"
 
 #include <BaseCommon/ErrorCode.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 #include <OrloCommon/OrloConfigManager.h>
-#include <OrloLogging/ILogManager.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
 
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <iostream>
-#include <sys/resource.h>
 
 /// What this program leaves behind when it ends in the middle of its work is no leak; for a build with the address sanitizer.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options()
@@ -34,13 +33,10 @@ namespace {
 using namespace orlo;
 
 /// Counts the requests.
-class Counter : public ILogManager
+class Counter : public test::SilentLog
 {
 public:
     void LogInfo(const std::wstring& message) override { m_requests += message.find(L"LogRequest") != std::wstring::npos ? 1 : 0; }
-    void LogWarning(const std::wstring&) override {}
-    void LogError(const std::wstring&) override {}
-    void LogErrorAt(const std::string&, int, const std::string&, const std::wstring&, const std::wstring&) override {}
 
     bool waitForRequests(int count) const
     {
@@ -79,13 +75,6 @@ std::vector<std::future<PromiseData>> startAll(const std::wstring& ownFile)
     return futures;
 }
 
-void leaveNoRoom()
-{
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{64 * 1024, 64 * 1024};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-}
-
 int leaveBusy(const std::wstring& ownFile, const Counter& counter)
 {
     static auto& futures = *new std::vector<std::future<PromiseData>>(startAll(ownFile));
@@ -109,7 +98,7 @@ int main(int argc, char** argv)
     const std::wstring ownFile = utils::toWstring(std::string(argv[0]));
 
     if (what == "full" || what == "full-download")
-        leaveNoRoom();
+        test::limitFileSize(64 * 1024);
     if (what == "batch" || what == "full")
         return print(startBatch());
     if (what == "download" || what == "full-download")

@@ -1,4 +1,4 @@
-#include "ChildProcess.h"
+#include "support/ChildProcess.h"
 #include "support/TransferTestSupport.h"
 
 #include <BaseCommon/Files.h>
@@ -6,8 +6,6 @@
 
 namespace orlo::test {
 namespace {
-
-constexpr const char* program = TRANSFER_CHILD_PROGRAM;
 
 /// A store that sends the beginning of a large file, and no more.
 class HalfFile
@@ -36,12 +34,25 @@ private:
 class TransferLifetimeTest : public testing::Test
 {
 protected:
+    std::vector<std::string> command(const std::string& what) const { return commandOf(platform.url(), what); }
+    std::vector<std::string> commandOf(const std::string& url, const std::string& what) const
+    {
+        return {TRANSFER_CHILD_PROGRAM, what, url, root.path().string()};
+    }
+
     int exitOf(const std::string& what)
     {
-        ChildProcess child(program, {what, platform.url(), root.path().string()});
-        const int code = child.wait();
-        output = child.output();
-        return code;
+        const RunResult result = runProgram(command(what), ChildProcess::Errors::joined);
+        output = result.output;
+        return result.exitCode;
+    }
+    void expectCleanExits(int count, const std::string& url, const std::string& what) const
+    {
+        for (int i = 0; i < count; ++i) {
+            const RunResult result = runProgram(commandOf(url, what), ChildProcess::Errors::joined);
+            ASSERT_EQ(result.exitCode, 0) << result.output;
+            ASSERT_EQ(result.output, "");
+        }
     }
 
     void batchGives(const std::string& address)
@@ -94,7 +105,7 @@ TEST_F(TransferLifetimeTest, aStreamThatIsKilledLeavesNoFileUnderTheTargetsName)
 {
     const HalfFile half;
     batchGives(half.url() + "/a");
-    ChildProcess child(program, {"batch", platform.url(), root.path().string()});
+    ChildProcess child(command("batch"));
     const auto temporaryBytes = [this] {
         std::uintmax_t bytes = 0;
         for (const std::string& file : filesBelow(root.path("Temp")))
@@ -103,7 +114,7 @@ TEST_F(TransferLifetimeTest, aStreamThatIsKilledLeavesNoFileUnderTheTargetsName)
     };
     ASSERT_TRUE(waitUntil([&] { return temporaryBytes() >= 1 << 20; }));
     child.kill();
-    EXPECT_EQ(child.wait(), -9);
+    EXPECT_EQ(child.wait(), ChildProcess::killed);
     EXPECT_EQ(filesBelow(root.path("Files")), std::vector<std::string>{});
 }
 
@@ -112,19 +123,17 @@ TEST_F(TransferLifetimeTest, whatAKilledStreamLeavesIsRemovedByTheFirstTransferO
     const HalfFile half;
     for (const std::string& address : {half.url(), half.url(), store.url(), store.url()})
         platform.expect("POST", "/datasets/ds-1/blockFiles/readSAS").anyBody().reply(200, batchReply({{"blocks/a", address + "/a"}}));
-    ChildProcess living(program, {"batch", platform.url(), root.path().string()});
+    ChildProcess living(command("batch"));
     const auto leftBehind = [this] { return filesBelow(root.path("Temp")).size(); };
     ASSERT_TRUE(waitUntil([&] { return leftBehind() == 1; }));
-    ChildProcess killed(program, {"batch", platform.url(), root.path().string()});
+    ChildProcess killed(command("batch"));
     ASSERT_TRUE(waitUntil([&] { return leftBehind() == 2; }));
     killed.kill();
-    killed.wait();
     store.always("GET", "/a").reply(fileReply("content"));
     // As long as a process lives that began before, it may be its.
     EXPECT_EQ(exitOf("batch"), 0);
     EXPECT_EQ(leftBehind(), 2U);
     living.kill();
-    living.wait();
     EXPECT_EQ(exitOf("batch"), 0);
     EXPECT_EQ(leftBehind(), 0U);
     EXPECT_EQ(filesBelow(root.path()), std::vector<std::string>{"Files/ds-1/blocks/a"});
@@ -134,10 +143,10 @@ TEST_F(TransferLifetimeTest, aDownloadThatIsKilledLeavesNoFileUnderTheTargetsNam
 {
     const HalfFile half;
     platform.always("POST", "/file/read").reply(200, R"({"fileUrlWithSAS":")" + half.url() + R"(/a"})");
-    ChildProcess child(program, {"download", platform.url(), root.path().string()});
+    ChildProcess child(command("download"));
     ASSERT_TRUE(half.waitForReader());
     child.kill();
-    EXPECT_EQ(child.wait(), -9);
+    EXPECT_EQ(child.wait(), ChildProcess::killed);
     // Nobody knows of the half of it that lies beside its place.
     for (const std::string& file : filesBelow(root.path()))
         EXPECT_TRUE(utils::isHalfMadeName(utils::toWstring(file))) << file;
@@ -165,11 +174,7 @@ class LeavingTest : public TransferLifetimeTest, public testing::WithParamInterf
 TEST_P(LeavingTest, isCleanEveryTime)
 {
     const Refuser refuser;
-    for (int i = 0; i < 40; ++i) {
-        ChildProcess child(program, {GetParam(), refuser.url(), root.path().string()});
-        ASSERT_EQ(child.wait(), 0) << child.output();
-        ASSERT_EQ(child.output(), "");
-    }
+    expectCleanExits(40, refuser.url(), GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(RightAfterTheStart, LeavingTest, testing::Values("leave"));
@@ -182,11 +187,7 @@ TEST_F(TransferLifetimeTest, leavingMainWhileTransfersWaitForTheirAnswersIsClean
         while (connection.read(request)) {
         }
     });
-    for (int i = 0; i < 20; ++i) {
-        ChildProcess child(program, {"leave-busy", silent.url(), root.path().string()});
-        ASSERT_EQ(child.wait(), 0) << child.output();
-        ASSERT_EQ(child.output(), "");
-    }
+    expectCleanExits(20, silent.url(), "leave-busy");
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "support/ProcessProbe.h"
 #include "support/TransferTestSupport.h"
 
 #include <algorithm>
@@ -5,33 +6,6 @@
 
 namespace orlo::test {
 namespace {
-
-std::size_t entriesOf(const char* folder)
-{
-    std::size_t count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        static_cast<void>(entry);
-        ++count;
-    }
-    return count;
-}
-std::size_t threads()
-{
-    return entriesOf("/proc/self/task");
-}
-std::size_t descriptors()
-{
-    return entriesOf("/proc/self/fd");
-}
-std::size_t sockets()
-{
-    std::size_t count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;
-        count += std::filesystem::read_symlink(entry.path(), gone).string().find("socket:") == 0 ? 1 : 0;
-    }
-    return count;
-}
 
 class TransferLoadTest : public TransferTest
 {
@@ -73,17 +47,17 @@ TEST_F(TransferLoadTest, twoHundredTransfersAtOnceFinishAndLeaveNothingBehind)
 {
     // The servers of this test keep a thread and a socket for each connection until the client lets go of it, and two to listen. What else
     // there is belongs to the handles that earlier synchronous calls of the process left for later ones.
-    const auto isQuiet = [before = sockets()] { return sockets() <= before; };
+    const auto isQuiet = [before = socketCount()] { return socketCount() <= before; };
     expectAllSucceed(startTogether(2));
     ASSERT_TRUE(waitUntil(isQuiet));
-    const std::size_t quietDescriptors = descriptors();
-    const std::size_t quietThreads = threads();
+    const std::size_t quietDescriptors = descriptorCount();
+    const std::size_t quietThreads = threadCount();
 
     std::atomic<bool> running{true};
     std::size_t mostThreads = 0;
     std::thread watcher([&] {
         while (running) {
-            mostThreads = std::max(mostThreads, threads());
+            mostThreads = std::max(mostThreads, threadCount());
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     });
@@ -95,9 +69,9 @@ TEST_F(TransferLoadTest, twoHundredTransfersAtOnceFinishAndLeaveNothingBehind)
     // The pool and the like, a worker for each transfer, and a thread for each connection of the servers.
     EXPECT_LE(mostThreads, quietThreads + 200 + connections + 10);
 
-    EXPECT_TRUE(waitUntil(isQuiet)) << sockets();
-    EXPECT_TRUE(waitUntil([&] { return descriptors() <= quietDescriptors; })) << descriptors() << " after " << quietDescriptors;
-    EXPECT_TRUE(waitUntil([&] { return threads() <= quietThreads; })) << threads() << " after " << quietThreads;
+    EXPECT_TRUE(waitUntil(isQuiet)) << socketCount();
+    EXPECT_TRUE(waitUntil([&] { return descriptorCount() <= quietDescriptors; })) << descriptorCount() << " after " << quietDescriptors;
+    EXPECT_TRUE(waitUntil([&] { return threadCount() <= quietThreads; })) << threadCount() << " after " << quietThreads;
     EXPECT_EQ(temporaryFiles(), std::vector<std::string>{});
     for (int i = 0; i < 100; ++i)
         EXPECT_TRUE(readFile(localPath("d" + std::to_string(i))) == content);

@@ -139,7 +139,7 @@ TEST_F(TransferRetryTest, aTransportFailureIsTheOutcomeWhenTheRetriesAreUsedUp)
     expectReadAuthority().reply(200, good());
     store.expect("GET", "/b").times(4).reset();
     expectOutcome(download(), false, 5555, resetBy(store.url()));
-    expectHttpError(error, exceptionValue, L"generic exception", resetBy(store.url()), 104);
+    expectHttpError(error, exceptionValue, L"generic exception", resetBy(store.url()), resetCode);
 }
 
 TEST_F(TransferRetryTest, everyStreamOfABatchHasRetriesOfItsOwn)

@@ -12,9 +12,7 @@ class TransferStallTest : public TransferTest
 protected:
     void SetUp() override
     {
-        OrloConfig config = host.config();
-        config.httpTimeoutSeconds = 1;
-        OrloConfigManager::Configure(config);
+        host.change([&](OrloConfig& config) { config.httpTimeoutSeconds = 1; });
         if (timeoutOfFirstUse() != 1)
             GTEST_SKIP() << "an earlier test of this process has fixed another time-out";
     }
@@ -29,7 +27,7 @@ protected:
     void expectTimeOut(const PromiseData& outcome, const std::wstring& words)
     {
         expectOutcome(outcome, false, 5555, words);
-        expectHttpError(error, exceptionValue, L"generic exception", words, 110);
+        expectHttpError(error, exceptionValue, L"generic exception", words, timeoutCode);
         EXPECT_TRUE(waitUntil([&] { return temporaryFiles().empty(); }));
     }
 
@@ -79,9 +77,7 @@ TEST_F(TransferStallTest, aStoreThatStopsInTheBodyEndsEveryTransfer)
 
 TEST_F(TransferStallTest, aLaterTimeOutOfTheConfigurationHasNoEffect)
 {
-    OrloConfig config = host.config();
-    config.httpTimeoutSeconds = 1000;
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.httpTimeoutSeconds = 1000; });
     const RawServer silent(RawAnswer::stall());
     authoritiesGive(silent.url() + "/c");
     expectTimeOut(download(), silenceOf(silent.url()));

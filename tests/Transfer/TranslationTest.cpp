@@ -29,8 +29,7 @@ TEST_F(TranslationTest, sendsTheVersionAndTheWantedForm)
         .body(R"({"dataSetId":"d-1","versionId":3,"toType":"glTF 三维"})")
         .reply(200, R"({"code":10000})");
     EXPECT_TRUE(trigger("d-1", 3));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(TranslationTest, goesToAServiceOfItsOwn)
@@ -49,8 +48,7 @@ TEST_F(TranslationTest, theStatusIsAllThatCounts)
         server.expect("POST", "/v1/upload").anyBody().reply(200, body);
         EXPECT_TRUE(trigger("d-1", 3)) << body;
     }
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(TranslationTest, anEmptyIdAndANegativeVersionTogetherAreRefused)

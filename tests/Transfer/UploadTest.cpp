@@ -64,9 +64,7 @@ TEST_F(UploadTest, logsItsStepsInOrder)
 
 TEST_F(UploadTest, namesTheFileAndItsFolderWhereTheCallerDoesNot)
 {
-    OrloConfig config = host.config();
-    config.defaultRemoteFolder = L"store/共享";
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.defaultRemoteFolder = L"store/共享"; });
     const std::wstring chinese = localFile("平面图 1.dwg", "x");
     platform.expect("PUT", "/file/new?fileName=%E5%B9%B3%E9%9D%A2%E5%9B%BE%201.dwg&filepath=store/%E5%85%B1%E4%BA%AB/account-1")
         .reply(200, authority("r/1", atStore("/b")));

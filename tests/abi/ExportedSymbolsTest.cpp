@@ -1,8 +1,9 @@
+#include "support/ChildProcess.h"
+#include "support/Sanitized.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,20 +13,12 @@ namespace {
 /// The demangled names that the library defines and exports, as nm tells them.
 std::vector<std::string> exportedNames()
 {
-    const std::string command = std::string(ORLO_NM) + " -D -C --defined-only \"" + ORLO_LIBRARY_FILE + "\"";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     std::vector<std::string> names;
-    std::string line;
-    for (int c = pipe ? std::fgetc(pipe.get()) : EOF; c != EOF; c = std::fgetc(pipe.get())) {
-        if (c != '\n') {
-            line += static_cast<char>(c);
-            continue;
-        }
+    for (const std::string& line : ChildProcess({ORLO_NM, "-D", "-C", "--defined-only", ORLO_LIBRARY_FILE}).lines()) {
         // "0000000000012345 T name(arguments)"
         const std::size_t kind = line.find(' ');
         if (kind != std::string::npos && line.size() > kind + 3)
             names.push_back(line.substr(kind + 3));
-        line.clear();
     }
     return names;
 }
@@ -71,9 +64,8 @@ TEST_F(ExportedSymbolsTest, bothFormsOfLoadAreThere)
 
 TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
 {
-#if defined(ORLO_SANITIZED)
-    GTEST_SKIP() << "a sanitized build may show everything, so that the sanitizers see each object of the process once";
-#endif
+    if (isSanitized)
+        GTEST_SKIP() << "a sanitized build may show everything, so that the sanitizers see each object of the process once";
     ASSERT_FALSE(names.empty());
     for (const char* inside : {"orlo::OrloWebService::",
                                "orlo::OrloPayloadProcessor::",

@@ -1,4 +1,4 @@
-#include "Transfer/ChildProcess.h"
+#include "support/ChildProcess.h"
 #include "support/HttpExchange.h"
 #include "support/Sockets.h"
 #include "support/TempFolder.h"
@@ -84,9 +84,10 @@ TEST_P(BusyExit, isCleanEveryTime)
     for (int i = 0; i < wantedExits(); ++i) {
         const TempFolder root;
         const int microseconds = i % 2 == 0 ? soon(random) : later(random);
-        ChildProcess host(BUSY_HOST, {root.path().string(), lists.url(), std::to_string(microseconds), GetParam()});
-        ASSERT_EQ(host.wait(), 0) << host.output();
-        ASSERT_EQ(host.output(), "");
+        const RunResult host = runProgram({BUSY_HOST, root.path().string(), lists.url(), std::to_string(microseconds), GetParam()},
+                                          ChildProcess::Errors::joined);
+        ASSERT_EQ(host.exitCode, 0) << host.output;
+        ASSERT_EQ(host.output, "");
     }
 }
 

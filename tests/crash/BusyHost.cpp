@@ -5,12 +5,14 @@
 // Threads read lists, look things up, bring files and hand files over to jobs, as fast as they can, and main leaves after so many
 // microseconds, or another thread calls exit.
 
+#include "support/OwnProcess.h"
+#include "support/SilentLog.h"
+
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 #include <OrloAuth/UserSession.h>
 #include <OrloCommon/OrloConfigManager.h>
 #include <OrloJobManager/IJobManager.h>
-#include <OrloLogging/ILogManager.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/OrloProjectManager.h>
 
@@ -23,7 +25,6 @@
 #include <memory>
 #include <string>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 /// What a program leaves behind when it ends in the middle of its work is no leak.
@@ -40,15 +41,6 @@ extern "C" __attribute__((visibility("default"))) const char* __tsan_default_opt
 namespace {
 
 using namespace orlo;
-
-class NoLog : public ILogManager
-{
-public:
-    void LogInfo(const std::wstring&) override {}
-    void LogWarning(const std::wstring&) override {}
-    void LogError(const std::wstring&) override {}
-    void LogErrorAt(const std::string&, int, const std::string&, const std::wstring&, const std::wstring&) override {}
-};
 
 void forEver(const std::function<void()>& work)
 {
@@ -99,7 +91,7 @@ int main(int argc, char** argv)
 {
     if (argc != 5)
         return 2;
-    ILogManager::Install(std::make_shared<NoLog>());
+    ILogManager::Install(std::make_shared<test::SilentLog>());
     utils::setLocalRoot(utils::toWstring(argv[1]));
     OrloConfig config;
     for (const wchar_t* const service : {L"project", L"structure", L"authorization"})
@@ -119,6 +111,5 @@ int main(int argc, char** argv)
     if (argv[4] == std::string("return"))
         return 0;
     std::thread([] { std::exit(0); }).detach();
-    for (;;)
-        ::pause();
+    test::waitForEver();
 }

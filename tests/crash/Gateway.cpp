@@ -1,6 +1,5 @@
 #include "Gateway.h"
 
-#include <strings.h>
 #include <utility>
 
 namespace orlo::test {
@@ -14,11 +13,8 @@ int portOf(const std::string& url)
 
 bool isSentAnew(const std::string& header)
 {
-    for (const char* name : {"Host", "Connection", "Content-Length", "Transfer-Encoding", "Expect"}) {
-        if (::strcasecmp(header.c_str(), name) == 0)
-            return true;
-    }
-    return false;
+    static const Headers all{{"Host", {}}, {"Connection", {}}, {"Content-Length", {}}, {"Transfer-Encoding", {}}, {"Expect", {}}};
+    return Request{{}, {}, all, {}}.hasHeader(header);
 }
 
 void replaceAll(std::string& text, const std::string& from, const std::string& to)
@@ -39,7 +35,7 @@ Gateway::~Gateway()
 
 void Gateway::watch(Watch watch)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_watch = std::move(watch);
     m_lastNumber = 0;
 }
@@ -48,7 +44,7 @@ bool Gateway::goesOn(int number, Moment moment) const
 {
     Watch watch;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         watch = m_watch;
     }
     return !watch || watch(number, moment);
@@ -56,13 +52,13 @@ bool Gateway::goesOn(int number, Moment moment) const
 
 int Gateway::requests() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return m_lastNumber;
 }
 
 int Gateway::nextNumber()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return ++m_lastNumber;
 }
 

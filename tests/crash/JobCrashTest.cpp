@@ -1,5 +1,5 @@
 #include "Kills.h"
-#include "OrloJobManager/ChildProcess.h"
+#include "support/ChildProcess.h"
 #include "support/Sql.h"
 #include "support/TempFolder.h"
 
@@ -99,7 +99,7 @@ TEST_P(JobCrashAt, losesNothingAndLeavesNothing)
     ASSERT_EQ(host.ask(std::string("die-at ") + GetParam().point), "yes");
     ASSERT_EQ(host.ask("save roof"), "yes");
     host.tell("add");
-    EXPECT_EQ(host.wait(), killedExit);
+    EXPECT_EQ(host.wait(), ChildProcess::killed);
     root.finish();
     EXPECT_EQ(root.ran(), std::vector<std::string>(GetParam().runs, "roof"));
 }
@@ -160,23 +160,8 @@ INSTANTIATE_TEST_SUITE_P(JobCrash, JobCrashInFiles, testing::Bool(),
 TEST(JobCrash, atRandomInstantsNothingIsLost)
 {
     const int kills = wantedKills();
-    RandomInstants instants;
-    SCOPED_TRACE(instants.seed());
     const Root root;
-    std::vector<std::string> accepted;
-    for (int i = 0; i < kills; ++i) {
-        ChildProcess host(root.host());
-        ASSERT_EQ(host.ask("start"), "yes");
-        const std::string pour = "pour " + std::to_string(i) + "-";
-        if (i == 0)
-            accepted.push_back(host.ask(pour)); // on a slow machine the others may die before they hand anything over
-        else
-            host.tell(pour);
-        instants.wait();
-        host.kill();
-        for (const std::string& name : host.restOfOutput())
-            accepted.push_back(name);
-    }
+    const std::vector<std::string> accepted = pouredByKilled(kills, root.host());
     root.finish();
     const std::vector<std::string> names = root.ran();
     const std::set<std::string> ran(names.begin(), names.end());

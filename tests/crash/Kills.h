@@ -1,16 +1,18 @@
 #pragma once
 
+#include "support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
+#include <iostream>
 #include <random>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace orlo::test {
-
-/// The exit of a process that was killed, as ChildProcess tells it.
-inline constexpr int killedExit = 1000 + SIGKILL;
 
 /// How often hosts are killed at random instants: as often as ORLO_KILLS says, or 8 times.
 inline int wantedKills()
@@ -19,17 +21,30 @@ inline int wantedKills()
     return wanted ? std::atoi(wanted) : 8;
 }
 
-/// Waits up to 150 milliseconds, as chance wants it.
-class RandomInstants
+/// Hosts pour out what they hand over until they are killed, one after the other, each within 150 milliseconds, as chance wants it.
+/// Returns: what was accepted.
+inline std::vector<std::string> pouredByKilled(int kills, const std::vector<std::string>& command)
 {
-public:
-    std::string seed() const { return "seed " + std::to_string(m_seed); }
-    void wait() { std::this_thread::sleep_for(std::chrono::microseconds(m_microseconds(m_random))); }
-
-private:
-    const unsigned m_seed = std::random_device{}();
-    std::mt19937 m_random{m_seed};
-    std::uniform_int_distribution<int> m_microseconds{0, 150000};
-};
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random{seed};
+    std::uniform_int_distribution<int> microseconds{0, 150000};
+    std::vector<std::string> accepted;
+    for (int i = 0; i < kills; ++i) {
+        ChildProcess host(command);
+        EXPECT_EQ(host.ask("start"), "yes");
+        const std::string pour = "pour " + std::to_string(i) + "-";
+        if (i == 0)
+            accepted.push_back(host.ask(pour)); // on a slow machine the others may die before they hand anything over
+        else
+            host.tell(pour);
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        host.kill();
+        for (const std::string& name : host.lines())
+            accepted.push_back(name);
+    }
+    std::cout << "seed " << seed << ", ";
+    return accepted;
+}
 
 } // namespace orlo::test

@@ -2,7 +2,6 @@
 #include "UploadJobHosts.h"
 
 #include <algorithm>
-#include <csignal>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -45,7 +44,7 @@ TEST_P(UploadJobCrashAt, losesNothingAndLeavesNothing)
     ASSERT_EQ(host.ask("start"), "yes");
     ASSERT_EQ(host.ask(std::string("die-at ") + GetParam().name), "yes");
     host.tell("upload-dying " + localFile("图.dwg", "bytes"));
-    EXPECT_EQ(host.wait(), killedExit);
+    EXPECT_EQ(host.wait(), ChildProcess::killed);
     finish();
     EXPECT_THAT(place.datasets("图.dwg"), SizeIs(GetParam().datasets));
     EXPECT_EQ(place.holds("图.dwg", "bytes"), GetParam().datasets > 0);
@@ -65,7 +64,7 @@ TEST_F(UploadJobCrash, aStrayCopyStaysWhileAProcessLivesThatMayHaveMadeIt)
     ChildProcess killed(process());
     ASSERT_EQ(killed.ask("die-at copied"), "yes");
     killed.tell("upload-dying " + localFile("stray.dwg", "bytes"));
-    EXPECT_EQ(killed.wait(), killedExit);
+    EXPECT_EQ(killed.wait(), ChildProcess::killed);
     EXPECT_EQ(copies(), 2u);
     finish();
     EXPECT_TRUE(place.holds("first.dwg", "bytes"));
@@ -82,7 +81,7 @@ TEST_F(UploadJobCrash, afterTheAdditionLosesNothing)
     ASSERT_EQ(host.ask("start"), "yes");
     ASSERT_EQ(host.ask("die-at added"), "yes");
     host.tell("upload-dying " + localFile("图.dwg", "bytes"));
-    EXPECT_EQ(host.wait(), killedExit);
+    EXPECT_EQ(host.wait(), ChildProcess::killed);
     finish();
     EXPECT_TRUE(place.holds("图.dwg", "bytes"));
     EXPECT_LE(copies(), 1u);
@@ -130,10 +129,10 @@ protected:
     {
         ChildProcess host(process());
         EXPECT_EQ(host.ask("start"), "yes");
-        gateway.watch([=, id = host.id()](int number, Gateway::Moment moment) {
+        gateway.watch([=, &host](int number, Gateway::Moment moment) {
             const bool isLast = number == request && moment == GetParam();
             if (isLast)
-                ::kill(id, SIGKILL);
+                host.killSoon();
             return !isLast;
         });
         Life life;
@@ -234,22 +233,7 @@ TEST_F(UploadJobCrash, atEveryStepOfTheDatabaseNothingIsLost)
 TEST_F(UploadJobCrash, atRandomInstantsNothingIsLost)
 {
     const int kills = wantedKills();
-    RandomInstants instants;
-    SCOPED_TRACE(instants.seed());
-    std::vector<std::string> accepted;
-    for (int i = 0; i < kills; ++i) {
-        ChildProcess host(process());
-        ASSERT_EQ(host.ask("start"), "yes");
-        const std::string pour = "pour " + std::to_string(i) + "-";
-        if (i == 0)
-            accepted.push_back(host.ask(pour)); // on a slow machine the others may die before they hand anything over
-        else
-            host.tell(pour);
-        instants.wait();
-        host.kill();
-        for (const std::string& name : host.restOfOutput())
-            accepted.push_back(name);
-    }
+    const std::vector<std::string> accepted = pouredByKilled(kills, process());
     finish();
     const std::multimap<std::string, std::string> contents = place.contents();
     for (const std::string& name : accepted) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Gateway.h"
-#include "OrloJobManager/ChildProcess.h"
+#include "support/ChildProcess.h"
 #include "support/LogCapture.h"
 #include "support/PlatformHost.h"
 #include "support/Sql.h"

@@ -4,7 +4,9 @@
 //
 // ROOT is its local root, URL the platform's address. Files go to the folder "f-1" of the project "p-1".
 
-#include "OrloJobManager/HostCommands.h"
+#include "support/HostCommands.h"
+#include "support/OwnProcess.h"
+#include "support/Waiting.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
@@ -23,7 +25,6 @@
 #include <iostream>
 #include <string>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -95,8 +96,7 @@ std::string uploadDying(const std::string& path)
 
 void waitForRoom()
 {
-    while (IJobManager::Get()->GetJobs().size() > 20)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    test::waitUntil([] { return IJobManager::Get()->GetJobs().size() <= 20; });
 }
 
 /// Hands over files without an end, and says the name of each that was accepted. Each file holds its own name ten thousand times.
@@ -155,18 +155,16 @@ std::string stopAndSignOut(const std::string&)
 {
     bool result = false;
     std::thread stopping([&] { result = IJobManager::Stop(); });
-    while (IJobManager::Get())
-        std::this_thread::yield();
+    const bool hasBegun = test::waitUntil([] { return !IJobManager::Get(); }, std::chrono::seconds(20), std::chrono::milliseconds(0));
     UserSession::SignOut();
     stopping.join();
-    return yesOrNo(result);
+    return yesOrNo(result && hasBegun);
 }
 
 std::string exitElsewhere(const std::string&)
 {
     std::thread([] { std::exit(0); }).detach();
-    for (;;)
-        ::pause();
+    test::waitForEver();
 }
 
 /// Asks the platform for something.
@@ -177,7 +175,7 @@ std::string askForProjects(const std::string&)
     return yesOrNo(error.isClear());
 }
 
-const test::HostCommands commands = {
+const test::LineCommands commands = {
     {"upload", upload},
     {"upload-with", uploadWith},
     {"upload-dying", uploadDying},

@@ -1,4 +1,4 @@
-#include "RunProgram.h"
+#include "support/ChildProcess.h"
 
 #include <gmock/gmock.h>
 
@@ -8,7 +8,7 @@ namespace {
 
 using orlo::platform::Fault;
 using orlo::platform::LocalPlatform;
-using orlo::test::quoted;
+using orlo::test::ChildProcess;
 using orlo::test::runProgram;
 using orlo::test::RunResult;
 using testing::HasSubstr;
@@ -20,14 +20,14 @@ struct DemoPlatform : LocalPlatform
     DemoPlatform() : LocalPlatform({{}, 0, true}) { start(); }
 };
 
-RunResult runAgainst(const LocalPlatform& platform, const std::string& prefix = {})
+RunResult runAgainst(const LocalPlatform& platform, ChildProcess::Errors errors = ChildProcess::Errors::apart)
 {
-    return runProgram(prefix + quoted(AUTHORING_SESSION) + " --url " + platform.url());
+    return runProgram({AUTHORING_SESSION, "--url", platform.url()}, errors);
 }
 
 TEST(AuthoringSession, TellsItsStoryAgainstAPlatformOfItsOwn)
 {
-    const RunResult run = runProgram(quoted(AUTHORING_SESSION));
+    const RunResult run = runProgram({AUTHORING_SESSION});
     EXPECT_EQ(0, run.exitCode);
     EXPECT_THAT(run.output, HasSubstr("Started a platform at http://127.0.0.1:"));
     EXPECT_THAT(run.output, HasSubstr("Signed in as demo\n"));
@@ -49,7 +49,7 @@ TEST(AuthoringSession, TellsItsStoryAgainstAPlatformOfItsOwn)
 
 TEST(AuthoringSession, HandsFilesToJobsAndIsToldWhenTheyEnd)
 {
-    const RunResult run = runProgram(quoted(AUTHORING_SESSION));
+    const RunResult run = runProgram({AUTHORING_SESSION});
     EXPECT_EQ(0, run.exitCode);
     const std::string chapter = run.output.substr(run.output.find("6. Jobs\n"), run.output.find("\n7. ") - run.output.find("6. Jobs\n"));
     EXPECT_THAT(chapter, HasSubstr("6. Jobs\n   Handed over 立面图.dwg\n   Handed over structure.ifc\n   Handed over schedule.xlsx\n"));
@@ -69,7 +69,7 @@ TEST(AuthoringSession, SaysWhyAJobFailed)
     fault.body = "the store is closed";
     fault.calls = -1;
     const int id = platform.faults().add(fault);
-    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --url " + platform.url() + " 2>&1");
+    const RunResult run = runAgainst(platform, ChildProcess::Errors::joined);
     EXPECT_EQ(1, run.exitCode);
     EXPECT_GE(platform.faults().count(id), 1);
     EXPECT_THAT(run.output,
@@ -96,7 +96,8 @@ TEST(AuthoringSession, SaysThatAPersonalAccountHasNoLimits)
 
 TEST(AuthoringSession, WritesUtf8InTheCLocale)
 {
-    const RunResult run = runAgainst(DemoPlatform(), "LC_ALL=C ");
+    const DemoPlatform platform;
+    const RunResult run = runProgram({"env", "LC_ALL=C", AUTHORING_SESSION, "--url", platform.url()});
     EXPECT_EQ(0, run.exitCode);
     EXPECT_THAT(run.output, HasSubstr("Created 滨江医院一期 with the id "));
 }
@@ -109,7 +110,7 @@ TEST(AuthoringSession, FailsWithTheReasonAndTheLogWhenThePlatformRefuses)
     fault.status = 403;
     fault.calls = -1;
     platform.faults().add(fault);
-    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --url " + platform.url() + " 2>&1");
+    const RunResult run = runAgainst(platform, ChildProcess::Errors::joined);
     EXPECT_EQ(1, run.exitCode);
     EXPECT_THAT(run.output,
                 HasSubstr("The session failed: the project could not be created: the platform answered with an error status (403)"));
@@ -120,11 +121,21 @@ TEST(AuthoringSession, FailsWithTheReasonAndTheLogWhenThePlatformRefuses)
 
 TEST(AuthoringSession, ExplainsItselfWhenItIsCalledWrongly)
 {
-    for (const char* words : {"--nonsense", "--url", "--data", "--url ''", "--crash", "--crash --url http://127.0.0.1:1",
-                              "--crash --data somewhere --url http://127.0.0.1:1"}) {
-        const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " " + words + " 2>&1");
-        EXPECT_EQ(2, run.exitCode) << words;
-        EXPECT_THAT(run.output, HasSubstr("usage: AuthoringSession [--url URL] [--data DIR [--crash]]")) << words;
+    const std::vector<std::vector<std::string>> wrong = {
+        {"--nonsense"},
+        {"--url"},
+        {"--data"},
+        {"--url", ""},
+        {"--crash"},
+        {"--crash", "--url", "http://127.0.0.1:1"},
+        {"--crash", "--data", "somewhere", "--url", "http://127.0.0.1:1"},
+    };
+    for (std::vector<std::string> words : wrong) {
+        SCOPED_TRACE(testing::PrintToString(words));
+        words.insert(words.begin(), AUTHORING_SESSION);
+        const RunResult run = runProgram(words, ChildProcess::Errors::joined);
+        EXPECT_EQ(2, run.exitCode);
+        EXPECT_THAT(run.output, HasSubstr("usage: AuthoringSession [--url URL] [--data DIR [--crash]]"));
     }
 }
 

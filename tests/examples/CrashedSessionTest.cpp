@@ -1,4 +1,4 @@
-#include "RunProgram.h"
+#include "support/ChildProcess.h"
 #include "support/Sql.h"
 #include "support/TempFolder.h"
 
@@ -21,16 +21,14 @@ using testing::Not;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
-constexpr int killed = 128 + 9;
+constexpr int killed = ChildProcess::killed;
 constexpr const char* leftovers = "What an earlier session left";
 
 class CrashedSession : public testing::Test
 {
 protected:
-    RunResult session(const std::string& more = {}) const
-    {
-        return runProgram(quoted(AUTHORING_SESSION) + " --data " + quoted(m_folder.path().u8string()) + more);
-    }
+    RunResult session() const { return runProgram({AUTHORING_SESSION, "--data", m_folder.path().u8string()}); }
+    RunResult crashingSession() const { return runProgram({AUTHORING_SESSION, "--data", m_folder.path().u8string(), "--crash"}); }
 
     /// The files of the jobs that are saved.
     std::vector<std::string> rows() const
@@ -83,7 +81,7 @@ private:
 
 TEST_F(CrashedSession, LeavesARowAndACopyOfEveryFileThatWasAcceptedAndNotUploaded)
 {
-    const RunResult crash = session(" --crash");
+    const RunResult crash = crashingSession();
     EXPECT_EQ(killed, crash.exitCode);
     EXPECT_THAT(crash.output, AllOf(HasSubstr("Handed over 立面图.dwg\n   立面图.dwg has been uploaded.\n"),
                                     HasSubstr("Handed over structure.ifc\n   Handed over schedule.xlsx\n"), Not(HasSubstr("Signed out."))));
@@ -94,7 +92,7 @@ TEST_F(CrashedSession, LeavesARowAndACopyOfEveryFileThatWasAcceptedAndNotUploade
 
 TEST_F(CrashedSession, IsFinishedByTheNextOneBeforeAnythingElse)
 {
-    ASSERT_EQ(killed, session(" --crash").exitCode);
+    ASSERT_EQ(killed, crashingSession().exitCode);
     const RunResult next = session();
     EXPECT_EQ(0, next.exitCode);
     EXPECT_THAT(next.output,
@@ -111,8 +109,8 @@ TEST_F(CrashedSession, IsFinishedByTheNextOneBeforeAnythingElse)
 
 TEST_F(CrashedSession, MayBeFollowedByAnotherCrash)
 {
-    ASSERT_EQ(killed, session(" --crash").exitCode);
-    const RunResult second = session(" --crash");
+    ASSERT_EQ(killed, crashingSession().exitCode);
+    const RunResult second = crashingSession();
     EXPECT_EQ(killed, second.exitCode);
     EXPECT_THAT(second.output, HasSubstr("Nothing is left now.\n"));
     EXPECT_THAT(rows(), UnorderedElementsAre("structure.ifc", "schedule.xlsx"));

@@ -1,4 +1,4 @@
-#include "RunProgram.h"
+#include "support/ChildProcess.h"
 #include "support/Sql.h"
 #include "support/TempFolder.h"
 
@@ -17,7 +17,7 @@ namespace {
 using orlo::platform::addProject;
 using orlo::platform::LocalPlatform;
 using orlo::platform::Options;
-using orlo::test::quoted;
+using orlo::test::ChildProcess;
 using orlo::test::readFile;
 using orlo::test::runProgram;
 using orlo::test::RunResult;
@@ -81,7 +81,7 @@ TEST(Readme, FirstProgramListsTheProjects)
     DemoPlatform platform;
     addDemoProject(platform, "滨江医院一期");
     addDemoProject(platform, "Riverside School");
-    const RunResult run = runProgram(quoted(FIRST_PROGRAM) + " " + platform.url());
+    const RunResult run = runProgram({FIRST_PROGRAM, platform.url()});
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("滨江医院一期\nRiverside School\n", run.output);
 }
@@ -94,7 +94,7 @@ TEST(Readme, FirstProgramTellsThePlatformsReason)
     fault.body = R"({"code":40300,"message":"closed for today"})";
     DemoPlatform platform;
     platform.faults().add(fault);
-    const RunResult run = runProgram(quoted(FIRST_PROGRAM) + " " + platform.url() + " 2>&1");
+    const RunResult run = runProgram({FIRST_PROGRAM, platform.url()}, ChildProcess::Errors::joined);
     EXPECT_EQ(1, run.exitCode);
     EXPECT_THAT(run.output, HasSubstr("\n{\"code\":40300,\"message\":\"closed for today\"}\n"));
 }
@@ -104,7 +104,7 @@ TEST(HostGuide, SmallHostListsProjectsAndAdvises)
     const TempFolder folder;
     DemoPlatform platform;
     addDemoProject(platform, "滨江医院一期");
-    const RunResult run = runProgram(quoted(SMALL_HOST) + " " + platform.url() + " " + quoted(folder.path().string()));
+    const RunResult run = runProgram({SMALL_HOST, platform.url(), folder.path().string()});
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("滨江医院一期\nno-such-project: refused with status 404\n", run.output);
 }
@@ -114,14 +114,14 @@ TEST(HostGuide, SmallHostAdvisesToTryAgainWhereNobodyListens)
     const TempFolder folder;
     DemoPlatform platform;
     platform.stop();
-    const RunResult run = runProgram(quoted(SMALL_HOST) + " " + platform.url() + " " + quoted(folder.path().string()) + " 2>&1");
+    const RunResult run = runProgram({SMALL_HOST, platform.url(), folder.path().string()}, ChildProcess::Errors::joined);
     EXPECT_EQ(1, run.exitCode);
     EXPECT_THAT(run.output, HasSubstr("projects: try again later\n"));
 }
 
 TEST(HostGuide, OwnLoggerSeesNoSecret)
 {
-    const RunResult run = runProgram(quoted(OWN_LOGGER));
+    const RunResult run = runProgram({OWN_LOGGER});
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("info  项目 opened with ***\n", run.output);
 }
@@ -141,12 +141,9 @@ protected:
         return sqlTexts(folder.path("platform/platform.db"), "SELECT id FROM folder ORDER BY rank LIMIT 1").at(0);
     }
 
-    RunResult run(const std::string& folderId, const std::string& file) const
+    RunResult upload(const std::string& folderId, const std::string& file) const
     {
-        std::string command = quoted(UPLOAD_LATER);
-        for (const std::string& word : {platform.url(), folder.path("host").string(), std::string("p-1"), folderId, file})
-            command += " " + quoted(word);
-        return runProgram(command);
+        return runProgram({UPLOAD_LATER, platform.url(), folder.path("host").string(), "p-1", folderId, folder.path(file).u8string()});
     }
 
     const TempFolder folder;
@@ -157,7 +154,7 @@ protected:
 TEST_F(UploadLater, HandsAFileToAJobAndTellsItsEnd)
 {
     writeFile(folder.path("平面图.dwg"), "the drawing");
-    const RunResult run = this->run(rootFolder, folder.path("平面图.dwg").u8string());
+    const RunResult run = upload(rootFolder, "平面图.dwg");
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("accepted\nuploaded\n", sortedLines(run.output));
     const std::vector<orlo::platform::StoredFile> files = platform.ask(orlo::platform::storedFiles);
@@ -169,7 +166,7 @@ TEST_F(UploadLater, HandsAFileToAJobAndTellsItsEnd)
 TEST_F(UploadLater, TellsTheReasonOfAFailure)
 {
     writeFile(folder.path("plan.dwg"), "the drawing");
-    const RunResult run = this->run("no-such-folder", folder.path("plan.dwg").u8string());
+    const RunResult run = upload("no-such-folder", "plan.dwg");
     EXPECT_EQ(0, run.exitCode);
     EXPECT_THAT(run.output, HasSubstr("accepted\n"));
     EXPECT_THAT(run.output, HasSubstr("上传文件失败：{\"code\":40400,\"message\":\"no such folder: no-such-folder\""));
@@ -177,7 +174,7 @@ TEST_F(UploadLater, TellsTheReasonOfAFailure)
 
 TEST_F(UploadLater, AcceptsNoFileThatIsNotThere)
 {
-    const RunResult run = this->run(rootFolder, folder.path("gone.dwg").u8string());
+    const RunResult run = upload(rootFolder, "gone.dwg");
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("not accepted\n", run.output);
 }

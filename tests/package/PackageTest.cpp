@@ -1,4 +1,4 @@
-#include "examples/RunProgram.h"
+#include "support/ChildProcess.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
@@ -11,8 +11,10 @@ namespace {
 
 namespace fs = std::filesystem;
 using orlo::platform::LocalPlatform;
+using orlo::test::ChildProcess;
 using orlo::test::quoted;
 using orlo::test::readFile;
+using orlo::test::runInShell;
 using orlo::test::runProgram;
 using orlo::test::RunResult;
 using orlo::test::TempFolder;
@@ -26,7 +28,7 @@ protected:
     {
         const fs::path first = m_folder.path() / "first";
         const RunResult install =
-            runProgram(quoted(CMAKE_PROGRAM) + " --install " + quoted(BUILD_TREE) + " --prefix " + quoted(first.string()) + " 2>&1");
+            runProgram({CMAKE_PROGRAM, "--install", BUILD_TREE, "--prefix", first.string()}, ChildProcess::Errors::joined);
         ASSERT_EQ(0, install.exitCode) << install.output;
         fs::rename(first, prefix()); // an install tree may be moved
         fs::copy(CONSUMER, host());
@@ -40,8 +42,9 @@ protected:
     /// Runs commands of the shell in the folder of the host.
     RunResult inHost(const std::string& commands) const
     {
-        return runProgram("exec 2>&1; cd " + quoted(host().string()) +
-                          " && export CMAKE_GENERATOR=Ninja CXXFLAGS=" + quoted(CONSUMER_FLAGS) + " && " + commands);
+        return runInShell("cd " + quoted(host().string()) + " && export CMAKE_GENERATOR=Ninja CXXFLAGS=" + quoted(CONSUMER_FLAGS) + " && " +
+                              commands,
+                          ChildProcess::Errors::joined);
     }
 
     void expectHostWorks(const std::string& command) const
@@ -84,7 +87,7 @@ TEST_F(Package, LibrariesFindEachOtherWithoutHelp)
 {
     for (const char* library : {"ProjectManager", "Common", "Logging", "Auth", "Network", "JobManager"}) {
         const fs::path file = libraries() / (std::string("libOrlo") + library + ".so");
-        const RunResult run = runProgram("unset LD_LIBRARY_PATH; ldd " + quoted(file.string()));
+        const RunResult run = runProgram({"env", "-u", "LD_LIBRARY_PATH", "ldd", file.string()});
         EXPECT_EQ(0, run.exitCode) << library;
         EXPECT_THAT(run.output, HasSubstr("libBaseCommon.so.0 => " + libraries().string())) << library;
         EXPECT_THAT(run.output, Not(HasSubstr("not found"))) << library;

@@ -1,12 +1,12 @@
 #include "FaultyFiles.h"
 
+#include "OwnProcess.h"
+
 #include <sqlite3.h>
 
 #include <atomic>
-#include <csignal>
 #include <map>
 #include <mutex>
-#include <unistd.h>
 #include <utility>
 
 namespace orlo::test {
@@ -44,14 +44,8 @@ Methods& methods()
 
 const sqlite3_io_methods& systemOf(sqlite3_file* file)
 {
-    const std::lock_guard<std::mutex> lock(methods().mutex);
+    const std::lock_guard lock(methods().mutex);
     return *methods().systems.at(file->pMethods);
-}
-
-void die()
-{
-    ::kill(::getpid(), SIGKILL);
-    ::pause();
 }
 
 int nextStep()
@@ -72,7 +66,7 @@ int writeFile(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 off
     const int step = nextStep();
     if (step == fatalStep) {
         systemOf(file).xWrite(file, bytes, size / 2, offset);
-        die();
+        killOwnProcess();
     }
     return isFull(step) ? SQLITE_FULL : systemOf(file).xWrite(file, bytes, size, offset);
 }
@@ -81,7 +75,7 @@ int truncateFile(sqlite3_file* file, sqlite3_int64 size)
 {
     const int step = nextStep();
     if (step == fatalStep)
-        die();
+        killOwnProcess();
     return systemOf(file).xTruncate(file, size);
 }
 
@@ -90,13 +84,13 @@ int flushFile(sqlite3_file* file, int flags)
     const int step = nextStep();
     ++flushesDone;
     if (step == fatalStep)
-        die();
+        killOwnProcess();
     return isFull(step) ? SQLITE_IOERR_FSYNC : systemOf(file).xSync(file, flags);
 }
 
 sqlite3_io_methods* oursFor(const sqlite3_io_methods* systems)
 {
-    const std::lock_guard<std::mutex> lock(methods().mutex);
+    const std::lock_guard lock(methods().mutex);
     sqlite3_io_methods*& ours = methods().ours[systems];
     if (!ours) {
         ours = new sqlite3_io_methods(*systems);
@@ -119,7 +113,7 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int*
 int deleteFile(sqlite3_vfs*, const char* name, int syncFolder)
 {
     if (nextStep() == fatalStep)
-        die();
+        killOwnProcess();
     return original.xDelete(&original, name, syncFolder);
 }
 

@@ -19,4 +19,11 @@ HostSetup::~HostSetup()
     OrloConfigManager::Configure({});
 }
 
+void HostSetup::change(const std::function<void(OrloConfig&)>& change) const
+{
+    OrloConfig config = m_config;
+    change(config);
+    OrloConfigManager::Configure(config);
+}
+
 } // namespace orlo::test

@@ -4,6 +4,7 @@
 
 #include <OrloCommon/OrloConfigManager.h>
 
+#include <functional>
 #include <string>
 
 namespace orlo::test {
@@ -22,6 +23,8 @@ public:
     const TempFolder& folder() const { return m_folder; }
     /// What was configured, to be changed and configured again.
     OrloConfig config() const { return m_config; }
+    /// Configures what the set-up configured, with a change.
+    void change(const std::function<void(OrloConfig&)>& change) const;
 
 private:
     TempFolder m_folder;

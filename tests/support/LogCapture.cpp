@@ -40,12 +40,12 @@ public:
 
     std::vector<LogEntry> entries() const
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         return m_entries;
     }
     void clear()
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_entries.clear();
     }
 
@@ -59,7 +59,7 @@ private:
     }
     void add(LogEntry entry)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_entries.push_back(std::move(entry));
     }
 

@@ -77,20 +77,20 @@ std::wstring RawServer::wideUrl() const
 
 std::vector<Request> RawServer::requests() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return m_requests;
 }
 
 void RawServer::release()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_go = true;
     m_released.notify_all();
 }
 
 RawAnswer RawServer::nextAnswer()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     RawAnswer answer = m_answers.front();
     if (m_answers.size() > 1)
         m_answers.pop_front();
@@ -99,7 +99,7 @@ RawAnswer RawServer::nextAnswer()
 
 void RawServer::waitForRelease()
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     m_released.wait(lock, [this] { return m_go; });
 }
 
@@ -110,7 +110,7 @@ void RawServer::serve(Connection& connection)
     if (answer.readsRequest) {
         if (readRequest(connection, request) != ReadResult::request)
             return;
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_requests.push_back(request);
     }
     if (answer.stalls)

@@ -35,35 +35,35 @@ Expectation::Expectation(std::mutex& mutex, std::string method, std::string targ
 
 Expectation& Expectation::body(const std::string& bytes)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_body = bytes;
     return *this;
 }
 
 Expectation& Expectation::anyBody()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_body.reset();
     return *this;
 }
 
 Expectation& Expectation::header(const std::string& name, const std::string& value)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_headers.emplace_back(name, value);
     return *this;
 }
 
 Expectation& Expectation::withoutHeader(const std::string& name)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_absent.push_back(name);
     return *this;
 }
 
 Expectation& Expectation::times(unsigned count)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_left = count;
     return *this;
 }
@@ -84,7 +84,7 @@ Expectation& Expectation::reply(const Reply& reply)
 
 Expectation& Expectation::replyWith(Answer answer)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_answer = std::move(answer);
     return *this;
 }
@@ -135,13 +135,13 @@ std::wstring ScriptedServer::wideUrl() const
 
 Expectation& ScriptedServer::expect(const std::string& method, const std::string& target)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return *m_script.emplace_back(std::make_unique<Expectation>(m_mutex, method, target));
 }
 
 Expectation& ScriptedServer::always(const std::string& method, const std::string& target)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     Expectation& added = *m_always.emplace_back(std::make_unique<Expectation>(m_mutex, method, target));
     added.m_body.reset();
     return added;
@@ -149,19 +149,19 @@ Expectation& ScriptedServer::always(const std::string& method, const std::string
 
 void ScriptedServer::anyOrder()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_anyOrder = true;
 }
 
 std::vector<Request> ScriptedServer::requests() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return m_requests;
 }
 
 std::size_t ScriptedServer::requestCount() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     return m_requests.size();
 }
 
@@ -179,13 +179,13 @@ std::size_t ScriptedServer::connectionCount() const
 
 bool ScriptedServer::waitForRequests(std::size_t count, std::chrono::milliseconds bound) const
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     return m_arrived.wait_for(lock, bound, [&] { return m_requests.size() >= count; });
 }
 
 bool ScriptedServer::waitForProblem(std::chrono::milliseconds bound) const
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     return m_arrived.wait_for(lock, bound, [&] { return !m_problems.empty(); });
 }
 
@@ -193,7 +193,7 @@ void ScriptedServer::verify()
 {
     std::vector<std::string> problems;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         problems.swap(m_problems);
         for (const auto& expected : m_script) {
             if (expected->m_left > 0)
@@ -231,7 +231,7 @@ Reply ScriptedServer::answer(const Request& request)
 
 Expectation::Answer ScriptedServer::choose(const Request& request)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_requests.push_back(request);
     m_arrived.notify_all();
     Expectation* const expected = next(request);
@@ -264,7 +264,7 @@ Expectation* ScriptedServer::next(const Request& request)
 
 void ScriptedServer::report(const std::string& problem)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_problems.push_back(problem);
     m_arrived.notify_all();
 }

@@ -9,7 +9,6 @@
 #include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <poll.h>
 #include <stdexcept>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -94,14 +93,14 @@ void Connection::reset()
 
 void Connection::close()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     if (m_descriptor >= 0)
         ::close(std::exchange(m_descriptor, -1));
 }
 
 void Connection::interrupt()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     if (m_descriptor >= 0)
         ::shutdown(m_descriptor, SHUT_RDWR);
 }
@@ -119,57 +118,101 @@ std::unique_ptr<Connection> connectTo(int port)
     return connection;
 }
 
-SocketServer::SocketServer(Serve serve) : m_serve(std::move(serve))
+std::unique_ptr<Connection> beginToConnect(int port)
 {
-    m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = loopback(0);
-    socklen_t length = sizeof address;
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    if (m_listener < 0 || ::bind(m_listener, generic, length) != 0 || ::listen(m_listener, 128) != 0 ||
-        ::getsockname(m_listener, generic, &length) != 0)
-        throw std::runtime_error("can't listen on the loopback address");
-    m_port = ntohs(address.sin_port);
-    m_acceptor = std::thread([this] { acceptAll(); });
+    auto connection = std::make_unique<Connection>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const sockaddr_in address = loopback(port);
+    ::connect(connection->m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    return connection;
 }
+
+Listener::Listener(int queue, Version version) : m_version(version)
+{
+    union
+    {
+        sockaddr any;
+        sockaddr_in four;
+        sockaddr_in6 six;
+    } address{};
+    socklen_t length = sizeof address;
+    if (version == Version::four) {
+        address.four = loopback(0);
+        length = sizeof address.four;
+    }
+    else {
+        address.six.sin6_family = AF_INET6;
+        address.six.sin6_addr = in6addr_loopback;
+    }
+    m_descriptor = ::socket(address.any.sa_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool isListening = m_descriptor >= 0 && ::bind(m_descriptor, &address.any, length) == 0 && ::listen(m_descriptor, queue) == 0 &&
+                             ::getsockname(m_descriptor, &address.any, &length) == 0;
+    if (isListening)
+        m_port = ntohs(version == Version::four ? address.four.sin_port : address.six.sin6_port);
+    else if (version == Version::four)
+        throw std::runtime_error("can't listen on the loopback address");
+}
+
+Listener::~Listener()
+{
+    close();
+}
+
+std::string Listener::place() const
+{
+    return (m_version == Version::four ? "127.0.0.1:" : "[::1]:") + std::to_string(m_port);
+}
+
+std::unique_ptr<Connection> Listener::accept()
+{
+    int descriptor = -1;
+    do {
+        descriptor = ::accept4(m_descriptor, nullptr, nullptr, SOCK_CLOEXEC);
+    } while (descriptor < 0 && (errno == EINTR || errno == ECONNABORTED));
+    return descriptor < 0 ? nullptr : std::make_unique<Connection>(descriptor);
+}
+
+void Listener::interrupt()
+{
+    ::shutdown(m_descriptor, SHUT_RDWR);
+}
+
+void Listener::close()
+{
+    if (m_descriptor >= 0)
+        ::close(std::exchange(m_descriptor, -1));
+}
+
+SocketServer::SocketServer(Serve serve) : m_serve(std::move(serve)), m_acceptor([this] { acceptAll(); })
+{}
 
 SocketServer::~SocketServer()
 {
     stop();
 }
 
-std::string SocketServer::url() const
-{
-    return "http://127.0.0.1:" + std::to_string(m_port);
-}
-
 void SocketServer::acceptAll()
 {
-    for (;;) {
-        const int descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (descriptor < 0 && (errno == EINTR || errno == ECONNABORTED) && !m_stopping)
-            continue;
-        if (descriptor < 0)
-            return;
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        Session& session = m_sessions.emplace_back(descriptor);
+    while (auto connection = m_listener.accept()) {
+        const std::lock_guard lock(m_mutex);
+        Session& session = m_sessions.emplace_back();
+        session.connection = std::move(connection);
         ++m_accepted;
         session.thread = std::thread([this, &session] {
-            m_serve(session.connection);
-            session.connection.close();
+            m_serve(*session.connection);
+            session.connection->close();
         });
     }
 }
 
 void SocketServer::stop()
 {
-    if (m_stopping.exchange(true))
+    if (m_isStopped.exchange(true))
         return;
-    // Wakes the accepting thread; the port is given back only when nobody uses the descriptor any more.
-    ::shutdown(m_listener, SHUT_RDWR);
+    m_listener.interrupt();
     m_acceptor.join();
-    ::close(m_listener);
+    m_listener.close();
     for (Session& session : m_sessions)
-        session.connection.interrupt();
+        session.connection->interrupt();
     for (Session& session : m_sessions)
         session.thread.join();
 }

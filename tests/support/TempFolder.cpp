@@ -8,12 +8,17 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace orlo::test {
 
-TempFolder::TempFolder()
+TempFolder::TempFolder() : TempFolder(std::filesystem::temp_directory_path())
+{}
+
+TempFolder::TempFolder(const std::filesystem::path& parent)
 {
-    std::string name = (std::filesystem::temp_directory_path() / "orlo-test-XXXXXX").string();
+    std::string name = (parent / "orlo-test-XXXXXX").string();
     if (::mkdtemp(name.data()) == nullptr)
         throw std::runtime_error("no temporary folder");
     m_path = name;
@@ -64,6 +69,28 @@ void writeFile(const std::filesystem::path& file, const std::string& content)
     out << content;
     if (!out.flush())
         throw std::runtime_error("can't write " + file.string());
+}
+
+bool makeNamedPipe(const std::filesystem::path& path)
+{
+    return ::mkfifo(path.c_str(), 0644) == 0;
+}
+
+std::filesystem::path otherFileSystem(const std::filesystem::path& folder)
+{
+    const char* const memory = "/dev/shm";
+    struct stat here = {};
+    struct stat there = {};
+    const bool isOther = ::stat(memory, &there) == 0 && ::stat(folder.c_str(), &here) == 0 && there.st_dev != here.st_dev;
+    return isOther && ::access(memory, W_OK) == 0 ? memory : "";
+}
+
+UsualPermissions::UsualPermissions() : m_before(::umask(0022))
+{}
+
+UsualPermissions::~UsualPermissions()
+{
+    ::umask(m_before);
 }
 
 std::vector<std::string> filesBelow(const std::filesystem::path& folder)

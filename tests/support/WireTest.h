@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ErrorNumbers.h"
 #include "HostSetup.h"
 #include "LogCapture.h"
 #include "ScriptedServer.h"
@@ -53,6 +54,13 @@ public:
 class WireTest : public testing::Test
 {
 protected:
+    /// No error, and nothing in the log.
+    void expectQuiet() const
+    {
+        expectClear(error);
+        EXPECT_EQ(log.lines(), Lines{});
+    }
+
     ScriptedServer server;
     HostSetup host{server.url()};
     RetryLimit retries{3};

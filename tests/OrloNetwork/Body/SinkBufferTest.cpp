@@ -44,8 +44,8 @@ TEST(SinkBufferTest, handsOverAllBytesInTheirOrder)
     const std::string body = numberedBody(200000);
     RawServer server(RawAnswer::bytes(rawOk(body)));
     std::string received;
-    const auto response =
-        download(server.url(), [&](const uint8_t* bytes, size_t count) { received.append(reinterpret_cast<const char*>(bytes), count); });
+    const auto response = download(
+        server.url(), [&](const std::uint8_t* bytes, std::size_t count) { received.append(reinterpret_cast<const char*>(bytes), count); });
     response.content_ready().get();
     EXPECT_TRUE(received == body);
 }
@@ -56,7 +56,7 @@ TEST(SinkBufferTest, neverHandsOverTwoRunsAtOnce)
     std::atomic<int> inside{0};
     std::atomic<int> calls{0};
     std::atomic<bool> overlapped{false};
-    const auto response = download(server.url(), [&](const uint8_t*, size_t) {
+    const auto response = download(server.url(), [&](const std::uint8_t*, std::size_t) {
         overlapped = overlapped || ++inside > 1;
         std::this_thread::yield();
         --inside;
@@ -108,7 +108,7 @@ TEST(SinkBufferTest, aSlowReceiverHoldsTheSenderBack)
     const CountingServer server(256);
     Gate gate;
     std::atomic<std::size_t> received{0};
-    const auto response = download(server.url(), [&](const uint8_t*, size_t count) {
+    const auto response = download(server.url(), [&](const std::uint8_t*, std::size_t count) {
         gate.enter();
         received += count;
     });
@@ -122,7 +122,7 @@ TEST(SinkBufferTest, aSlowReceiverHoldsTheSenderBack)
 TEST(SinkBufferTest, whatTheReceiverThrowsComesOutWithTheContent)
 {
     RawServer server(RawAnswer::bytes(rawOk("some bytes")));
-    const auto response = download(server.url(), [](const uint8_t*, size_t) { throw std::runtime_error("disk full"); });
+    const auto response = download(server.url(), [](const std::uint8_t*, std::size_t) { throw std::runtime_error("disk full"); });
     try {
         response.content_ready().get();
         ADD_FAILURE() << "no exception";
@@ -136,7 +136,7 @@ TEST(SinkBufferTest, aFailureInTheMiddleEndsTheTransfer)
 {
     const CountingServer server(256);
     std::atomic<int> calls{0};
-    const auto response = download(server.url(), [&](const uint8_t*, size_t) {
+    const auto response = download(server.url(), [&](const std::uint8_t*, std::size_t) {
         if (++calls == 3)
             throw std::runtime_error("disk full");
     });
@@ -151,7 +151,7 @@ TEST(SinkBufferTest, aFailureThatNobodyLooksAtHarmsNobody)
     RawServer server(RawAnswer::bytes(rawOk(std::string(1000, 'x'))));
     const auto failed = std::make_shared<std::atomic<int>>(0);
     for (int i = 0; i < 20; ++i)
-        download(server.url(), [failed](const uint8_t*, size_t) {
+        download(server.url(), [failed](const std::uint8_t*, std::size_t) {
             ++*failed;
             throw std::runtime_error("disk full");
         });
@@ -161,9 +161,9 @@ TEST(SinkBufferTest, aFailureThatNobodyLooksAtHarmsNobody)
 TEST(SinkBufferTest, takesSingleBytesAndRuns)
 {
     std::string received;
-    auto stream =
-        SinkBuffer::stream([&](const uint8_t* bytes, size_t count) { received.append(reinterpret_cast<const char*>(bytes), count); });
-    EXPECT_EQ(stream.write(static_cast<uint8_t>('a')).get(), 'a');
+    auto stream = SinkBuffer::stream(
+        [&](const std::uint8_t* bytes, std::size_t count) { received.append(reinterpret_cast<const char*>(bytes), count); });
+    EXPECT_EQ(stream.write(static_cast<std::uint8_t>('a')).get(), 'a');
     EXPECT_EQ(stream.print(std::string("bcd")).get(), 3U);
     stream.flush().get();
     stream.close().get();
@@ -172,7 +172,7 @@ TEST(SinkBufferTest, takesSingleBytesAndRuns)
 
 TEST(SinkBufferTest, canBeNeitherReadNorMovedAbout)
 {
-    auto buffer = SinkBuffer::stream([](const uint8_t*, size_t) {}).streambuf();
+    auto buffer = SinkBuffer::stream([](const std::uint8_t*, std::size_t) {}).streambuf();
     EXPECT_FALSE(buffer.can_read());
     EXPECT_TRUE(buffer.can_write());
     EXPECT_FALSE(buffer.can_seek());
@@ -184,7 +184,7 @@ TEST(SinkBufferTest, letsGoOfItsReceiverWhenTheTransferIsOver)
 {
     RawServer server(RawAnswer::bytes(rawOk("some bytes")));
     const auto held = std::make_shared<int>(0);
-    download(server.url(), [held](const uint8_t*, size_t) {}).content_ready().get();
+    download(server.url(), [held](const std::uint8_t*, std::size_t) {}).content_ready().get();
     EXPECT_TRUE(waitUntil([&] { return held.use_count() == 1; }));
 }
 

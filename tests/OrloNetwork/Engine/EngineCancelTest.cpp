@@ -10,15 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <netinet/in.h>
 #include <random>
-#include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace orlo::test {
@@ -81,7 +77,7 @@ protected:
         EXPECT_TRUE(isReached);
         EXPECT_LT((end - when) / 1ms, 500);
         EXPECT_EQ(outcome.text, "Operation canceled");
-        EXPECT_EQ(outcome.number, 125);
+        EXPECT_EQ(outcome.number, cancelledCode);
     }
 
     HostSetup host{"http://127.0.0.1"};
@@ -115,31 +111,18 @@ TEST_P(EngineCancelTest, beforeItBegins)
     sending.token = source.get_token();
     const Outcome outcome = outcomeOf(GetParam(), server.url(), sending);
     EXPECT_EQ(outcome.text, "Operation canceled");
-    EXPECT_EQ(outcome.number, 125);
+    EXPECT_EQ(outcome.number, cancelledCode);
     EXPECT_EQ(server.wire(), "");
 }
 
 TEST_P(EngineCancelTest, whileItConnects)
 {
     // Those who wait to be taken fill the queue; a further one gets no answer.
-    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    ASSERT_EQ(::bind(listener, generic, length), 0);
-    ASSERT_EQ(::listen(listener, 0), 0);
-    ASSERT_EQ(::getsockname(listener, generic, &length), 0);
-    std::vector<int> waiting;
-    for (int i = 0; i < 4; ++i) {
-        waiting.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-        ::connect(waiting.back(), generic, length);
-    }
-    expectCancelled("http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)), requestOf("GET", "/thing"), after(100ms));
-    for (const int descriptor : waiting)
-        ::close(descriptor);
-    ::close(listener);
+    Listener listener(0);
+    std::vector<std::unique_ptr<Connection>> waiting;
+    for (int i = 0; i < 4; ++i)
+        waiting.push_back(beginToConnect(listener.port()));
+    expectCancelled(listener.url(), requestOf("GET", "/thing"), after(100ms));
 }
 
 TEST_P(EngineCancelTest, duringTheHandshake)
@@ -205,7 +188,7 @@ TEST(EngineCancelOnTheLoop, whileItsSinkBlocks)
     });
     const auto gate = std::make_shared<Gate>();
     auto request = requestOf("GET", "/thing");
-    request.set_response_stream(http::SinkBuffer::stream([gate](const uint8_t*, size_t) { gate->enter(); }));
+    request.set_response_stream(http::SinkBuffer::stream([gate](const std::uint8_t*, std::size_t) { gate->enter(); }));
     pplx::cancellation_token_source source;
     const auto client = OrloWebService::CreateClient(utils::toWstring(endless.url()));
     const auto content = client->request(request, source.get_token()).get().content_ready();
@@ -219,7 +202,7 @@ TEST(EngineCancelOnTheLoop, whileItsSinkBlocks)
         ADD_FAILURE() << "no exception";
     }
     catch (const web::http::http_exception& e) {
-        EXPECT_EQ(e.error_code().value(), 125);
+        EXPECT_EQ(e.error_code(), std::errc::operation_canceled);
         EXPECT_EQ(std::string(e.what()), "Operation canceled");
     }
 }
@@ -239,46 +222,34 @@ class TardyServer
 public:
     TardyServer()
     {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        auto* const generic = reinterpret_cast<sockaddr*>(&address);
-        if (::bind(m_listener, generic, length) != 0 || ::listen(m_listener, 512) != 0 || ::getsockname(m_listener, generic, &length) != 0)
-            throw std::runtime_error("can't listen on the loopback address");
-        m_port = ntohs(address.sin_port);
         for (unsigned i = 0; i < 8; ++i)
             m_threads.emplace_back([this, i] { serveAll(i); });
     }
     ~TardyServer()
     {
-        ::shutdown(m_listener, SHUT_RDWR);
+        m_listener.interrupt();
         for (std::thread& thread : m_threads)
             thread.join();
-        ::close(m_listener);
     }
     TardyServer(const TardyServer&) = delete;
     TardyServer& operator=(const TardyServer&) = delete;
 
-    std::string url() const { return "http://127.0.0.1:" + std::to_string(m_port); }
+    std::string url() const { return m_listener.url(); }
 
 private:
     void serveAll(unsigned seed)
     {
         std::minstd_rand random(seed + 1);
-        int descriptor = 0;
-        while ((descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC)) >= 0) {
-            Connection connection(descriptor);
+        while (const auto connection = m_listener.accept()) {
             Request request;
-            if (readRequest(connection, request) != ReadResult::request)
+            if (readRequest(*connection, request) != ReadResult::request)
                 continue;
             std::this_thread::sleep_for(microseconds(random() % 3000));
-            connection.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
+            connection->write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
         }
     }
 
-    const int m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    int m_port = 0;
+    Listener m_listener{512};
     std::vector<std::thread> m_threads;
 };
 

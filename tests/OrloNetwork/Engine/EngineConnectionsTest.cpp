@@ -10,16 +10,12 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <atomic>
 #include <chrono>
 #include <functional>
 #include <mutex>
-#include <netinet/in.h>
 #include <string>
-#include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace orlo::test {
@@ -76,9 +72,7 @@ class EngineConnectionsTest : public testing::TestWithParam<Way>
 protected:
     void keep()
     {
-        OrloConfig config = host.config();
-        config.keepConnections = true;
-        OrloConfigManager::Configure(config);
+        host.change([&](OrloConfig& config) { config.keepConnections = true; });
     }
 
     void trust(const Identity& identity, const std::string& name, bool keeps)
@@ -181,7 +175,7 @@ TEST_P(EngineConnectionsTest, aPostWhoseConnectionEndsIsNeverSentAgain)
     EXPECT_EQ(send("GET", server.url()).body, "{}");
     const Outcome post = send("POST", server.url());
     EXPECT_EQ(post.text, "Failed to read HTTP status line (" + server.place() + ": Empty reply from server)");
-    EXPECT_EQ(post.number, 103);
+    EXPECT_EQ(post.number, abortedCode);
     EXPECT_EQ(server.lines(), (std::vector<std::string>{"GET /thing", "POST /thing"}));
 }
 
@@ -211,7 +205,7 @@ TEST_P(EngineConnectionsTest, aConnectionWhoseCallFailedIsNotKept)
     Sending sending;
     sending.timeout = 300ms;
     EXPECT_EQ(send("GET", server.url()).body, "{}");
-    EXPECT_EQ(send("GET", server.url(), sending).number, 110);
+    EXPECT_EQ(send("GET", server.url(), sending).number, timeoutCode);
     EXPECT_EQ(send("GET", server.url()).body, "{}");
     EXPECT_EQ(server.connectionCount(), 2U);
 }
@@ -226,9 +220,7 @@ TEST_P(EngineConnectionsTest, aKeptConnectionOfAnotherTrustIsNotUsed)
     trust(Identity("DNS:other.example"), "other.pem", true);
     const Outcome refused = send("GET", utils::toString(server.url()));
     EXPECT_TRUE(refused.hasFailed);
-    OrloConfig config = host.config();
-    config.keepConnections = true;
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.keepConnections = true; });
     const Outcome bySystem = send("GET", utils::toString(server.url()));
     EXPECT_TRUE(bySystem.hasFailed);
     EXPECT_EQ(server.requestCount(), 2);
@@ -253,9 +245,7 @@ TEST_P(EngineConnectionsTest, aSessionOfAnotherTrustIsNotResumed)
 TEST(EngineKeptConnectionsTest, goWithTheThreadOfTheLoop)
 {
     const HostSetup host{"http://127.0.0.1"};
-    OrloConfig config = host.config();
-    config.keepConnections = true;
-    OrloConfigManager::Configure(config);
+    host.change([&](OrloConfig& config) { config.keepConnections = true; });
     KeepingServer server;
     EXPECT_EQ(outcomeOf(Way::loop, server.url()).body, "{}");
     EXPECT_EQ(server.endedCount(), 0U);
@@ -266,49 +256,28 @@ TEST(EngineKeptConnectionsTest, goWithTheThreadOfTheLoop)
 class NewerServer
 {
 public:
-    NewerServer()
-    {
-        sockaddr_in6 address{};
-        address.sin6_family = AF_INET6;
-        address.sin6_addr = in6addr_loopback;
-        socklen_t length = sizeof address;
-        auto* const generic = reinterpret_cast<sockaddr*>(&address);
-        m_isThere = m_listener >= 0 && ::bind(m_listener, generic, length) == 0 && ::listen(m_listener, 8) == 0 &&
-                    ::getsockname(m_listener, generic, &length) == 0;
-        m_port = ntohs(address.sin6_port);
-        if (m_isThere)
-            m_thread = std::thread([this] { serve(); });
-    }
     ~NewerServer()
     {
-        ::shutdown(m_listener, SHUT_RDWR);
-        if (m_thread.joinable())
-            m_thread.join();
-        ::close(m_listener);
+        listener.interrupt();
+        m_thread.join();
     }
-    NewerServer(const NewerServer&) = delete;
-    NewerServer& operator=(const NewerServer&) = delete;
 
-    bool isThere() const { return m_isThere; }
-    std::string place() const { return "[::1]:" + std::to_string(m_port); }
+    Listener listener{8, Listener::Version::six};
+
     std::string wire() const { return m_wire; }
 
 private:
     void serve()
     {
-        const int descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (descriptor < 0)
+        const auto connection = listener.accept();
+        if (!connection)
             return;
-        Connection connection(descriptor);
-        m_wire = readWire(connection);
-        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
+        m_wire = readWire(*connection);
+        connection->write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
     }
 
-    const int m_listener = ::socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    bool m_isThere = false;
-    int m_port = 0;
     std::string m_wire;
-    std::thread m_thread;
+    std::thread m_thread{[this] { serve(); }};
 };
 
 TEST_P(EngineConnectionsTest, anAddressMayBeOneOfVersionSix)
@@ -316,9 +285,9 @@ TEST_P(EngineConnectionsTest, anAddressMayBeOneOfVersionSix)
     std::string place;
     {
         NewerServer server;
-        if (!server.isThere())
+        if (!server.listener.isThere())
             GTEST_SKIP() << "this machine has no IPv6";
-        place = server.place();
+        place = server.listener.place();
         EXPECT_EQ(send("GET", "http://" + place).body, "{}");
         EXPECT_EQ(server.wire(), "GET /thing HTTP/1.1\r\nHost: " + place + "\r\nUser-Agent: probe\r\n\r\n");
     }

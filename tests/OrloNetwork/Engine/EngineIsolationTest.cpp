@@ -34,7 +34,7 @@ protected:
         auto request = requestOf("GET", "/large");
         const auto count = std::make_shared<std::size_t>(0);
         request.set_response_stream(SinkBuffer::stream(
-            [count, write = std::move(write)](const uint8_t* bytes, size_t more) {
+            [count, write = std::move(write)](const std::uint8_t* bytes, std::size_t more) {
                 write(bytes, more);
                 *count += more;
             },
@@ -52,7 +52,7 @@ protected:
             std::vector<pplx::task<std::size_t>> downloads;
             std::vector<pplx::task<Outcome>> calls;
             for (int i = 0; i < 5; ++i)
-                downloads.push_back(download([](const uint8_t*, size_t) {}));
+                downloads.push_back(download([](const std::uint8_t*, std::size_t) {}));
             for (int i = 0; i < 5; ++i)
                 calls.push_back(begin(small.url(), requestOf("GET", "/thing")));
             for (int i = 0; i < 5; ++i)
@@ -70,7 +70,7 @@ protected:
         const auto gate = std::make_shared<Gate>();
         std::vector<pplx::task<std::size_t>> blocked;
         for (int i = 0; i < count; ++i)
-            blocked.push_back(download([gate](const uint8_t*, size_t) { gate->enter(); }));
+            blocked.push_back(download([gate](const std::uint8_t*, std::size_t) { gate->enter(); }));
         ASSERT_TRUE(waitUntil([&] { return gate->inside() == count; }, 5s)) << gate->inside();
         expectOthersToGoThrough();
         EXPECT_EQ(gate->inside(), count);
@@ -105,7 +105,7 @@ TEST_F(EngineIsolationTest, aSinkThatBlocksLongerThanTheTimeOutDoesNotFail)
     auto request = requestOf("GET", "/large");
     std::atomic<int> calls{0};
     request.set_response_stream(SinkBuffer::stream(
-        [&](const uint8_t*, size_t) {
+        [&](const std::uint8_t*, std::size_t) {
             if (++calls == 2)
                 std::this_thread::sleep_for(800ms);
         },
@@ -127,7 +127,7 @@ TEST_F(EngineIsolationTest, aSinkThatThrowsWhileTheServerStallsFailsAtOnce)
     });
     auto request = requestOf("GET", "/large");
     request.set_response_stream(SinkBuffer::stream(
-        [](const uint8_t*, size_t) {
+        [](const std::uint8_t*, std::size_t) {
             std::this_thread::sleep_for(100ms); // so that more than it has room for comes meanwhile
             throw std::runtime_error("the disk is full");
         },
@@ -189,7 +189,7 @@ TEST_F(EngineIsolationTest, aServerThatSaysNothingHoldsUpNobody)
     for (const auto& each : waiting)
         EXPECT_FALSE(each.is_done());
     for (const auto& each : waiting)
-        EXPECT_EQ(each.get().number, 110);
+        EXPECT_EQ(each.get().number, timeoutCode);
 }
 
 } // namespace

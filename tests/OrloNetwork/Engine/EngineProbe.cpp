@@ -7,10 +7,7 @@
 #include <OrloNetwork/Body/SinkBuffer.h>
 #include <OrloNetwork/NetworkCommon.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <utility>
 
@@ -33,7 +30,7 @@ std::shared_ptr<std::string> receive(http_request& request, SinkBuffer::Place pl
 {
     const auto body = std::make_shared<std::string>();
     request.set_response_stream(SinkBuffer::stream(
-        [body](const uint8_t* bytes, size_t count) { body->append(reinterpret_cast<const char*>(bytes), count); }, place));
+        [body](const std::uint8_t* bytes, std::size_t count) { body->append(reinterpret_cast<const char*>(bytes), count); }, place));
     return body;
 }
 
@@ -59,22 +56,6 @@ void takeFailure(Outcome& outcome)
         outcome.number = -1;
         outcome.text = e.what();
     }
-}
-
-std::size_t entriesOf(const char* folder)
-{
-    const std::filesystem::directory_iterator entries(folder);
-    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
-}
-
-std::size_t statusOfProcess(const std::string& key)
-{
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.compare(0, key.size(), key) == 0)
-            return std::strtoull(line.c_str() + key.size(), nullptr, 10);
-    }
-    return 0;
 }
 
 } // namespace
@@ -216,16 +197,6 @@ std::string WireServer::wire() const
     return text;
 }
 
-std::size_t threadCount()
-{
-    return entriesOf("/proc/self/task");
-}
-
-std::size_t descriptorCount()
-{
-    return entriesOf("/proc/self/fd");
-}
-
 std::size_t quietThreadCount()
 {
     std::size_t last = threadCount();
@@ -238,17 +209,6 @@ std::size_t quietThreadCount()
         return std::chrono::steady_clock::now() - since > std::chrono::milliseconds(1300);
     });
     return last;
-}
-
-PeakMemory::PeakMemory() : m_before(statusOfProcess("VmRSS:"))
-{
-    std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
-}
-
-std::size_t PeakMemory::mebibytes() const
-{
-    const std::size_t peak = statusOfProcess("VmHWM:");
-    return (peak - std::min(peak, m_before)) / 1024;
 }
 
 std::chrono::milliseconds timeOf(const std::function<void()>& work)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/ErrorNumbers.h"
+#include "support/ProcessProbe.h"
 #include "support/Sanitized.h"
 #include "support/Sockets.h"
 
@@ -79,22 +81,8 @@ private:
 /// Reads the bytes of one whole request.
 std::string readWire(Connection& connection);
 
-/// Of this process.
-std::size_t threadCount();
-std::size_t descriptorCount();
-/// When none has come or gone for longer than threads of the library stay idle.
+/// The threads of this process when none has come or gone for longer than threads of the library stay idle.
 std::size_t quietThreadCount();
-
-/// How much memory the process takes at the most while this lives, beyond what it had before.
-class PeakMemory
-{
-public:
-    PeakMemory();
-    std::size_t mebibytes() const;
-
-private:
-    std::size_t m_before;
-};
 
 /// Measures how long something takes.
 std::chrono::milliseconds timeOf(const std::function<void()>& work);

@@ -137,7 +137,7 @@ TEST_P(EngineProxyTest, oneThatIsNotThereIsNamed)
     const Outcome outcome = outcomeOf(GetParam(), "http://platform.example");
     EXPECT_EQ(outcome.text, "Failed to connect to any resolved endpoint (platform.example:80 through the proxy http://" + place +
                                 "/: Connection refused)");
-    EXPECT_EQ(outcome.number, 113);
+    EXPECT_EQ(outcome.number, unreachableCode);
     EXPECT_TRUE(isWorthAnotherAttempt(outcome));
 }
 

@@ -15,7 +15,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 
 namespace orlo::test {
 namespace {
@@ -56,9 +55,7 @@ protected:
     void trust(const Identity& trusted)
     {
         writeFile(host.folder().path("trusted.pem"), trusted.pem());
-        OrloConfig config = host.config();
-        config.caFile = host.folder().wide("trusted.pem");
-        OrloConfigManager::Configure(config);
+        host.change([&](OrloConfig& config) { config.caFile = host.folder().wide("trusted.pem"); });
     }
 
     void expectRefused(const Identity& shown, const std::string& why)

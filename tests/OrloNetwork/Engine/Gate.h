@@ -13,14 +13,14 @@ public:
     ~Gate() { open(); }
     void enter()
     {
-        std::unique_lock<std::mutex> lock(m_mutex);
+        std::unique_lock lock(m_mutex);
         ++m_inside;
         m_opened.wait(lock, [this] { return m_open; });
         --m_inside;
     }
     void open()
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_open = true;
         m_opened.notify_all();
     }

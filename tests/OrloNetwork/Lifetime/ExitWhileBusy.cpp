@@ -5,12 +5,13 @@
 //   repeating failed requests are repeated without a pause
 //   between   one piece of work is done and the next one of the same work has yet to begin; it says so when it does
 
+#include "support/OwnProcess.h"
+#include "support/SilentLog.h"
 #include "support/Sockets.h"
 #include "support/Waiting.h"
 
 #include <BaseCommon/NativeText.h>
 #include <BaseCommon/Text.h>
-#include <OrloLogging/ILogManager.h>
 #include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
 #include <OrloNetwork/NetworkCommon.h>
@@ -20,11 +21,9 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -34,13 +33,10 @@ std::atomic<int> arrived{0};
 std::atomic<bool> dropsWork{false};
 
 /// What a library would write to is not looked at here.
-class NoLog : public ILogManager
+class CountedWarnings : public test::SilentLog
 {
 public:
-    void LogInfo(const std::wstring&) override {}
     void LogWarning(const std::wstring&) override { ++warnings; }
-    void LogError(const std::wstring&) override {}
-    void LogErrorAt(const std::string&, int, const std::string&, const std::wstring&, const std::wstring&) override {}
 
     std::atomic<int> warnings{0};
 };
@@ -51,13 +47,6 @@ bool waitUntilReached(const std::atomic<int>& count, int wanted)
 }
 
 /// No more permits are given once the end of the process has come.
-/// Without the streams, which go with the process.
-void say(const char* words)
-{
-    if (::write(STDOUT_FILENO, words, std::strlen(words)) < 0)
-        std::abort();
-}
-
 /// Takes requests and never answers; lives as long as the process.
 std::wstring stallingServer()
 {
@@ -84,7 +73,7 @@ int leaveDuringARequest()
                                            error);
         }
         catch (const std::exception&) { // cancelled
-            say("the request came back\n");
+            test::say("the request came back\n");
         }
     }).detach();
     return waitUntilReached(arrived, 1) ? 0 : 3;
@@ -105,7 +94,7 @@ void launchFailingChain()
 
 int leaveDuringRetries(unsigned pauseSeconds, int repeats)
 {
-    const auto log = std::make_shared<NoLog>();
+    const auto log = std::make_shared<CountedWarnings>();
     ILogManager::Install(log);
     http::setRetryPolicy({std::numeric_limits<unsigned>::max(), pauseSeconds});
     for (int i = 0; i < 8; ++i)
@@ -124,8 +113,8 @@ struct LateAsker
             const http::Operation operation;
         }
         catch (const std::exception& refusal) {
-            say(refusal.what());
-            say("\n");
+            test::say(refusal.what());
+            test::say("\n");
         }
     }
     bool asks = false;

@@ -1,37 +1,18 @@
-#include <gtest/gtest.h>
+#include "support/ChildProcess.h"
 
-#include <array>
-#include <cstdio>
-#include <string>
-#include <sys/wait.h>
+#include <gtest/gtest.h>
 
 namespace orlo::test {
 namespace {
 
-/// What a program printed, and its exit code; -1 if a signal ended it.
-struct Outcome
+RunResult exitWhile(const std::string& what)
 {
-    std::string output;
-    int exitCode = -1;
-};
-
-Outcome run(const std::string& command)
-{
-    Outcome outcome;
-    std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-    std::array<char, 4096> piece;
-    for (std::size_t got = 0; pipe && (got = fread(piece.data(), 1, piece.size(), pipe)) > 0;)
-        outcome.output.append(piece.data(), got);
-    const int status = pipe ? pclose(pipe) : -1;
-    // The shell tells of a signal with 128 and above.
-    if (WIFEXITED(status) && WEXITSTATUS(status) < 128)
-        outcome.exitCode = WEXITSTATUS(status);
-    return outcome;
+    return runProgram({EXIT_WHILE_BUSY_PROGRAM, what}, ChildProcess::Errors::joined);
 }
 
 TEST(LifetimeTest, loadingTheLibraryStartsNoThreadAndOpensNothing)
 {
-    const Outcome outcome = run("exec " LOAD_ONLY_PROGRAM " " PROJECT_MANAGER_LIBRARY);
+    const RunResult outcome = runProgram({LOAD_ONLY_PROGRAM, PROJECT_MANAGER_LIBRARY}, ChildProcess::Errors::joined);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.output, "threads: 0\nfiles: 0\n");
 }
@@ -42,7 +23,7 @@ class ExitTest : public testing::TestWithParam<const char*>
 TEST_P(ExitTest, isCleanEveryTime)
 {
     for (int i = 0; i < 20; ++i) {
-        const Outcome outcome = run(std::string("exec " EXIT_WHILE_BUSY_PROGRAM " ") + GetParam());
+        const RunResult outcome = exitWhile(GetParam());
         ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
         ASSERT_EQ(outcome.output, "");
     }
@@ -54,7 +35,7 @@ INSTANTIATE_TEST_SUITE_P(WhileRequestsAreRepeated, ExitTest, testing::Values("re
 TEST(ExitOrderTest, letsARequestThatWaitsForItsAnswerComeBack)
 {
     for (int i = 0; i < 20; ++i) {
-        const Outcome outcome = run("exec " EXIT_WHILE_BUSY_PROGRAM " request");
+        const RunResult outcome = exitWhile("request");
         ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
         ASSERT_EQ(outcome.output, "the request came back\n");
     }
@@ -62,7 +43,7 @@ TEST(ExitOrderTest, letsARequestThatWaitsForItsAnswerComeBack)
 
 TEST(ExitOrderTest, refusesWhatAStaticDestructorAsksForLater)
 {
-    const Outcome outcome = run("exec " EXIT_WHILE_BUSY_PROGRAM " late");
+    const RunResult outcome = exitWhile("late");
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.output, "the process ends\n");
 }

@@ -1,4 +1,5 @@
 #include "OrloNetwork/ChainProbe.h"
+#include "support/ErrorNumbers.h"
 #include "support/LogCapture.h"
 #include "support/Sockets.h"
 #include "support/Waiting.h"
@@ -118,7 +119,7 @@ TEST_F(OperationTest, aRequestThatWaitsForItsAnswerIsCancelled)
     ASSERT_TRUE(waitUntil([&] { return arrived == 1; }));
     interruption->request();
     ASSERT_TRUE(comesBack(request));
-    EXPECT_EQ(request.get(), 125);
+    EXPECT_EQ(request.get(), cancelledCode);
 }
 
 TEST_F(OperationTest, theRetryLoopLeavesItsPause)

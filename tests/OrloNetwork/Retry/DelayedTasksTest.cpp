@@ -1,4 +1,6 @@
+#include "support/ProcessProbe.h"
 #include "support/ThreadShortage.h"
+#include "support/Threads.h"
 #include "support/Waiting.h"
 
 #include <OrloNetwork/Lifetime/WorkPermit.h>
@@ -7,8 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <filesystem>
-#include <iterator>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
@@ -23,10 +23,10 @@ using http::runAfter;
 using std::chrono::seconds;
 
 /// Not counting what the first piece of work of a process makes once, cpprestsdk's pool.
-std::ptrdiff_t threadCount()
+std::size_t threads()
 {
     const http::WorkPermit poolIsThere;
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
+    return threadCount();
 }
 
 /// What the tasks noted down, in order.
@@ -35,12 +35,12 @@ class Notes
 public:
     void add(const std::string& note)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_notes.push_back(note);
     }
     std::vector<std::string> all() const
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         return m_notes;
     }
 
@@ -95,35 +95,31 @@ TEST_F(DelayedTasksTest, aTaskWithAShorterPauseOvertakesOneThatWaits)
 
 TEST_F(DelayedTasksTest, itsOneThreadEndsWhenNothingIsLeft)
 {
-    const auto before = threadCount();
+    const auto before = threads();
     for (int i = 0; i < 10; ++i)
         note(seconds(1), "task");
-    EXPECT_EQ(threadCount(), before + 1);
+    EXPECT_EQ(threads(), before + 1);
     ASSERT_TRUE(waitForNotes(10));
-    EXPECT_TRUE(waitUntil([&] { return threadCount() == before; }));
+    EXPECT_TRUE(waitUntil([&] { return threads() == before; }));
 }
 
 TEST_F(DelayedTasksTest, beginsAnewAfterItsThreadEnded)
 {
-    const auto before = threadCount();
+    const auto before = threads();
     for (std::size_t round = 1; round <= 20; ++round) {
         note(seconds(0), "task");
         ASSERT_TRUE(waitForNotes(round));
-        ASSERT_TRUE(waitUntil([&] { return threadCount() == before; }));
+        ASSERT_TRUE(waitUntil([&] { return threads() == before; }));
     }
 }
 
 TEST_F(DelayedTasksTest, everyOneOfManyTasksFromManyThreadsRunsOnce)
 {
     const auto ran = std::make_shared<std::atomic<int>>(0);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 8; ++t)
-        threads.emplace_back([ran] {
-            for (int i = 0; i < 1000; ++i)
-                runAfter(seconds(0), [ran] { ++*ran; });
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(8, [ran] {
+        for (int i = 0; i < 1000; ++i)
+            runAfter(seconds(0), [ran] { ++*ran; });
+    });
     EXPECT_TRUE(waitUntil([&] { return *ran == 8000 && ran.use_count() == 1; }));
     EXPECT_EQ(*ran, 8000);
 }

@@ -68,5 +68,7 @@ private:
 
 /// A behaviour: waits at the gate, then drops the row and ends well.
 TestJob::Behaviour waitAt(const std::shared_ptr<Gate>& gate);
+/// All jobs behave so from now on.   Returns: their gate.
+std::shared_ptr<Gate> holdJobs();
 
 } // namespace orlo::test

@@ -1,16 +1,14 @@
 #include "HostCommands.h"
 
-#include "support/FaultyFiles.h"
+#include "FaultyFiles.h"
+#include "OwnProcess.h"
+#include "SilentLog.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloJobManager/IJobManager.h>
-#include <OrloLogging/ILogManager.h>
 
-#include <csignal>
-#include <iostream>
 #include <memory>
 #include <mutex>
-#include <unistd.h>
 #include <utility>
 
 namespace orlo::test {
@@ -18,14 +16,12 @@ namespace orlo::test {
 namespace {
 
 /// Keeps the errors for whoever asks.
-class Errors : public ILogManager
+class Errors : public SilentLog
 {
 public:
-    void LogInfo(const std::wstring&) override {}
-    void LogWarning(const std::wstring&) override {}
     void LogError(const std::wstring& message) override
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_all += (m_all.empty() ? L"" : L" / ") + message;
     }
     void LogErrorAt(const std::string&, int, const std::string&, const std::wstring& message, const std::wstring&) override
@@ -34,7 +30,7 @@ public:
     }
     std::string take()
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         const std::wstring all = std::exchange(m_all, {});
         return all.empty() ? "-" : utils::toString(all);
     }
@@ -61,7 +57,7 @@ std::string killAtStep(const std::string& step)
     return "yes";
 }
 
-HostCommands commonCommands(const std::shared_ptr<Errors>& errors)
+LineCommands commonCommands(const std::shared_ptr<Errors>& errors)
 {
     return {
         {"start", start},
@@ -81,31 +77,17 @@ HostCommands commonCommands(const std::shared_ptr<Errors>& errors)
 
 void dieAt(const std::string& point)
 {
-    if (point != killPoint)
-        return;
-    ::kill(::getpid(), SIGKILL);
-    ::pause();
+    if (point == killPoint)
+        killOwnProcess();
 }
 
-std::string yesOrNo(bool answer)
-{
-    return answer ? "yes" : "no";
-}
-
-int runHost(const HostCommands& commands)
+int runHost(const LineCommands& commands)
 {
     const auto errors = std::make_shared<Errors>();
     ILogManager::Install(errors);
-    HostCommands all = commonCommands(errors);
+    LineCommands all = commonCommands(errors);
     all.insert(commands.begin(), commands.end());
-    std::string line;
-    while (std::getline(std::cin, line) && line != "leave") {
-        const std::string command = line.substr(0, line.find(' '));
-        const std::string argument = command.size() < line.size() ? line.substr(command.size() + 1) : std::string();
-        const auto found = all.find(command);
-        std::cout << (found == all.end() ? "what?" : found->second(argument)) << std::endl;
-    }
-    return 0;
+    return obeyInput(all);
 }
 
 } // namespace orlo::test

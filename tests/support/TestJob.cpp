@@ -38,19 +38,19 @@ TestJob::~TestJob() = default;
 
 void TestJob::behave(Behaviour behaviour)
 {
-    const std::lock_guard<std::mutex> lock(record().mutex);
+    const std::lock_guard lock(record().mutex);
     record().behaviour = std::move(behaviour);
 }
 
 std::vector<std::string> TestJob::ran()
 {
-    const std::lock_guard<std::mutex> lock(record().mutex);
+    const std::lock_guard lock(record().mutex);
     return record().ran;
 }
 
 std::size_t TestJob::ranCount()
 {
-    const std::lock_guard<std::mutex> lock(record().mutex);
+    const std::lock_guard lock(record().mutex);
     return record().ran.size();
 }
 
@@ -62,7 +62,7 @@ std::size_t TestJob::comparisons()
 void TestJob::forgetAll()
 {
     behave(nullptr);
-    const std::lock_guard<std::mutex> lock(record().mutex);
+    const std::lock_guard lock(record().mutex);
     record().ran.clear();
     record().comparisons = 0;
 }
@@ -71,7 +71,7 @@ bool TestJob::Run()
 {
     Behaviour behaviour;
     {
-        const std::lock_guard<std::mutex> lock(record().mutex);
+        const std::lock_guard lock(record().mutex);
         record().ran.push_back(name);
         behaviour = record().behaviour;
     }
@@ -126,7 +126,7 @@ std::vector<std::string> namesOf(const IJobEntity::List& jobs)
 
 void Gate::open()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_isOpen = true;
     m_changed.notify_all();
 }
@@ -134,13 +134,20 @@ void Gate::open()
 bool Gate::wait()
 {
     ++m_arrived;
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, std::chrono::seconds(60), [this] { return m_isOpen; });
 }
 
 TestJob::Behaviour waitAt(const std::shared_ptr<Gate>& gate)
 {
     return [gate](TestJob& job) { return gate->wait() && job.remove(); };
+}
+
+std::shared_ptr<Gate> holdJobs()
+{
+    auto gate = std::make_shared<Gate>();
+    TestJob::behave(waitAt(gate));
+    return gate;
 }
 
 } // namespace orlo::test
