@@ -77,13 +77,6 @@ TEST_F(SpaceConfigUpdateWireTest, aFailureOfTheTransportIsNotLogged)
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(SpaceConfigUpdateWireTest, anErrorStatusLeavesTheAnswerInTheErrorCode)
-{
-    server.expect("POST", configOfProject).body("{}").reply(409, "conflict");
-    EXPECT_FALSE(OrloWebService::UpdateSpaceConfig(error, L"{}", L"p-1"));
-    expectHttpError(error, errorStatusValue, L"HttpError", L"conflict", 409);
-}
-
 TEST_F(SpaceConfigUpdateWireTest, anEmptyTextIsRefused)
 {
     EXPECT_FALSE(updateSpaceConfig(L"", L"p-1"));

@@ -1,3 +1,4 @@
+#include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <BaseCommon/Text.h>
@@ -66,8 +67,7 @@ TEST_F(SpaceConfigWireTest, readsOneVersionAsAnObject)
     EXPECT_EQ(config->GetItems()[0]->GetName(), L"场地");
     ASSERT_EQ(config->GetItems()[0]->GetSubSpaces().size(), 1u);
     EXPECT_EQ(config->GetItems()[0]->GetSubSpaces()[0]->GetId(), L"b");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(SpaceConfigWireTest, theShortFormGivesTheSame)
@@ -108,8 +108,7 @@ TEST_F(SpaceConfigWireTest, theTextIsTheWholeAnswer)
     std::wstring text = L"before";
     EXPECT_TRUE(project->GetSpaceConfig(3, text, error));
     EXPECT_EQ(text, LR"({"configValue":"{\"data\":[],\"a\":\"层\\n\"}","more":[null],"scopeEntityId":"p-1","version":3})");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(SpaceConfigWireTest, theTextIsNotLookedInto)
@@ -124,33 +123,16 @@ TEST_F(SpaceConfigWireTest, theTextIsNotLookedInto)
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(SpaceConfigWireTest, aFailedReadLeavesTheTextAsItWas)
+TEST_F(SpaceConfigWireTest, bothFormsFailAsEveryRetriedOperationDoes)
 {
-    server.expect("GET", version3).reply(404, "gone");
-    server.expect("GET", version3).reply(200, "{");
+    RequestingOperation read{"GET", version3, "", L"Project::GetSpaceConfig - code:",
+                             [&](ErrorCode& ec) { return project->GetSpaceConfig(3, ec) != nullptr; }};
+    read.goodAnswer = answer3;
+    expectFailuresOf(read, server, log);
     std::wstring text = L"before";
-    EXPECT_FALSE(project->GetSpaceConfig(3, text, error));
-    expectHttpError(error, errorStatusValue, L"HttpError", L"gone", 404);
-    EXPECT_EQ(log.lines(), Lines{L"E [ORLOSDK]Project::GetSpaceConfig - code:404"});
-    EXPECT_FALSE(project->GetSpaceConfig(3, text, error));
-    EXPECT_EQ(error.GetValue(), exceptionValue);
+    read.succeeds = [&](ErrorCode& ec) { return project->GetSpaceConfig(3, text, ec); };
+    expectFailuresOf(read, server, log);
     EXPECT_EQ(text, L"before");
-}
-
-TEST_F(SpaceConfigWireTest, anotherStatusIsLoggedAndGivesNoObject)
-{
-    server.expect("GET", version3).reply(404, R"({"message":"没有"})");
-    EXPECT_EQ(project->GetSpaceConfig(3, error), nullptr);
-    expectHttpError(error, errorStatusValue, L"HttpError", LR"({"message":"没有"})", 404);
-    for (const int status : {201, 204, 302}) {
-        server.expect("GET", version3).reply(status, answer3);
-        EXPECT_EQ(project->GetSpaceConfig(3, error), nullptr) << status;
-        expectClear(error);
-    }
-    EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]Project::GetSpaceConfig - code:404",
-                                  L"E@orlo::Project::GetSpaceConfig 传入的ErrorCode，已有错误存在:{\"message\":\"没有\"}",
-                                  L"E [ORLOSDK]Project::GetSpaceConfig - code:201", L"E [ORLOSDK]Project::GetSpaceConfig - code:204",
-                                  L"E [ORLOSDK]Project::GetSpaceConfig - code:302"}));
 }
 
 TEST_F(SpaceConfigWireTest, bothFormsAreRetried)
@@ -168,21 +150,6 @@ TEST_F(SpaceConfigWireTest, bothFormsAreRetried)
     expectClear(error);
     EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]Project::GetSpaceConfig - code:429",
                                   L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[1]"}));
-}
-
-TEST_F(SpaceConfigWireTest, theRetriesComeToAnEnd)
-{
-    server.expect("GET", version3).times(4).reply(500, "broken");
-    EXPECT_EQ(project->GetSpaceConfig(3, error), nullptr);
-    expectHttpError(error, errorStatusValue, L"HttpError", L"broken", 500);
-    EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]Project::GetSpaceConfig - code:500",
-                                  L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[1]",
-                                  L"E [ORLOSDK]Project::GetSpaceConfig - code:500",
-                                  L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[2]",
-                                  L"E [ORLOSDK]Project::GetSpaceConfig - code:500",
-                                  L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[3]",
-                                  L"E [ORLOSDK]Project::GetSpaceConfig - code:500",
-                                  L"E [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - max retry attempts exceeded"}));
 }
 
 TEST_F(SpaceConfigWireTest, aSchemaVersionOfTheFutureGivesAnObjectWithoutItemsAndNoError)
@@ -262,8 +229,7 @@ TEST_F(SpaceConfigWireTest, versionsComeInTheOrderOfTheServer)
     server.expect("GET", versions).reply(200, "[3,1,2,-2147483648,2147483647,1]");
     EXPECT_EQ(project->GetSpaceConfigVersions(error),
               (std::vector<int>{3, 1, 2, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), 1}));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(SpaceConfigWireTest, theShortFormOfTheVersionsGivesTheSame)
@@ -291,17 +257,12 @@ TEST_F(SpaceConfigWireTest, anAnswerToTheVersionsThatIsNoArrayIsEmpty)
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(SpaceConfigWireTest, anotherStatusOfTheVersionsIsLogged)
+TEST_F(SpaceConfigWireTest, theVersionsFailAsEveryRetriedOperationDoes)
 {
-    server.expect("GET", versions).reply(403, "no");
-    EXPECT_TRUE(project->GetSpaceConfigVersions(error).empty());
-    expectHttpError(error, errorStatusValue, L"HttpError", L"no", 403);
-    error.Clear();
-    server.expect("GET", versions).reply(201, "[1]");
-    EXPECT_TRUE(project->GetSpaceConfigVersions(error).empty());
-    expectClear(error);
-    EXPECT_EQ(log.lines(),
-              (Lines{L"E [ORLOSDK]Project::GetSpaceConfigVersions - code:403", L"E [ORLOSDK]Project::GetSpaceConfigVersions - code:201"}));
+    RequestingOperation listing{"GET", versions, "", L"Project::GetSpaceConfigVersions - code:",
+                                [&](ErrorCode& ec) { return !project->GetSpaceConfigVersions(ec).empty(); }};
+    listing.goodAnswer = "[1]";
+    expectFailuresOf(listing, server, log);
 }
 
 TEST_F(SpaceConfigWireTest, theVersionsAreRetried)
@@ -311,17 +272,6 @@ TEST_F(SpaceConfigWireTest, theVersionsAreRetried)
     server.expect("GET", versions).reply(200, "[1]");
     EXPECT_EQ(project->GetSpaceConfigVersions(error), std::vector<int>{1});
     expectClear(error);
-}
-
-TEST_F(SpaceConfigWireTest, versionsThatAreNoJsonAreAnExceptionAndNotRetried)
-{
-    server.expect("GET", versions).reply(200, "[1,");
-    EXPECT_TRUE(project->GetSpaceConfigVersions(error).empty());
-    EXPECT_EQ(error.GetValue(), exceptionValue);
-    const auto failure = std::dynamic_pointer_cast<HttpError>(error.GetCategory());
-    ASSERT_NE(failure, nullptr);
-    EXPECT_EQ(failure->GetName(), L"generic exception");
-    EXPECT_EQ(failure->GetCode(), 5555);
 }
 
 TEST_F(SpaceConfigWireTest, anErrorOnEntryIsLoggedAndWiped)

@@ -53,8 +53,7 @@ TEST_F(DatasetCreationWireTest, createsAWorkUnitOfATeam)
     EXPECT_EQ(info.specialtyId, L"s-1");
     EXPECT_EQ(info.teamId, L"t-1");
     EXPECT_EQ(info.projectId, L"p-1");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(DatasetCreationWireTest, sendsTheIdFirstWhereTheHostGivesOne)
@@ -175,19 +174,19 @@ TEST_F(DatasetCreationWireTest, aGoodEnvelopeWithoutARecordGivesAnEmptyDatasetAn
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(DatasetCreationWireTest, failsAsEveryRetriedOperationDoesAndLogsNoStatus)
+TEST_F(DatasetCreationWireTest, failsAsEveryRequestingOperationDoesAndLogsNoStatus)
 {
-    RetriedOperation operation{"POST", target, plainBody, L"",
-                               [&](ErrorCode& ec) { return !project->CreateDataset(L"模型", L"t-1", L"s-1", L"o-1", ec).id.empty(); }};
+    RequestingOperation operation{"POST", target, plainBody, L"",
+                                  [&](ErrorCode& ec) { return !project->CreateDataset(L"模型", L"t-1", L"s-1", L"o-1", ec).id.empty(); }};
     operation.afterwards = failed;
     expectFailuresOf(operation, server, log);
 }
 
 TEST_F(DatasetCreationWireTest, withAnIdItFailsTheSameWay)
 {
-    RetriedOperation operation{"POST", target, bodyWithId, L"", [&](ErrorCode& ec) {
-                                   return !project->CreateDatasetById(L"模型", L"t-1", L"s-1", L"o-1", "d-9", ec).id.empty();
-                               }};
+    RequestingOperation operation{"POST", target, bodyWithId, L"", [&](ErrorCode& ec) {
+                                      return !project->CreateDatasetById(L"模型", L"t-1", L"s-1", L"o-1", "d-9", ec).id.empty();
+                                  }};
     operation.afterwards = failed;
     expectFailuresOf(operation, server, log);
 }

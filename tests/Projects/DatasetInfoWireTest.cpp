@@ -1,3 +1,4 @@
+#include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
@@ -68,34 +69,15 @@ TEST_F(DatasetInfoWireTest, anAnswerWithoutDataIsAnEmptyRecord)
     expectClear(error);
 }
 
-TEST_F(DatasetInfoWireTest, anErrorStatusIsNotRetried)
+TEST_F(DatasetInfoWireTest, aReadFailsAsEveryDirectCallDoes)
 {
-    server.expect("GET", "/v2/dataSets/d-1").reply(503, "busy");
-    expectEmpty(manager.GetDatasetInfo("d-1", error));
-    expectHttpError(error, -402653182, L"HttpError", L"busy", 503);
-    EXPECT_EQ(log.lines(), Lines{L"E [ORLOSDK]OrloWebService::GetDatasetInfo - code:503"});
-}
-
-TEST_F(DatasetInfoWireTest, aTransportFailureKeepsItsCodeAndIsNeitherLoggedNorRetried)
-{
-    server.expect("GET", "/v2/dataSets/d-1").reset();
-    expectEmpty(manager.GetDatasetInfo("d-1", error));
-    EXPECT_EQ(server.requestCount(), 1u);
-    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
-    EXPECT_EQ(log.lines(), Lines{});
-}
-
-TEST_F(DatasetInfoWireTest, aBodyThatIsNoJsonIsAnExceptionOfTheFrame)
-{
-    server.expect("GET", "/v2/dataSets/d-1").reply(200, "<html>");
-    expectEmpty(manager.GetDatasetInfo("d-1", error));
-    EXPECT_EQ(error.GetValue(), 3892314114);
-    const auto failure = std::dynamic_pointer_cast<HttpError>(error.GetCategory());
-    ASSERT_NE(failure, nullptr);
-    EXPECT_EQ(failure->GetName(), L"HttpError");
-    EXPECT_EQ(failure->GetCode(), 5555);
-    EXPECT_EQ(log.lines(), Lines{L"E@orlo::ProjectManager::GetDatasetInfo [END_API_IMPLEMENTATION][A generic exception caught] message[" +
-                                 error.GetErrorMessage() + L"]"});
+    RequestingOperation read{"GET", "/v2/dataSets/d-1", "", L"OrloWebService::GetDatasetInfo - code:", [&](ErrorCode& ec) {
+                                 expectEmpty(manager.GetDatasetInfo("d-1", ec));
+                                 return false;
+                             }};
+    read.frame = L"orlo::ProjectManager::GetDatasetInfo";
+    read.goodAnswer = R"({"code":10000,"data":)" + std::string(dataset) + "}";
+    expectFailuresOf(read, server, log);
 }
 
 TEST_F(DatasetInfoWireTest, anEarlierErrorSurvivesADirectCallThatSucceeds)
@@ -111,8 +93,7 @@ TEST_F(DatasetInfoWireTest, readsADatasetByItsModelingId)
 {
     server.expect("POST", "/dataset/modelingid").body(R"(["m-1"])").reply(200, R"({"data":[)" + std::string(dataset) + "]}");
     expectDataset(manager.GetDatasetInfoByModelingId("m-1", error));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(DatasetInfoWireTest, aModelingIdMustNameExactlyOneDataset)
@@ -132,20 +113,16 @@ TEST_F(DatasetInfoWireTest, aModelingIdMustNameExactlyOneDataset)
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(DatasetInfoWireTest, aFailedReadByModelingIdIsLoggedUnderSharedWordsAndNotRetried)
+TEST_F(DatasetInfoWireTest, aReadByModelingIdFailsAsEveryDirectCallDoesUnderSharedWords)
 {
-    server.expect("POST", "/dataset/modelingid").body(R"(["m-1"])").reply(500, "busy");
-    expectEmpty(manager.GetDatasetInfoByModelingId("m-1", error));
-    expectHttpError(error, -402653182, L"HttpError", L"busy", 500);
-    EXPECT_EQ(log.lines(), Lines{L"E [ORLOSDK]OrloWebService::getProjectIdByModelingId - code:500"});
-}
-
-TEST_F(DatasetInfoWireTest, aTransportFailureByModelingIdIsNeitherLoggedNorRetried)
-{
-    server.expect("POST", "/dataset/modelingid").body(R"(["m-1"])").reset();
-    expectEmpty(manager.GetDatasetInfoByModelingId("m-1", error));
-    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
-    EXPECT_EQ(log.lines(), Lines{});
+    RequestingOperation read{"POST", "/dataset/modelingid", R"(["m-1"])", L"OrloWebService::getProjectIdByModelingId - code:",
+                             [&](ErrorCode& ec) {
+                                 expectEmpty(manager.GetDatasetInfoByModelingId("m-1", ec));
+                                 return false;
+                             }};
+    read.frame = L"orlo::ProjectManager::GetDatasetInfoByModelingId";
+    read.goodAnswer = R"({"data":[)" + std::string(dataset) + "]}";
+    expectFailuresOf(read, server, log);
 }
 
 TEST_F(DatasetInfoWireTest, listsTheDatasetsOfAFolderInOrderWithoutTheirModelingIds)
@@ -179,20 +156,13 @@ TEST_F(DatasetInfoWireTest, aFolderWithoutDatasetsIsAnEmptyListAndNoError)
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(DatasetInfoWireTest, aFailedListingOfAFolderIsLoggedAndNotRetried)
+TEST_F(DatasetInfoWireTest, theListingOfAFolderFailsAsEveryDirectCallDoes)
 {
-    server.expect("GET", "/dataset/byfolder?folderId=f-1").reply(500, "busy");
-    EXPECT_TRUE(manager.GetDatasetInfosInFolder(L"f-1", error).empty());
-    expectHttpError(error, -402653182, L"HttpError", L"busy", 500);
-    EXPECT_EQ(log.lines(), Lines{L"E [ORLOSDK]OrloWebService::GetDataSetsByFolder - code:500"});
-}
-
-TEST_F(DatasetInfoWireTest, aTransportFailureOfAFolderIsNeitherLoggedNorRetried)
-{
-    server.expect("GET", "/dataset/byfolder?folderId=f-1").reset();
-    EXPECT_TRUE(manager.GetDatasetInfosInFolder(L"f-1", error).empty());
-    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
-    EXPECT_EQ(log.lines(), Lines{});
+    RequestingOperation listing{"GET", "/dataset/byfolder?folderId=f-1", "", L"OrloWebService::GetDataSetsByFolder - code:",
+                                [&](ErrorCode& ec) { return !manager.GetDatasetInfosInFolder(L"f-1", ec).empty(); }};
+    listing.frame = L"orlo::ProjectManager::GetDatasetInfosInFolder";
+    listing.goodAnswer = "[" + std::string(dataset) + "]";
+    expectFailuresOf(listing, server, log);
 }
 
 } // namespace

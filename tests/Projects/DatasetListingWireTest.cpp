@@ -34,8 +34,7 @@ TEST_F(DatasetListingWireTest, listsTheDraftsInTheOrderOfTheAnswer)
     EXPECT_EQ(out[0].projectId, L"p-1");
     EXPECT_EQ(out[1].id, "d-1");
     EXPECT_EQ(static_cast<int>(out[1].type), 0);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(DatasetListingWireTest, listsTheCommittedOnesBehindWhatTheListHolds)
@@ -74,8 +73,7 @@ TEST_F(DatasetListingWireTest, aStatusWithoutATextSendsNothing)
 TEST_F(DatasetListingWireTest, aStatusWithoutATextAssignsNoErrorAndLogsNothing)
 {
     EXPECT_FALSE(list(2));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(DatasetListingWireTest, theAnswerIsTheBareArray)
@@ -85,11 +83,10 @@ TEST_F(DatasetListingWireTest, theAnswerIsTheBareArray)
         EXPECT_TRUE(list(0)) << body;
         EXPECT_TRUE(out.empty()) << body;
     }
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
-TEST_F(DatasetListingWireTest, failsAsEveryRetriedOperationDoesInTheWordsOfTheProjectListing)
+TEST_F(DatasetListingWireTest, failsAsEveryRequestingOperationDoesInTheWordsOfTheProjectListing)
 {
     expectFailuresOf({"GET", committedTarget, "", L"OrloWebService::GetAllProjects - code:",
                       [&](ErrorCode& ec) { return project->GetDatasetBySatatus(DatasetStatus::Committed, out, ec); }},

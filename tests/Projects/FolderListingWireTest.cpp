@@ -36,8 +36,7 @@ TEST_F(FolderListingWireTest, buildsTheTreeAndAsksForTheDatasetsOfEachFolderBefo
 {
     expectTree();
     EXPECT_EQ(drawn(project->GetFolders(error)), L"r1{c1{g1} c2} r2");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(FolderListingWireTest, everyFolderHasTheFieldsOfItsRecord)
@@ -90,8 +89,7 @@ TEST_F(FolderListingWireTest, aListingWithoutARootIsEmptyWhateverElseItHolds)
 {
     server.expect("GET", listing).reply(200, R"([{"id":"a","parentId":"x"},{"id":"b","parentId":"a"}])");
     EXPECT_TRUE(project->GetFolders(error).empty());
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(FolderListingWireTest, aRecordWithoutAParentIdThatIsTextIsARoot)
@@ -237,7 +235,7 @@ TEST_F(FolderListingWireTest, aProjectWithoutAnIdIsRefused)
     EXPECT_EQ(server.requestCount(), 0u);
 }
 
-TEST_F(FolderListingWireTest, failsAsEveryRetriedOperationDoes)
+TEST_F(FolderListingWireTest, failsAsEveryRequestingOperationDoes)
 {
     expectFailuresOf({"GET", listing, "", L"OrloWebService::GetAllFoldersByProject - code:",
                       [&](ErrorCode& ec) { return !project->GetFolders(ec).empty(); }},

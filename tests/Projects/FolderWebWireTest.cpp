@@ -48,8 +48,7 @@ TEST_F(FolderWebWireTest, readsTheRootFolderFromTheDataWhateverTheCode)
         EXPECT_EQ(record.id, L"root") << body;
         EXPECT_EQ(record.name, L"根") << body;
     }
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(FolderWebWireTest, anAnswerWithoutDataHasNoRootFolder)
@@ -60,8 +59,7 @@ TEST_F(FolderWebWireTest, anAnswerWithoutDataHasNoRootFolder)
         EXPECT_FALSE(OrloWebService::GetRootFolderOfProject(error, record, L"p-1")) << body;
     }
     EXPECT_EQ(record.id, L"kept");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(FolderWebWireTest, saysInTheQueryWhetherTheSubFoldersAreListedToTheBottom)

@@ -37,8 +37,7 @@ TEST_F(PermissionTypesWireTest, ofSeveralPermissionsWriteComesFirstThenSoftWrite
                     R"({"resource":"d","permissionTypes":["Read"]},{"resource":"e","permissionTypes":["SoftWrite"]}]})");
     EXPECT_TRUE(project->GetPermissionTypes(out, error));
     EXPECT_EQ(found(), (Types{{L"模型", 2}, {L"b", 2}, {L"c", 3}, {L"d", 1}, {L"e", 3}}));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(PermissionTypesWireTest, anythingElseIsNoPermission)
@@ -173,47 +172,15 @@ TEST_F(PermissionTypesWireTest, itsOwnLineCarriesItsPosition)
     EXPECT_GT(line.line, 0);
 }
 
-TEST_F(PermissionTypesWireTest, anErrorStatusIsLoggedTwiceAndNeverRetried)
+TEST_F(PermissionTypesWireTest, failsAsEveryDirectCallDoesAndLogsAStatusTwice)
 {
-    const std::pair<int, const wchar_t*> rows[] = {{403, L"403"}, {500, L"500"}, {503, L"503"}};
-    for (const auto& [status, digits] : rows) {
-        log.clear();
-        error.Clear();
-        server.expect("GET", target).reply(status, "words");
-        EXPECT_FALSE(project->GetPermissionTypes(out, error));
-        expectHttpError(error, -402653182, L"HttpError", L"words", status);
-        EXPECT_EQ(log.lines(),
-                  (Lines{L"E [ORLOSDK]OrloWebService::GetAuthorizationOfUserInProject - code:" + std::wstring(digits), notDone}));
-    }
-    EXPECT_EQ(server.requestCount(), 3u);
-}
-
-TEST_F(PermissionTypesWireTest, anotherStatusThanSuccessAssignsNoError)
-{
-    server.expect("GET", target).reply(201, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["Write"]}]})");
-    EXPECT_FALSE(project->GetPermissionTypes(out, error));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]OrloWebService::GetAuthorizationOfUserInProject - code:201", notDone}));
+    RequestingOperation question{"GET", target, "", L"OrloWebService::GetAuthorizationOfUserInProject - code:",
+                                 [&](ErrorCode& ec) { return project->GetPermissionTypes(out, ec); }};
+    question.frame = L"orlo::Project::GetPermissionTypes";
+    question.afterwards = notDone;
+    question.goodAnswer = R"({"code":10000,"data":[{"resource":"a","permissionTypes":["Write"]}]})";
+    expectFailuresOf(question, server, log);
     EXPECT_TRUE(out.empty());
-}
-
-TEST_F(PermissionTypesWireTest, aTransportFailureKeepsItsCodeAndIsNotLogged)
-{
-    server.expect("GET", target).reset();
-    EXPECT_FALSE(project->GetPermissionTypes(out, error));
-    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
-    EXPECT_EQ(log.lines(), Lines{});
-    EXPECT_EQ(server.requestCount(), 1u);
-}
-
-TEST_F(PermissionTypesWireTest, aBodyThatIsNoJsonIsAnException)
-{
-    server.expect("GET", target).reply(200, "<html>");
-    EXPECT_FALSE(project->GetPermissionTypes(out, error));
-    ASSERT_NE(error.GetErrorMessage(), L"");
-    expectHttpError(error, 3892314114, L"HttpError", error.GetErrorMessage(), 5555);
-    EXPECT_EQ(log.lines(), Lines{L"E@orlo::Project::GetPermissionTypes [END_API_IMPLEMENTATION][A generic exception caught] message[" +
-                                 error.GetErrorMessage() + L"]"});
 }
 
 TEST_F(PermissionTypesWireTest, anEarlierErrorIsLoggedAndStays)

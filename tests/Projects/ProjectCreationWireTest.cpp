@@ -1,3 +1,4 @@
+#include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
@@ -58,7 +59,7 @@ TEST_F(ProjectCreationWireTest, escapesTheNameForJson)
     server.expect("POST", "/v3/projects")
         .body("{\"name\":\"a\\\"b\\\\c\\n\xF0\x9F\x98\x80\",\"status\":\"Ongoing\",\"templateId\":\"t\",\"description\":\"\"}")
         .reply(200, created);
-    EXPECT_NE(manager.CreateProject(L"a\"b\\c\n\x1F600", static_cast<ProjectStatus>(0), std::wstring(L"t")), nullptr);
+    EXPECT_NE(manager.CreateProject(L"a\"b\\c\n\U0001F600", static_cast<ProjectStatus>(0), std::wstring(L"t")), nullptr);
 }
 
 TEST_F(ProjectCreationWireTest, aTemplateIsSentAndGetsNoDefaultSpaceConfig)
@@ -156,13 +157,14 @@ TEST_F(ProjectCreationWireTest, theFormsWithATemplateTellOnlyThatTheyFailed)
                                   L"E@orlo::ProjectManager::CreateProjectById fail to create project."}));
 }
 
-TEST_F(ProjectCreationWireTest, anErrorStatusIsLoggedAndNoConfigIsAdded)
+TEST_F(ProjectCreationWireTest, failsAsEveryRetriedOperationDoesSaysSoAndAddsNoConfig)
 {
-    server.expect("POST", "/v3/projects").body(plainBody).reply(409, R"({"code":40901,"message":"已存在"})");
-    EXPECT_EQ(manager.CreateProject(L"示例", static_cast<ProjectStatus>(0), error), nullptr);
-    expectHttpError(error, -402653182, L"HttpError", L"{\"code\":40901,\"message\":\"已存在\"}", 409);
-    EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]OrloWebService::CreateProjectV2 - code:409",
-                                  L"E@orlo::ProjectManager::CreateProject fail to create project."}));
+    RequestingOperation creation{"POST", "/v3/projects", plainBody, L"OrloWebService::CreateProjectV2 - code:", [&](ErrorCode& ec) {
+                                     return manager.CreateProject(L"示例", static_cast<ProjectStatus>(0), ec) != nullptr;
+                                 }};
+    creation.afterwards = L"E@orlo::ProjectManager::CreateProject fail to create project.";
+    creation.goodAnswer = created;
+    expectFailuresOf(creation, server, log);
 }
 
 TEST_F(ProjectCreationWireTest, aTransientErrorStatusIsRetriedWithTheSameBody)

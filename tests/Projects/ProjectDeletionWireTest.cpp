@@ -45,13 +45,6 @@ TEST_F(ProjectDeletionWireTest, anotherStatusIsAFailureAndNotRetried)
               (Lines{L"E [ORLOSDK]OrloWebService::DeleteProject - code:500", L"E [ORLOSDK]OrloWebService::DeleteProject - code:204"}));
 }
 
-TEST_F(ProjectDeletionWireTest, anErrorStatusLeavesTheBodyInTheErrorCodeOfTheWebFunction)
-{
-    server.expect("DELETE", "/v2/projects/p-1").reply(403, "not yours");
-    EXPECT_FALSE(OrloWebService::DeleteProject(error, L"p-1"));
-    expectHttpError(error, -402653182, L"HttpError", L"not yours", 403);
-}
-
 TEST_F(ProjectDeletionWireTest, aTransportFailureIsNeitherLoggedNorRetried)
 {
     server.expect("DELETE", "/v2/projects/p-1").reset();

@@ -47,8 +47,7 @@ TEST_F(ProjectFoldersWireTest, buildsTheTreeBelowTheRootFolder)
     const ICollaborationFolder* const b = out[0]->GetSubFolders().at(0);
     EXPECT_EQ(b->GetFolderType(), 2);
     EXPECT_EQ(datasetIds(*b->GetSubFolders().at(0)), (std::vector<std::string>{"d-2", "d-3"}));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ProjectFoldersWireTest, replacesWhatTheListHeld)
@@ -134,11 +133,10 @@ TEST_F(ProjectFoldersWireTest, anAnswerWithoutDataEndsTheCallInSilence)
 {
     server.expect("GET", rootTarget).reply(200, R"({"code":10000,"id":"root"})");
     EXPECT_FALSE(project->GetProjectFolders(out, error));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
-TEST_F(ProjectFoldersWireTest, theRequestForTheRootFailsAsEveryRetriedOperationDoes)
+TEST_F(ProjectFoldersWireTest, theRequestForTheRootFailsAsEveryRequestingOperationDoes)
 {
     expectFailuresOf({"GET", rootTarget, "", L"OrloWebService::GetRootFolderOfProject - code:",
                       [&](ErrorCode& ec) { return project->GetProjectFolders(out, ec); }},
@@ -146,10 +144,10 @@ TEST_F(ProjectFoldersWireTest, theRequestForTheRootFailsAsEveryRetriedOperationD
     EXPECT_TRUE(out.empty());
 }
 
-TEST_F(ProjectFoldersWireTest, theRequestForTheSubFoldersFailsAsEveryRetriedOperationDoes)
+TEST_F(ProjectFoldersWireTest, theRequestForTheSubFoldersFailsAsEveryRequestingOperationDoes)
 {
-    RetriedOperation operation{"GET", subTarget, "", L"OrloWebService::GetSubFoldersOfParentFolder - code:",
-                               [&](ErrorCode& ec) { return project->GetProjectFolders(out, ec); }};
+    RequestingOperation operation{"GET", subTarget, "", L"OrloWebService::GetSubFoldersOfParentFolder - code:",
+                                  [&](ErrorCode& ec) { return project->GetProjectFolders(out, ec); }};
     operation.prepare = [&] { expectRoot(); };
     expectFailuresOf(operation, server, log);
     EXPECT_TRUE(out.empty());

@@ -1,3 +1,4 @@
+#include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/ICollaborationProject.h>
@@ -37,8 +38,7 @@ TEST_F(ProjectLookupWireTest, loadsAProjectUnderTheIdThatWasAskedFor)
     EXPECT_EQ(static_cast<int>(project->GetStatus()), 1);
     EXPECT_EQ(static_cast<int>(project->GetGridType()), 0);
     EXPECT_EQ(project->GetSize(), 12);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ProjectLookupWireTest, theShortFormOfLoadGivesTheSame)
@@ -51,16 +51,12 @@ TEST_F(ProjectLookupWireTest, theShortFormOfLoadGivesTheSame)
     EXPECT_EQ(ICollaborationProject::Load(L"p-2"), nullptr);
 }
 
-TEST_F(ProjectLookupWireTest, aFailedLoadLogsNothing)
+TEST_F(ProjectLookupWireTest, aLoadFailsAsEveryRetriedOperationDoesAndLogsNoStatus)
 {
-    server.expect("GET", "/v2/projects/p-1").reply(404, "gone");
-    EXPECT_EQ(ICollaborationProject::Load(L"p-1", error), nullptr);
-    expectHttpError(error, -402653182, L"HttpError", L"gone", 404);
-    server.expect("GET", "/v2/projects/p-1").reply(201, projectOne);
-    error.Clear();
-    EXPECT_EQ(ICollaborationProject::Load(L"p-1", error), nullptr);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    RequestingOperation load{"GET", "/v2/projects/p-1", "", L"",
+                             [](ErrorCode& ec) { return ICollaborationProject::Load(L"p-1", ec) != nullptr; }};
+    load.goodAnswer = projectOne;
+    expectFailuresOf(load, server, log);
 }
 
 TEST_F(ProjectLookupWireTest, aLoadNeedsTheMarkOfTheEnvelope)
@@ -104,8 +100,7 @@ TEST_F(ProjectLookupWireTest, findsTheProjectOfADatasetAndLoadsIt)
     const auto project = manager.GetProjectByDatasetId("d-1", error);
     ASSERT_NE(project, nullptr);
     EXPECT_EQ(project->GetId(), L"p-7");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ProjectLookupWireTest, theShortFormFindsTheProjectOfADatasetToo)
@@ -126,12 +121,13 @@ TEST_F(ProjectLookupWireTest, aDatasetWithoutAProjectIsLogged)
     }
 }
 
-TEST_F(ProjectLookupWireTest, aFailedLookupOfADatasetIsLogged)
+TEST_F(ProjectLookupWireTest, aLookupOfADatasetFailsAsEveryRetriedOperationDoesAndSaysSo)
 {
-    server.expect("GET", "/folder/hasdataset?datasetId=d-1").reply(404, "gone");
-    EXPECT_EQ(manager.GetProjectByDatasetId("d-1", error), nullptr);
-    expectHttpError(error, -402653182, L"HttpError", L"gone", 404);
-    EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]OrloWebService::getProjectIdByDataset - code:404", L"E [ORLOSDK]Failed to get project id"}));
+    RequestingOperation lookup{"GET", "/folder/hasdataset?datasetId=d-1", "", L"OrloWebService::getProjectIdByDataset - code:",
+                               [&](ErrorCode& ec) { return manager.GetProjectByDatasetId("d-1", ec) != nullptr; }};
+    lookup.afterwards = L"E [ORLOSDK]Failed to get project id";
+    lookup.goodAnswer = R"({"projectId":"p-7"})";
+    expectFailuresOf(lookup, server, log);
 }
 
 TEST_F(ProjectLookupWireTest, aFailedLoadAfterALookupIsNotReportedInTheErrorCode)
@@ -139,8 +135,7 @@ TEST_F(ProjectLookupWireTest, aFailedLoadAfterALookupIsNotReportedInTheErrorCode
     server.expect("GET", "/folder/hasdataset?datasetId=d-1").reply(200, R"({"projectId":"p-7"})");
     server.expect("GET", "/v2/projects/p-7").reply(404, "gone");
     EXPECT_EQ(manager.GetProjectByDatasetId("d-1", error), nullptr);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ProjectLookupWireTest, anIdThatFitsNoAddressIsAnExceptionAndSendsNothing)
@@ -160,8 +155,7 @@ TEST_F(ProjectLookupWireTest, findsTheProjectOfAModelingIdAndRemembersIt)
     EXPECT_EQ(first->GetId(), L"p-8");
     EXPECT_EQ(manager.GetProjectByModelingId("m-remember", error), first);
     EXPECT_EQ(server.requestCount(), 2u);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ProjectLookupWireTest, remembersTheLastModelingIdAlone)
@@ -223,13 +217,13 @@ TEST_F(ProjectLookupWireTest, anAnswerToAModelingIdOfAnotherShapeFindsNothing)
     EXPECT_EQ(log.count(L"E [ORLOSDK]Failed to get project id by modeling id :m-shape"), 7u);
 }
 
-TEST_F(ProjectLookupWireTest, aFailedLookupOfAModelingIdIsLogged)
+TEST_F(ProjectLookupWireTest, aLookupOfAModelingIdFailsAsEveryRetriedOperationDoesAndSaysSo)
 {
-    server.expect("POST", "/dataset/modelingid").body(R"(["m-fail"])").reply(400, "bad");
-    EXPECT_EQ(manager.GetProjectByModelingId("m-fail", error), nullptr);
-    expectHttpError(error, -402653182, L"HttpError", L"bad", 400);
-    EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]OrloWebService::getProjectIdByModelingId - code:400",
-                                  L"E [ORLOSDK]Failed to get project id by modeling id :m-fail"}));
+    RequestingOperation lookup{"POST", "/dataset/modelingid", R"(["m-fail"])", L"OrloWebService::getProjectIdByModelingId - code:",
+                               [&](ErrorCode& ec) { return manager.GetProjectByModelingId("m-fail", ec) != nullptr; }};
+    lookup.afterwards = L"E [ORLOSDK]Failed to get project id by modeling id :m-fail";
+    lookup.goodAnswer = R"({"code":10000,"data":[{"projectId":"p-8"}]})";
+    expectFailuresOf(lookup, server, log);
 }
 
 TEST_F(ProjectLookupWireTest, aLookupOfAModelingIdIsRetried)

@@ -1,3 +1,4 @@
+#include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
@@ -61,8 +62,7 @@ TEST_F(ResourceStatusWireTest, countsTheOwnedProjectsAndAddsTheirSizes)
     EXPECT_EQ(status.projectNumber, 20);
     EXPECT_EQ(status.spaceUsed, 5000000007);
     EXPECT_EQ(status.spaceSize, 1024);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ResourceStatusWireTest, theShortFormGivesTheSame)
@@ -92,8 +92,7 @@ TEST_F(ResourceStatusWireTest, aLimitThatIsNoIntegerIsMinusOne)
     EXPECT_TRUE(manager.GetResourceStatus(status, error));
     EXPECT_EQ(status.projectNumber, -1);
     EXPECT_EQ(status.spaceSize, -1);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ResourceStatusWireTest, sizesThatDoNotFitTogetherStopAtTheLimit)
@@ -126,12 +125,13 @@ TEST_F(ResourceStatusWireTest, aMissingLimitOfSpaceIsLogged)
     expectRefused(R"({"data":{"projectNumber":20}})", {L"E [ORLOSDK]异常，没有获取到spaceSize", notSuccess});
 }
 
-TEST_F(ResourceStatusWireTest, anErrorStatusIsLoggedTwice)
+TEST_F(ResourceStatusWireTest, failsAsEveryRetriedOperationDoesAndSaysSo)
 {
-    server.expect("GET", "/resource/limit").reply(403, "no");
-    EXPECT_FALSE(manager.GetResourceStatus(status, error));
-    expectHttpError(error, -402653182, L"HttpError", L"no", 403);
-    EXPECT_EQ(log.lines(), (Lines{L"E [ORLOSDK]OrloWebService::GetResourceLimit - code:403", notSuccess}));
+    RequestingOperation question{"GET", "/resource/limit", "", L"OrloWebService::GetResourceLimit - code:",
+                                 [&](ErrorCode& ec) { return manager.GetResourceStatus(status, ec); }};
+    question.afterwards = notSuccess;
+    question.goodAnswer = R"({"data":{"projectNumber":20,"spaceSize":1024}})";
+    expectFailuresOf(question, server, log);
     expectUntouched();
 }
 

@@ -32,8 +32,7 @@ TEST_F(SpecialtiesWireTest, givesTheIdOfEveryType)
                     R"({"id":"s-2","type":"ZIM"},{"id":"s-0","type":"Unknown","name":"n","projectId":"p-1","description":"d"}]})");
     EXPECT_TRUE(project->GetSpecialtyTypes(out, error));
     EXPECT_EQ(found(), (Ids{{0, L"s-0"}, {1, L"s-1"}, {2, L"s-2"}, {3, L"s-3"}, {4, L"s-4"}}));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(SpecialtiesWireTest, ofTwoRecordsOfATypeTheLaterOneWins)
@@ -111,10 +110,10 @@ TEST_F(SpecialtiesWireTest, anEmptyArrayIsASuccess)
     EXPECT_TRUE(out.empty());
 }
 
-TEST_F(SpecialtiesWireTest, theListingFailsAsEveryRetriedOperationDoes)
+TEST_F(SpecialtiesWireTest, theListingFailsAsEveryRequestingOperationDoes)
 {
-    RetriedOperation operation{"GET", listTarget, "", L"OrloWebService::GetSpecialtiesInProject - code:",
-                               [&](ErrorCode& ec) { return project->GetSpecialtyTypes(out, ec); }};
+    RequestingOperation operation{"GET", listTarget, "", L"OrloWebService::GetSpecialtiesInProject - code:",
+                                  [&](ErrorCode& ec) { return project->GetSpecialtyTypes(out, ec); }};
     operation.afterwards = L"E [ORLOSDK]fail to get specialties of project.";
     expectFailuresOf(operation, server, log);
     EXPECT_TRUE(out.empty());
@@ -140,8 +139,7 @@ TEST_F(SpecialtiesWireTest, createsASpecialtyOfEveryType)
             .reply(200, R"({"code":10000,"data":{"id":"s-9","type":"ZOK"}})");
         EXPECT_EQ(project->CreateSpecialty(static_cast<SpecialtyType>(type), L"结构", error), L"s-9");
     }
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(SpecialtiesWireTest, aSpecialtyMayBeCreatedWithoutAName)
@@ -186,7 +184,7 @@ TEST_F(SpecialtiesWireTest, aTypeWithoutATextIsRefused)
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(SpecialtiesWireTest, theCreationFailsAsEveryRetriedOperationDoesAndLogsNoStatus)
+TEST_F(SpecialtiesWireTest, theCreationFailsAsEveryRequestingOperationDoesAndLogsNoStatus)
 {
     expectFailuresOf({"POST", "/specialties", R"({"projectId":"p-1","type":"ZEB","name":"n"})", L"",
                       [&](ErrorCode& ec) { return !project->CreateSpecialty(SpecialtyType::ZEB, L"n", ec).empty(); }},

@@ -28,8 +28,7 @@ TEST_F(SpecialtyWireTest, readsTheTypeOfEachSpecialty)
     EXPECT_EQ(typeOf(L"type-2"), 2);
     EXPECT_EQ(typeOf(L"type-3"), 3);
     EXPECT_EQ(typeOf(L"type-4"), 4);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(SpecialtyWireTest, remembersEveryTypeForGood)
@@ -69,15 +68,14 @@ TEST_F(SpecialtyWireTest, anAnswerWithoutDataIsUnknownInSilence)
 {
     server.expect("GET", "/specialties/no-data").reply(200, R"({"code":10000,"type":"ZOK"})");
     EXPECT_EQ(typeOf(L"no-data"), 0);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(SpecialtyWireTest, aTransportFailureKeepsItsCodeAndSticksToo)
 {
     server.expect("GET", "/specialties/reset").reset();
     EXPECT_EQ(typeOf(L"reset"), 0);
-    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), 104);
+    expectHttpError(error, 3892314114, L"generic exception", resetBy(server.url()), resetCode);
     EXPECT_EQ(log.lines(), Lines{});
     error.Clear();
     EXPECT_EQ(typeOf(L"reset"), 0);

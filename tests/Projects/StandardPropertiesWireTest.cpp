@@ -1,3 +1,4 @@
+#include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <BaseCommon/Text.h>
@@ -57,8 +58,7 @@ TEST_F(StandardPropertiesWireTest, readsEveryTypeInTheOrderOfTheAnswer)
     EXPECT_TRUE(project.GetProjectStandardProperties(out, error));
     EXPECT_EQ(told(out), (Lines{L"a 0 文本 🏢", L"b 1 -7", L"c 2 5000000000", L"d 3 2.500000", L"e 4 2024-03-01T08:00:00Z", L"f 5 true",
                                 L"g 6 A-1", L"h 7 x", L"i 8 y", L"编号 -1 z", L" -1 "}));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(StandardPropertiesWireTest, aPropertyWithATextAndAnIntegerTakesTheInteger)
@@ -121,21 +121,18 @@ TEST_F(StandardPropertiesWireTest, noPropertiesAreKeptToo)
     EXPECT_EQ(server.requestCount(), 4u);
 }
 
-TEST_F(StandardPropertiesWireTest, aFailedReadKeepsNothingAndIsNotLogged)
+TEST_F(StandardPropertiesWireTest, theReadFailsAsEveryRetriedOperationDoesLogsNoStatusAndKeepsNothing)
 {
     out = earlier;
-    server.expect("GET", projectAddress).reply(404, "gone");
-    EXPECT_FALSE(project.GetProjectStandardProperties(out, error));
-    expectHttpError(error, errorStatusValue, L"HttpError", L"gone", 404);
-    EXPECT_EQ(log.lines(), Lines{});
-    error.Clear();
+    RequestingOperation read{"GET", projectAddress, "", L"", [&](ErrorCode& ec) { return project.GetProjectStandardProperties(out, ec); }};
+    read.goodAnswer = projectWith("[]");
+    expectFailuresOf(read, server, log);
+    log.clear();
     for (const char* body : {R"({"code":1,"data":{"standardProperties":[]}})", R"({"data":{"standardProperties":[]}})", "[]", "null"}) {
         server.expect("GET", projectAddress).reply(200, body);
         EXPECT_FALSE(project.GetProjectStandardProperties(out, error)) << body;
         expectClear(error);
     }
-    server.expect("GET", projectAddress).reply(201, projectWith("[]"));
-    EXPECT_FALSE(project.GetProjectStandardProperties(out, error));
     EXPECT_EQ(told(out), Lines{L"earlier -1 "});
     EXPECT_EQ(log.lines(), Lines{});
     server.expect("GET", projectAddress).reply(200, projectWith(R"([{"propertyId":"a"}])"));
@@ -151,15 +148,6 @@ TEST_F(StandardPropertiesWireTest, theReadIsRetried)
     EXPECT_TRUE(project.GetProjectStandardProperties(out, error));
     EXPECT_EQ(out.size(), 1u);
     expectClear(error);
-}
-
-TEST_F(StandardPropertiesWireTest, anAnswerThatIsNoJsonIsAnExceptionAndNotKept)
-{
-    server.expect("GET", projectAddress).reply(200, "{");
-    EXPECT_FALSE(project.GetProjectStandardProperties(out, error));
-    EXPECT_EQ(error.GetValue(), exceptionValue);
-    server.expect("GET", projectAddress).reply(200, projectWith("[]"));
-    EXPECT_TRUE(project.GetProjectStandardProperties(out, error));
 }
 
 TEST_F(StandardPropertiesWireTest, aLoadedProjectHasThemAlready)

@@ -50,8 +50,7 @@ TEST_F(VersionCreationWireTest, makesAVersionFromASourceFile)
     EXPECT_EQ(out.id, 12);
     EXPECT_EQ(out.version, 4);
     EXPECT_EQ(out.dataSetId, "d-1");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(VersionCreationWireTest, encodesTheSourceFile)
@@ -79,8 +78,7 @@ TEST_F(VersionCreationWireTest, makesAVersionFromAFileOfTheDocumentStore)
     EXPECT_EQ(out.id, 12);
     EXPECT_EQ(out.version, 4);
     EXPECT_EQ(out.size, 5000000000);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(VersionCreationWireTest, status200IsAllThatIsNeeded)
@@ -92,8 +90,7 @@ TEST_F(VersionCreationWireTest, status200IsAllThatIsNeeded)
         EXPECT_TRUE(createDoc(versionFrom(L"s"), error)) << body;
         EXPECT_EQ(out.id, 0);
     }
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(VersionCreationWireTest, aDatasetWithoutAnIdIsRefused)
@@ -130,8 +127,7 @@ TEST_F(VersionCreationWireTest, makesAVersionOfANumber)
         .body(R"({"metaInfo":"{\"a\":1}","status":"WIP","description":"说明"})")
         .reply(200, R"({"code":10000,"data":{"id":1}})");
     EXPECT_TRUE(createNumbered(false, error));
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(VersionCreationWireTest, sendsEmptyTextsAndAnyNumber)

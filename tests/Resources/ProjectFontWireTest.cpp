@@ -1,3 +1,4 @@
+#include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Projects/Project.h>
@@ -51,8 +52,7 @@ TEST_F(ProjectFontWireTest, listsTheFontsInTheOrderOfTheAnswer)
     EXPECT_EQ(fonts[1]->GetId(), L"f-1");
     EXPECT_EQ(fonts[1]->GetProjectId(), L"") << "nothing is filled in that the answer left out";
     EXPECT_EQ(fonts[1]->GetResourceBytes(), 0);
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
 }
 
 TEST_F(ProjectFontWireTest, listsTheFontsAnewOnEachCall)
@@ -111,19 +111,15 @@ TEST_F(ProjectFontWireTest, anAnswerThatIsNoAckFailsInSilence)
     EXPECT_EQ(log.lines(), Lines{});
 }
 
-TEST_F(ProjectFontWireTest, aFailedListIsEmptyAndNotLogged)
+TEST_F(ProjectFontWireTest, theListFailsAsEveryRetriedOperationDoesLogsNoStatusAndIsEmpty)
 {
-    server.expect("GET", fontsOfProject).reply(404, "gone");
-    EXPECT_FALSE(project.GetProjectFonts(fonts, error));
-    EXPECT_TRUE(fonts.empty());
-    expectHttpError(error, errorStatusValue, L"HttpError", L"gone", 404);
-    error.Clear();
-    for (const int status : {201, 204}) {
-        server.expect("GET", fontsOfProject).reply(status, R"({"data":[{"id":"a"}]})");
-        EXPECT_FALSE(project.GetProjectFonts(fonts, error)) << status;
-        expectClear(error);
-    }
-    EXPECT_EQ(log.lines(), Lines{});
+    const Fonts earlier = fonts;
+    RequestingOperation listing{"GET", fontsOfProject, "", L"", [&](ErrorCode& ec) {
+                                    fonts = earlier;
+                                    return project.GetProjectFonts(fonts, ec) || !fonts.empty();
+                                }};
+    listing.goodAnswer = R"({"data":[{"id":"a"}]})";
+    expectFailuresOf(listing, server, log);
 }
 
 TEST_F(ProjectFontWireTest, theListIsRetried)
@@ -134,15 +130,6 @@ TEST_F(ProjectFontWireTest, theListIsRetried)
     EXPECT_TRUE(project.GetProjectFonts(fonts, error));
     EXPECT_EQ(fonts.size(), 1u);
     expectClear(error);
-}
-
-TEST_F(ProjectFontWireTest, aListThatIsNoJsonIsAnExceptionAndNotRetried)
-{
-    server.expect("GET", fontsOfProject).reply(200, "<html>");
-    EXPECT_FALSE(project.GetProjectFonts(fonts, error));
-    EXPECT_TRUE(fonts.empty());
-    EXPECT_EQ(error.GetValue(), exceptionValue);
-    EXPECT_EQ(log.lines().size(), 1u);
 }
 
 TEST_F(ProjectFontWireTest, asksForTheAddressOfTheFile)
@@ -174,8 +161,7 @@ TEST_F(ProjectFontWireTest, theIdsAreEncodedInTheQuery)
 TEST_F(ProjectFontWireTest, aFontWithoutAProjectGivesAnEmptyAddressAndNoRequest)
 {
     EXPECT_EQ(fontOf(L"f-1", L"").GetFontDownloadUri(error), L"");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
     EXPECT_EQ(server.connectionCount(), 0u);
 }
 
@@ -183,8 +169,7 @@ TEST_F(ProjectFontWireTest, aFontWithoutAnIdGivesAnEmptyAddressAndNoRequest)
 {
     EXPECT_EQ(fontOf(L"", L"p-1").GetFontDownloadUri(error), L"");
     EXPECT_EQ(fontOf(L"", L"").GetFontDownloadUri(), L"");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    expectQuiet();
     EXPECT_EQ(server.connectionCount(), 0u);
 }
 
@@ -206,16 +191,11 @@ TEST_F(ProjectFontWireTest, theCodeOfAnAddressDecidesNothing)
     EXPECT_EQ(font.GetFontDownloadUri(error), L"x");
 }
 
-TEST_F(ProjectFontWireTest, aFailedAddressIsEmptyAndNotLogged)
+TEST_F(ProjectFontWireTest, theAddressFailsAsEveryRetriedOperationDoesAndLogsNoStatus)
 {
-    server.expect("GET", uriOfFont).reply(403, "no");
-    EXPECT_EQ(font.GetFontDownloadUri(error), L"");
-    expectHttpError(error, errorStatusValue, L"HttpError", L"no", 403);
-    error.Clear();
-    server.expect("GET", uriOfFont).reply(201, signedUri);
-    EXPECT_EQ(font.GetFontDownloadUri(error), L"");
-    expectClear(error);
-    EXPECT_EQ(log.lines(), Lines{});
+    RequestingOperation question{"GET", uriOfFont, "", L"", [&](ErrorCode& ec) { return !font.GetFontDownloadUri(ec).empty(); }};
+    question.goodAnswer = signedUri;
+    expectFailuresOf(question, server, log);
 }
 
 TEST_F(ProjectFontWireTest, theAddressIsRetried)
@@ -225,17 +205,6 @@ TEST_F(ProjectFontWireTest, theAddressIsRetried)
     server.expect("GET", uriOfFont).reply(200, signedUri);
     EXPECT_EQ(font.GetFontDownloadUri(error), L"https://files.example/f?sig=secret");
     expectClear(error);
-}
-
-TEST_F(ProjectFontWireTest, theRetriesOfAnAddressComeToAnEnd)
-{
-    server.expect("GET", uriOfFont).times(4).reply(504, "late");
-    EXPECT_EQ(font.GetFontDownloadUri(error), L"");
-    expectHttpError(error, errorStatusValue, L"HttpError", L"late", 504);
-    EXPECT_EQ(log.lines(), (Lines{L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[1]",
-                                  L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[2]",
-                                  L"W [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[3]",
-                                  L"E [ORLOSDK]OrloNetworkRetry::SendNormalRequestWithRetry - max retry attempts exceeded"}));
 }
 
 TEST_F(ProjectFontWireTest, fontsLieOnTheStructureService)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/RequestFailures.h"
 #include "support/TransferTestSupport.h"
 
 #include <OrloProjectManager/Transfer/CollaborationFileManager.h>
@@ -50,8 +51,7 @@ protected:
     std::string goodAuthority() const { return authority("r/plan.dwg", platform.url() + "/store/1?sig=abc"); }
     std::string goodAuthorityByArkiv() const { return R"({"code":10000,"data":)" + goodAuthority() + "}"; }
 
-    /// Lets the request fail in every way: error statuses with and without another attempt, a status that is no error, a broken
-    /// transport, a body that is no JSON. Nothing is sent after it.
+    /// As for any request that is retried. Nothing is sent after it.
     void expectFailuresOf(const Step& step);
 
     /// The log's warnings and errors; what the transfers tell of their progress is left out.
@@ -59,10 +59,6 @@ protected:
 
     const std::wstring file = localFile("plan.dwg", "bytes");
     const RetryLimit threeRetries{3};
-
-private:
-    void runFailing(const Step& step, unsigned requests, const std::function<void(Expectation&)>& answer);
-    void fails(const Step& step, unsigned requests, const std::function<void(Expectation&)>& answer, const Lines& attempt);
 };
 
 } // namespace orlo::test

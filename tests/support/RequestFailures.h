@@ -1,0 +1,30 @@
+#pragma once
+
+#include "WireTest.h"
+
+#include <functional>
+#include <string>
+
+namespace orlo::test {
+
+/// An operation that sends one request, with what it does where that fails. The request goes through the retry loop, or out directly.
+struct RequestingOperation
+{
+    std::string method;
+    std::string target;
+    std::string body;          ///< of the request; empty for none
+    std::wstring failureWords; ///< what is logged in front of a status that is not 200; empty where that is not logged
+    std::function<bool(ErrorCode&)> succeeds;
+    std::function<void()> prepare = [] {}; ///< called before each call, to expect what is sent earlier
+    std::wstring afterwards = {};          ///< what the operation logs at its end when it fails; empty for nothing
+    bool readsJson = true;                 ///< whether a body that is no JSON is a failure
+    std::string goodAnswer = {};           ///< a body that would be a success with status 200
+    std::wstring frame = {};               ///< the name in the log's lines, of one that asks directly; empty for one that is retried
+    bool tellsProgress = false;            ///< whether it logs information, which is left out here
+};
+
+/// Lets the request fail in every way: error statuses with and without another attempt, other statuses that are not 200,
+/// a broken transport, a body that is no JSON. Expects the log, whole, the ErrorCode, and the number of requests.
+void expectFailuresOf(const RequestingOperation& operation, ScriptedServer& server, LogCapture& log);
+
+} // namespace orlo::test
