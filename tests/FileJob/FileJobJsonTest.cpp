@@ -11,6 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+constexpr const wchar_t* words = L"E@orlo::UploadFileJobEntity::fromJsonForCloudify ";
 const JobFieldTexts wholeFields{{"createTime", "1700000000123"}, {"projectId", R"("p-1")"}, {"fileName", R"("图 一.dwg")"},
                                 {"fileId", R"("d-3")"},          {"folderId", R"("f-1")"},  {"localFilePath", R"("/home/库/图 一.dwg")"},
                                 {"dsId", R"("ds-4")"},           {"dsVersion", "7"}};
@@ -47,11 +48,7 @@ class FileJobJsonText : public testing::TestWithParam<NamedJobText>
 
 TEST_P(FileJobJsonText, comesBackByteForByte)
 {
-    const LogCapture log;
-    UploadFileJobEntity job;
-    ASSERT_TRUE(job.LoadFromJson(GetParam().text));
-    EXPECT_EQ(job.ToJson(), GetParam().text);
-    EXPECT_THAT(log.lines(), IsEmpty());
+    expectComesBack<UploadFileJobEntity>(GetParam().text);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -75,27 +72,11 @@ INSTANTIATE_TEST_SUITE_P(
     nameOfText);
 
 class UnreadableFileJob : public testing::TestWithParam<UnreadableField>
-{
-protected:
-    void expectRefusal(const std::string& text) const
-    {
-        SCOPED_TRACE(text);
-        const LogCapture log;
-        UploadFileJobEntity job;
-        EXPECT_FALSE(job.LoadFromJson(text));
-        EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::UploadFileJobEntity::fromJsonForCloudify " + GetParam().words));
-    }
-};
+{};
 
-TEST_P(UnreadableFileJob, isRefusedWhereTheKeyIsMissing)
+TEST_P(UnreadableFileJob, isRefusedWhereTheKeyIsMissingOrTheValueIsOfAnotherType)
 {
-    expectRefusal(jobText(without(wholeFields, GetParam().key)));
-}
-
-TEST_P(UnreadableFileJob, isRefusedWhereTheValueIsOfAnotherType)
-{
-    for (const std::string& value : GetParam().values)
-        expectRefusal(jobText(with(wholeFields, GetParam().key, value)));
+    expectRefusals<UploadFileJobEntity>(wholeFields, GetParam(), words);
 }
 
 INSTANTIATE_TEST_SUITE_P(FileJobJson, UnreadableFileJob,
@@ -113,27 +94,21 @@ INSTANTIATE_TEST_SUITE_P(FileJobJson, UnreadableFileJob,
 
 TEST(FileJobJson, readingStopsAtTheFirstKeyThatIsMissing)
 {
-    const LogCapture log;
-    UploadFileJobEntity job;
-    EXPECT_FALSE(job.LoadFromJson(jobText(without(without(wholeFields, "fileName"), "dsVersion"))));
-    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::UploadFileJobEntity::fromJsonForCloudify parse cloudify m_fileName failed."));
+    EXPECT_THAT(refusalOf<UploadFileJobEntity>(jobText(without(without(wholeFields, "fileName"), "dsVersion"))),
+                ElementsAre(words + std::wstring(L"parse cloudify m_fileName failed.")));
 }
 
 TEST(FileJobJson, withoutTheFieldsIsRefused)
 {
-    const LogCapture log;
-    UploadFileJobEntity job;
-    EXPECT_FALSE(job.LoadFromJson(R"({"jobId":"j-1","createTime":1})"));
-    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::UploadFileJobEntity::fromJsonForCloudify parse cloudify failed."));
+    EXPECT_THAT(refusalOf<UploadFileJobEntity>(R"({"jobId":"j-1","createTime":1})"),
+                ElementsAre(words + std::wstring(L"parse cloudify failed.")));
 }
 
 TEST(FileJobJson, fieldsThatAreNoObjectHaveNoKeys)
 {
     for (const char* fields : {"5", "null", "\"text\"", "[]"}) {
-        const LogCapture log;
-        UploadFileJobEntity job;
-        EXPECT_FALSE(job.LoadFromJson(std::string(R"({"jobId":"j-1","cloudifyFile":)") + fields + "}"));
-        EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::UploadFileJobEntity::fromJsonForCloudify parse cloudify m_jobCreateTime failed."));
+        EXPECT_THAT(refusalOf<UploadFileJobEntity>(std::string(R"({"jobId":"j-1","cloudifyFile":)") + fields + "}"),
+                    ElementsAre(words + std::wstring(L"parse cloudify m_jobCreateTime failed.")));
     }
 }
 

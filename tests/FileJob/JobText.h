@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/LogCapture.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -66,5 +68,36 @@ inline std::string nameOfField(const testing::TestParamInfo<UnreadableField>& te
 
 inline const std::vector<std::string> noTexts{"5", "null", "true", "[\"a\"]", "{}"};
 inline const std::vector<std::string> noLongNumbers{"\"5\"", "null", "true", "1.5", "9223372036854775808", "{}"};
+
+/// Lets a job that can't be read be read.   Returns: what is logged.
+template <class Entity>
+std::vector<std::wstring> refusalOf(const std::string& text)
+{
+    const LogCapture log;
+    Entity job;
+    EXPECT_FALSE(job.LoadFromJson(text)) << text;
+    return log.lines();
+}
+
+/// Without the key, and with each value of another type, the log has one line.
+template <class Entity>
+void expectRefusals(const JobFieldTexts& whole, const UnreadableField& field, const std::wstring& head)
+{
+    const std::vector<std::wstring> words{head + field.words};
+    EXPECT_EQ(refusalOf<Entity>(jobText(without(whole, field.key))), words);
+    for (const std::string& value : field.values)
+        EXPECT_EQ(refusalOf<Entity>(jobText(with(whole, field.key, value))), words) << value;
+}
+
+/// What is read is written again byte for byte, and nothing is logged.
+template <class Entity>
+void expectComesBack(const std::string& text)
+{
+    const LogCapture log;
+    Entity job;
+    ASSERT_TRUE(job.LoadFromJson(text));
+    EXPECT_EQ(job.ToJson(), text);
+    EXPECT_EQ(log.lines(), std::vector<std::wstring>{});
+}
 
 } // namespace orlo::test

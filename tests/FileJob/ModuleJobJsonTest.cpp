@@ -11,6 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+constexpr const wchar_t* words = L"E@orlo::UploadModuleJobEntity::fromJsonForCloudify ";
 const JobFieldTexts wholeFields{
     {"createTime", "1700000000123"},    {"moduleId", R"("m-1")"},        {"spaceType", R"("projects")"},
     {"spaceTypeParameter", R"("p-1")"}, {"resourceType", R"("module")"}, {"categoryId", R"("c-5")"},
@@ -50,11 +51,7 @@ class ModuleJobJsonText : public testing::TestWithParam<NamedJobText>
 
 TEST_P(ModuleJobJsonText, comesBackByteForByte)
 {
-    const LogCapture log;
-    UploadModuleJobEntity job;
-    ASSERT_TRUE(job.LoadFromJson(GetParam().text));
-    EXPECT_EQ(job.ToJson(), GetParam().text);
-    EXPECT_THAT(log.lines(), IsEmpty());
+    expectComesBack<UploadModuleJobEntity>(GetParam().text);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -78,27 +75,11 @@ INSTANTIATE_TEST_SUITE_P(
     nameOfText);
 
 class UnreadableModuleJob : public testing::TestWithParam<UnreadableField>
-{
-protected:
-    void expectRefusal(const std::string& text) const
-    {
-        SCOPED_TRACE(text);
-        const LogCapture log;
-        UploadModuleJobEntity job;
-        EXPECT_FALSE(job.LoadFromJson(text));
-        EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::UploadModuleJobEntity::fromJsonForCloudify " + GetParam().words));
-    }
-};
+{};
 
-TEST_P(UnreadableModuleJob, isRefusedWhereTheKeyIsMissing)
+TEST_P(UnreadableModuleJob, isRefusedWhereTheKeyIsMissingOrTheValueIsOfAnotherType)
 {
-    expectRefusal(jobText(without(wholeFields, GetParam().key)));
-}
-
-TEST_P(UnreadableModuleJob, isRefusedWhereTheValueIsOfAnotherType)
-{
-    for (const std::string& value : GetParam().values)
-        expectRefusal(jobText(with(wholeFields, GetParam().key, value)));
+    expectRefusals<UploadModuleJobEntity>(wholeFields, GetParam(), words);
 }
 
 INSTANTIATE_TEST_SUITE_P(ModuleJobJson, UnreadableModuleJob,
@@ -116,10 +97,7 @@ INSTANTIATE_TEST_SUITE_P(ModuleJobJson, UnreadableModuleJob,
 
 TEST(ModuleJobJson, withoutTheFieldsIsRefused)
 {
-    const LogCapture log;
-    UploadModuleJobEntity job;
-    EXPECT_FALSE(job.LoadFromJson(R"({"jobId":"j-1"})"));
-    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::UploadModuleJobEntity::fromJsonForCloudify parse cloudify failed."));
+    EXPECT_THAT(refusalOf<UploadModuleJobEntity>(R"({"jobId":"j-1"})"), ElementsAre(words + std::wstring(L"parse cloudify failed.")));
 }
 
 TEST(ModuleJobJson, thatIsNoneOrHasNoIdIsRefusedWithoutWords)
@@ -135,11 +113,10 @@ TEST(ModuleJobJson, thatIsNoneOrHasNoIdIsRefusedWithoutWords)
 
 TEST(ModuleJobJson, ofAFileJobIsNotThatOfAModuleJob)
 {
-    const LogCapture log;
-    UploadModuleJobEntity job;
-    EXPECT_FALSE(job.LoadFromJson(R"({"jobId":"j-1","cloudifyFile":{"createTime":1,"projectId":"p","fileName":"","fileId":"",)"
-                                  R"("folderId":"","localFilePath":"","dsId":"","dsVersion":-1}})"));
-    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::UploadModuleJobEntity::fromJsonForCloudify parse cloudify m_moduleId failed."));
+    EXPECT_THAT(
+        refusalOf<UploadModuleJobEntity>(R"({"jobId":"j-1","cloudifyFile":{"createTime":1,"projectId":"p","fileName":"","fileId":"",)"
+                                         R"("folderId":"","localFilePath":"","dsId":"","dsVersion":-1}})"),
+        ElementsAre(words + std::wstring(L"parse cloudify m_moduleId failed.")));
 }
 
 } // namespace
