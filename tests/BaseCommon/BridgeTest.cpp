@@ -1,5 +1,3 @@
-#include "support/VirtualSlot.h"
-
 #include <BaseCommon/Callbacks.h>
 #include <BaseCommon/ErrorCode.h>
 #include <BaseCommon/IOrloBridge.h>
@@ -70,15 +68,6 @@ TEST(Callbacks, aContextKeepsItsHandlerAndStartsWithoutAFurtherStep)
         EXPECT_TRUE(context.propagate);
     }
     EXPECT_TRUE(gone);
-}
-
-TEST(Callbacks, keepTheOrderOfTheirOperations)
-{
-    using Plain = void (IOrloCallback::*)(int, const std::wstring&, const std::string&, std::shared_ptr<OrloCallbackContext>, ErrorCode&);
-    using WithData = void (IOrloFileCallback::*)(int, const std::wstring&, const std::vector<unsigned char>&, const std::string&,
-                                                 std::shared_ptr<OrloCallbackContext>, ErrorCode&);
-    EXPECT_EQ(virtualSlot(static_cast<Plain>(&IOrloCallback::on_complete)), 2u);
-    EXPECT_EQ(virtualSlot(static_cast<WithData>(&IOrloFileCallback::on_complete)), 3u);
 }
 
 } // namespace

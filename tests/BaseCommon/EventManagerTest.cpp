@@ -1,5 +1,3 @@
-#include "support/VirtualSlot.h"
-
 #include <BaseCommon/IOrloEventManager.h>
 
 #include <gtest/gtest.h>
@@ -52,13 +50,6 @@ TEST(EventManager, handsAnEventToWhoeverListens)
     IOrloEventManager::Get()->PostEvent(4, L"module_m1_7");
     EXPECT_EQ(heard, (std::vector<std::pair<int, std::wstring>>{{4, L"module_m1_7"}}));
     IOrloEventManager::Install(nullptr);
-}
-
-TEST(EventManager, postsWithItsFourthOperation)
-{
-    EXPECT_EQ(virtualSlot(&IOrloEventManager::Subscribe), 2u);
-    EXPECT_EQ(virtualSlot(&IOrloEventManager::Unsubscribe), 3u);
-    EXPECT_EQ(virtualSlot(&IOrloEventManager::PostEvent), 4u);
 }
 
 } // namespace

@@ -12,13 +12,9 @@ namespace {
 
 TEST(SpaceConfigItemSlots, standInTheOrderOfTheInterface)
 {
-    EXPECT_EQ(virtualSlot(&ISpaceConfigItem::GetId), 2u);
-    EXPECT_EQ(virtualSlot(&ISpaceConfigItem::GetName), 3u);
-    EXPECT_EQ(virtualSlot(&ISpaceConfigItem::GetDescription), 4u);
-    EXPECT_EQ(virtualSlot(&ISpaceConfigItem::GetType), 5u);
-    EXPECT_EQ(virtualSlot(&ISpaceConfigItem::GetArchitectureLevel), 6u);
-    EXPECT_EQ(virtualSlot(&ISpaceConfigItem::GetStructureLevel), 7u);
-    EXPECT_EQ(virtualSlot(&ISpaceConfigItem::GetSubSpaces), 8u);
+    expectSlotsBehindDestructor(&ISpaceConfigItem::GetId, &ISpaceConfigItem::GetName, &ISpaceConfigItem::GetDescription,
+                                &ISpaceConfigItem::GetType, &ISpaceConfigItem::GetArchitectureLevel, &ISpaceConfigItem::GetStructureLevel,
+                                &ISpaceConfigItem::GetSubSpaces);
 }
 
 TEST(SpaceConfigSlots, standInTheOrderOfTheInterface)

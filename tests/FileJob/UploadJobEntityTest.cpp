@@ -1,5 +1,5 @@
-#include "support/EntitySlots.h"
 #include "support/LogCapture.h"
+#include "support/VirtualSlot.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
@@ -191,9 +191,8 @@ TEST(UploadJobEntity, theOperationsStandInTheirSlots)
 
 TEST(UploadJobEntity, theGettersOfTheUploadStandInTheirSlots)
 {
-    EXPECT_EQ(virtualSlot(&IUploadFileJobEntity::GetProjectId), 2u);
-    EXPECT_EQ(virtualSlot(&IUploadFileJobEntity::GetFolderId), 3u);
-    EXPECT_EQ(virtualSlot(&IUploadFileJobEntity::GetLocalFilePath), 4u);
+    expectSlotsBehindDestructor(&IUploadFileJobEntity::GetProjectId, &IUploadFileJobEntity::GetFolderId,
+                                &IUploadFileJobEntity::GetLocalFilePath);
 }
 
 } // namespace

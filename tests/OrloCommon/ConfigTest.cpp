@@ -1,5 +1,3 @@
-#include "support/VirtualSlot.h"
-
 #include <BaseCommon/BaseConfigManager.h>
 #include <OrloCommon/OrloConfigManager.h>
 
@@ -117,14 +115,6 @@ TEST_F(ConfigTest, readersSeeTheOldOrTheNewConfigurationWhole)
     for (std::thread& reader : readers)
         reader.join();
     EXPECT_EQ(mixed, 0);
-}
-
-TEST_F(ConfigTest, operationsStandInTheirSlots)
-{
-    EXPECT_EQ(virtualSlot(&OrloConfigManager::GetServiceUrl), 2u);
-    EXPECT_EQ(virtualSlot(&OrloConfigManager::httpTimeout), 3u);
-    // The third operation of the base configuration, the destructor being the first.
-    EXPECT_EQ(virtualSlot(&BaseConfigManager::GetDefaultRemoteFolder), 3u);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "support/VirtualSlot.h"
+#include "support/Threads.h"
 
 #include <BaseCommon/Uuid.h>
 #include <OrloJobManager/GeneralInstanceCreator.h>
@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <thread>
 #include <vector>
 
 namespace orlo::test {
@@ -33,28 +32,6 @@ const bool earlyRegistration = [] {
     return true;
 }();
 const JobEntityRegistration earlyJob("early key", [] { return std::make_shared<Job>(); });
-
-TEST(JobEntity, keepsTheOrderOfItsOperations)
-{
-    // Row n stands in slot n: the destructor is row 1 and takes the slots 0 and 1.
-    EXPECT_EQ(virtualSlot(&IJobEntity::GetStatus), 2u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::GetType), 3u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::JobId), 4u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::ErrorInfo), 5u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::GetCreateTime), 6u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::Run), 7u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::IsCanRun), 8u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::SetStatus), 9u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::SetType), 10u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::GetPriorityJob), 11u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::remove), 12u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::GetJobTypeKey), 13u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::LoadFromJson), 14u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::ToJson), 15u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::save), 16u);
-    EXPECT_EQ(virtualSlot(&IJobEntity::operator<), 17u);
-    EXPECT_EQ(virtualSlot(&LocalDbJobEntity::save), 16u);
-}
 
 TEST(JobEntity, numbersItsStatesAndTypes)
 {
@@ -106,16 +83,6 @@ TEST(JobEntity, twoJobsThatNameEachOtherAsFirstDoNotKeepEachOtherAlive)
     EXPECT_EQ(one->GetPriorityJob(), nullptr);
 }
 
-TEST(JobManager, addsAJobWithItsFourthOperation)
-{
-    EXPECT_EQ(virtualSlot(&IJobManager::GetJobs), 2u);
-    EXPECT_EQ(virtualSlot(&IJobManager::GetJob), 3u);
-    EXPECT_EQ(virtualSlot(&IJobManager::AddJob), 4u);
-    EXPECT_EQ(virtualSlot(&IJobManager::WaitForIdle), 5u);
-    EXPECT_EQ(virtualSlot(&IJobManager::WaitForJob), 6u);
-    EXPECT_EQ(virtualSlot(&IJobManager::RunsJobs), 7u);
-}
-
 TEST(JobManager, runsTwoJobsAtOnceAndStopsWithinTenSecondsUnlessToldOtherwise)
 {
     const JobManagerOptions options;
@@ -151,17 +118,12 @@ TEST(GeneralInstanceCreator, servesManyThreads)
 {
     auto* const creator = GeneralInstanceCreator::Get();
     int shared = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            for (int n = 0; n < 1000; ++n) {
-                creator->setInstance(typeid(long), &shared);
-                EXPECT_EQ(creator->getInstance(typeid(long)), &shared);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(4, [&] {
+        for (int n = 0; n < 1000; ++n) {
+            creator->setInstance(typeid(long), &shared);
+            EXPECT_EQ(creator->getInstance(typeid(long)), &shared);
+        }
+    });
     creator->setInstance(typeid(long), nullptr);
 }
 

@@ -12,16 +12,11 @@ namespace {
 TEST(ProjectFontSlots, standInTheOrderOfTheInterface)
 {
     // The destructor is the first operation and takes two places.
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetId), 2u);
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetName), 3u);
-    EXPECT_EQ(virtualSlot(static_cast<std::wstring (IProjectFont::*)(ErrorCode&)>(&IProjectFont::GetFontDownloadUri)), 4u);
-    EXPECT_EQ(virtualSlot(static_cast<std::wstring (IProjectFont::*)()>(&IProjectFont::GetFontDownloadUri)), 5u);
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetProjectId), 6u);
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetFileType), 7u);
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetFontFrom), 8u);
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetCreateTime), 9u);
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetUploader), 10u);
-    EXPECT_EQ(virtualSlot(&IProjectFont::GetResourceBytes), 11u);
+    expectSlotsBehindDestructor(&IProjectFont::GetId, &IProjectFont::GetName,
+                                static_cast<std::wstring (IProjectFont::*)(ErrorCode&)>(&IProjectFont::GetFontDownloadUri),
+                                static_cast<std::wstring (IProjectFont::*)()>(&IProjectFont::GetFontDownloadUri),
+                                &IProjectFont::GetProjectId, &IProjectFont::GetFileType, &IProjectFont::GetFontFrom,
+                                &IProjectFont::GetCreateTime, &IProjectFont::GetUploader, &IProjectFont::GetResourceBytes);
 }
 
 TEST(ProjectFont, handsOutTheFieldsOfItsRecord)

@@ -1,4 +1,3 @@
-#include "support/EntitySlots.h"
 #include "support/VirtualSlot.h"
 
 #include <BaseCommon/BaseConfigManager.h>
@@ -46,22 +45,16 @@ TEST(SupportSlotOrder, ofTheCallbacks)
 
 TEST(SupportSlotOrder, ofTheBridge)
 {
-    EXPECT_EQ(virtualSlot(&IOrloBridge::UpsertDatasetMeta), 2u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetDatasetMeta), 3u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfig), 4u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetSpaceConfigAllVersions), 5u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridConfig), 6u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetAxisGridAllVersions), 7u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetProjectIdByModelingId), 8u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::CreateVersionByNumber), 9u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::MarkPublish), 10u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::TriggerSightlineTranslateWorkerByUploadJob), 11u);
-    EXPECT_EQ(virtualSlot(&IOrloBridge::GetFamilyFileUrl), 12u);
+    expectSlotsBehindDestructor(&IOrloBridge::UpsertDatasetMeta, &IOrloBridge::GetDatasetMeta, &IOrloBridge::GetSpaceConfig,
+                                &IOrloBridge::GetSpaceConfigAllVersions, &IOrloBridge::GetAxisGridConfig,
+                                &IOrloBridge::GetAxisGridAllVersions, &IOrloBridge::GetProjectIdByModelingId,
+                                &IOrloBridge::CreateVersionByNumber, &IOrloBridge::MarkPublish,
+                                &IOrloBridge::TriggerSightlineTranslateWorkerByUploadJob, &IOrloBridge::GetFamilyFileUrl);
 }
 
 TEST(SupportSlotOrder, ofTheEventBoardWhoseFourthOperationPosts)
 {
-    EXPECT_EQ(virtualSlot(&IOrloEventManager::PostEvent), 4u);
+    expectSlotsBehindDestructor(&IOrloEventManager::Subscribe, &IOrloEventManager::Unsubscribe, &IOrloEventManager::PostEvent);
 }
 
 TEST(SupportSlotOrder, ofTheBaseConfigurationWhoseThirdOperationReads)
@@ -77,7 +70,8 @@ TEST(SupportSlotOrder, ofTheConfiguration)
 
 TEST(SupportSlotOrder, ofTheJobManagerWhoseFourthOperationAddsAJob)
 {
-    EXPECT_EQ(virtualSlot(&IJobManager::AddJob), 4u);
+    expectSlotsBehindDestructor(&IJobManager::GetJobs, &IJobManager::GetJob, &IJobManager::AddJob, &IJobManager::WaitForIdle,
+                                &IJobManager::WaitForJob, &IJobManager::RunsJobs);
 }
 
 TEST(SupportSlotOrder, ofTheJobEntitiesFromTheInterfaceDown)
