@@ -1,3 +1,5 @@
+#include "support/Patterns.h"
+
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
 
@@ -7,12 +9,11 @@
 #include <set>
 
 using namespace orlo;
-using testing::MatchesRegex;
 
 TEST(Uuid, NewOnesAreLowerCaseVersionFour)
 {
     for (int i = 0; i < 200; ++i)
-        EXPECT_THAT(uuid::newUUIDV4(), MatchesRegex("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}"));
+        EXPECT_THAT(uuid::newUUIDV4(), orlo::test::FitsPattern("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}"));
 }
 
 TEST(Uuid, NewOnesDiffer)

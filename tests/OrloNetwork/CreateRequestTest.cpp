@@ -1,5 +1,6 @@
 #include "RequestProbe.h"
 #include "support/HostSetup.h"
+#include "support/Patterns.h"
 #include "support/RawServer.h"
 #include "support/ScriptedServer.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 using OrloWebService::CreateClient;
 using OrloWebService::CreateRequest;
-using testing::MatchesRegex;
 using web::http::methods;
 using web::json::value;
 
@@ -69,16 +69,16 @@ TEST_F(CreateRequestTest, refusesATokenThatWouldForgeAHeader)
 
 TEST_F(CreateRequestTest, namesTheLibraryAndTheHostsVersion)
 {
-    EXPECT_THAT(sent(methods::GET, value::null()).header("User-Agent"), MatchesRegex("OrloProjectManager/[0-9]+\\.[0-9]+\\.[0-9]+"));
+    EXPECT_THAT(sent(methods::GET, value::null()).header("User-Agent"), FitsPattern("OrloProjectManager/[0-9]+\\.[0-9]+\\.[0-9]+"));
     useVersion(L"2024.1");
     EXPECT_THAT(sent(methods::GET, value::null()).header("User-Agent"),
-                MatchesRegex("OrloProjectManager/[0-9]+\\.[0-9]+\\.[0-9]+ host/2024\\.1"));
+                FitsPattern("OrloProjectManager/[0-9]+\\.[0-9]+\\.[0-9]+ host/2024\\.1"));
 }
 
 TEST_F(CreateRequestTest, aVersionThatFitsNoHeaderIsLeftOut)
 {
     useVersion(L"1\r\nX-Admin: 1");
-    EXPECT_THAT(sent(methods::GET, value::null()).header("User-Agent"), MatchesRegex("OrloProjectManager/[0-9.]+"));
+    EXPECT_THAT(sent(methods::GET, value::null()).header("User-Agent"), FitsPattern("OrloProjectManager/[0-9.]+"));
 }
 
 TEST_F(CreateRequestTest, aNullValueMeansNoBody)

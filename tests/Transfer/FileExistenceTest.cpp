@@ -1,3 +1,4 @@
+#include "support/Patterns.h"
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
@@ -115,7 +116,7 @@ TEST_F(FileExistenceTest, theWordsCarryTheirPlace)
     ASSERT_EQ(log.entries().size(), 1u);
     const LogEntry entry = log.entries().front();
     EXPECT_EQ(entry.function, "orlo::CollaborationFileManager::GetFileInfoInFolder");
-    EXPECT_THAT(entry.source, testing::MatchesRegex("source/OrloProjectManager/.*\\.cpp"));
+    EXPECT_THAT(entry.source, FitsPattern("source/OrloProjectManager/.*\\.cpp"));
     EXPECT_GT(entry.line, 0);
     EXPECT_EQ(entry.tag, L"[ORLOSDK]");
 }
