@@ -57,6 +57,7 @@ TEST_F(ProjectLookupWireTest, aLoadFailsAsEveryRetriedOperationDoesAndLogsNoStat
                              [](ErrorCode& ec) { return ICollaborationProject::Load(L"p-1", ec) != nullptr; }};
     load.goodAnswer = projectOne;
     expectFailuresOf(load, server, log);
+    expectSuccessAtLast(load, server, log);
 }
 
 TEST_F(ProjectLookupWireTest, aLoadNeedsTheMarkOfTheEnvelope)
@@ -82,15 +83,6 @@ TEST_F(ProjectLookupWireTest, aLoadOfAnEnvelopeWithoutDataGivesAProjectWithItsId
         EXPECT_EQ(static_cast<int>(project->GetGridType()), -1);
         EXPECT_EQ(project->GetSize(), 0);
     }
-}
-
-TEST_F(ProjectLookupWireTest, aLoadIsRetried)
-{
-    server.expect("GET", "/v2/projects/p-1").reply(500);
-    server.expect("GET", "/v2/projects/p-1").reset();
-    expectLoad("p-1");
-    EXPECT_NE(ICollaborationProject::Load(L"p-1", error), nullptr);
-    expectClear(error);
 }
 
 TEST_F(ProjectLookupWireTest, findsTheProjectOfADatasetAndLoadsIt)
@@ -128,6 +120,7 @@ TEST_F(ProjectLookupWireTest, aLookupOfADatasetFailsAsEveryRetriedOperationDoesA
     lookup.afterwards = L"E [ORLOSDK]Failed to get project id";
     lookup.goodAnswer = R"({"projectId":"p-7"})";
     expectFailuresOf(lookup, server, log);
+    expectSuccessAtLast(lookup, server, log, [&] { expectLoad("p-7"); });
 }
 
 TEST_F(ProjectLookupWireTest, aFailedLoadAfterALookupIsNotReportedInTheErrorCode)
@@ -224,15 +217,7 @@ TEST_F(ProjectLookupWireTest, aLookupOfAModelingIdFailsAsEveryRetriedOperationDo
     lookup.afterwards = L"E [ORLOSDK]Failed to get project id by modeling id :m-fail";
     lookup.goodAnswer = R"({"code":10000,"data":[{"projectId":"p-8"}]})";
     expectFailuresOf(lookup, server, log);
-}
-
-TEST_F(ProjectLookupWireTest, aLookupOfAModelingIdIsRetried)
-{
-    server.expect("POST", "/dataset/modelingid").body(R"(["m-retry"])").times(3).reply(429, "slow down");
-    expectModelingLookup("m-retry", "p-8");
-    expectLoad("p-8");
-    EXPECT_NE(manager.GetProjectByModelingId("m-retry", error), nullptr);
-    expectClear(error);
+    expectSuccessAtLast(lookup, server, log, [&] { expectLoad("p-8"); });
 }
 
 } // namespace

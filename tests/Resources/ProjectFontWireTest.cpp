@@ -120,16 +120,8 @@ TEST_F(ProjectFontWireTest, theListFailsAsEveryRetriedOperationDoesLogsNoStatusA
                                 }};
     listing.goodAnswer = R"({"data":[{"id":"a"}]})";
     expectFailuresOf(listing, server, log);
-}
-
-TEST_F(ProjectFontWireTest, theListIsRetried)
-{
-    server.expect("GET", fontsOfProject).reply(503);
-    server.expect("GET", fontsOfProject).reset();
-    server.expect("GET", fontsOfProject).reply(200, R"({"data":[{"id":"a"}]})");
-    EXPECT_TRUE(project.GetProjectFonts(fonts, error));
+    expectSuccessAtLast(listing, server, log);
     EXPECT_EQ(fonts.size(), 1u);
-    expectClear(error);
 }
 
 TEST_F(ProjectFontWireTest, asksForTheAddressOfTheFile)
@@ -196,15 +188,7 @@ TEST_F(ProjectFontWireTest, theAddressFailsAsEveryRetriedOperationDoesAndLogsNoS
     RequestingOperation question{"GET", uriOfFont, "", L"", [&](ErrorCode& ec) { return !font.GetFontDownloadUri(ec).empty(); }};
     question.goodAnswer = signedUri;
     expectFailuresOf(question, server, log);
-}
-
-TEST_F(ProjectFontWireTest, theAddressIsRetried)
-{
-    server.expect("GET", uriOfFont).reply(500);
-    server.expect("GET", uriOfFont).reset();
-    server.expect("GET", uriOfFont).reply(200, signedUri);
-    EXPECT_EQ(font.GetFontDownloadUri(error), L"https://files.example/f?sig=secret");
-    expectClear(error);
+    expectSuccessAtLast(question, server, log);
 }
 
 TEST_F(ProjectFontWireTest, fontsLieOnTheStructureService)

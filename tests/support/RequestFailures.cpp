@@ -64,7 +64,32 @@ public:
                                       words + L"]"});
     }
 
+    void noneInTheEnd(const std::function<void()>& goOn, const Lines& told)
+    {
+        ErrorCode error;
+        m_log.clear();
+        m_operation.prepare();
+        expected().reply(503, "busy");
+        expected().reset();
+        expected().reply(429, "slow down");
+        expected().reply(200, m_operation.goodAnswer);
+        goOn();
+        EXPECT_TRUE(m_operation.succeeds(error));
+        m_server.verify();
+        expectClear(error);
+        Lines lines = statusLine(503);
+        lines.push_back(retryWords + std::wstring(L"1]"));
+        lines.push_back(caughtWords + resetBy(m_server.url()) + L"]");
+        lines.push_back(retryWords + std::wstring(L"2]"));
+        for (const std::wstring& line : statusLine(429))
+            lines.push_back(line);
+        lines.push_back(retryWords + std::wstring(L"3]"));
+        lines.insert(lines.end(), told.begin(), told.end());
+        expectLog(lines);
+    }
+
 private:
+    Expectation& expected() const { return m_server.expect(m_operation.method, m_operation.target).body(m_operation.body); }
     bool isRetried() const { return m_operation.frame.empty(); }
     unsigned attempts() const { return isRetried() ? 4 : 1; }
 
@@ -73,8 +98,7 @@ private:
     {
         m_log.clear();
         m_operation.prepare();
-        Expectation& expected = m_server.expect(m_operation.method, m_operation.target).body(m_operation.body).times(requests);
-        answer(expected);
+        answer(expected().times(requests));
         EXPECT_FALSE(m_operation.succeeds(error));
         m_server.verify();
     }
@@ -130,6 +154,12 @@ void expectFailuresOf(const RequestingOperation& operation, ScriptedServer& serv
     failures.brokenTransport();
     if (operation.readsJson)
         failures.bodyThatIsNoJson();
+}
+
+void expectSuccessAtLast(const RequestingOperation& operation, ScriptedServer& server, LogCapture& log, const std::function<void()>& goOn,
+                         const Lines& told)
+{
+    Failures(operation, server, log).noneInTheEnd(goOn, told);
 }
 
 } // namespace orlo::test

@@ -27,4 +27,11 @@ struct RequestingOperation
 /// a broken transport, a body that is no JSON. Expects the log, whole, the ErrorCode, and the number of requests.
 void expectFailuresOf(const RequestingOperation& operation, ScriptedServer& server, LogCapture& log);
 
+/// Lets the first three attempts fail, each in its own way, and the last one get the good answer. Expects the log, whole, and a clear
+/// ErrorCode.
+/// goOn: called before, to expect what is sent later.   told: what is logged at the end.
+void expectSuccessAtLast(
+    const RequestingOperation& operation, ScriptedServer& server, LogCapture& log, const std::function<void()>& goOn = [] {},
+    const Lines& told = {});
+
 } // namespace orlo::test
