@@ -244,8 +244,11 @@ TEST_F(SpaceConfigWireTest, anAnswerToTheVersionsThatIsNoArrayIsEmpty)
 
 TEST_F(SpaceConfigWireTest, theVersionsFailAsEveryRetriedOperationDoes)
 {
-    RequestingOperation listing{"GET", versions, "", L"Project::GetSpaceConfigVersions - code:",
-                                [&](ErrorCode& ec) { return project->GetSpaceConfigVersions(ec) == std::vector<int>{1}; }};
+    RequestingOperation listing{"GET", versions, "", L"Project::GetSpaceConfigVersions - code:", [&](ErrorCode& ec) {
+                                    const std::vector<int> numbers = project->GetSpaceConfigVersions(ec);
+                                    EXPECT_TRUE(numbers.empty() || numbers == std::vector<int>{1});
+                                    return !numbers.empty();
+                                }};
     listing.goodAnswer = "[1]";
     expectFailuresOf(listing, server, log);
     expectSuccessAtLast(listing, server, log);

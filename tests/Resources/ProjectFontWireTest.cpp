@@ -185,10 +185,14 @@ TEST_F(ProjectFontWireTest, theCodeOfAnAddressDecidesNothing)
 
 TEST_F(ProjectFontWireTest, theAddressFailsAsEveryRetriedOperationDoesAndLogsNoStatus)
 {
-    RequestingOperation question{"GET", uriOfFont, "", L"", [&](ErrorCode& ec) { return !font.GetFontDownloadUri(ec).empty(); }};
+    RequestingOperation question{"GET", uriOfFont, "", L"", [&](ErrorCode& ec) {
+                                     const std::wstring uri = font.GetFontDownloadUri(ec);
+                                     EXPECT_TRUE(uri.empty() || uri == L"https://files.example/f?sig=secret") << uri;
+                                     return !uri.empty();
+                                 }};
     question.goodAnswer = signedUri;
     expectFailuresOf(question, server, log);
-    expectSuccessAtLast(question, server, log);
+    expectSuccessAtLast(question, server, log, [] {}, {L"I [ORLOSDK]ProjectFont::GetFontDownloadUri success"});
 }
 
 TEST_F(ProjectFontWireTest, fontsLieOnTheStructureService)

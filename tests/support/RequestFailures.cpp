@@ -84,6 +84,7 @@ public:
         for (const std::wstring& line : statusLine(429))
             lines.push_back(line);
         lines.push_back(retryWords + std::wstring(L"3]"));
+        lines.push_back(exhausted); // told of a success with the very last attempt too
         lines.insert(lines.end(), told.begin(), told.end());
         expectLog(lines);
     }
