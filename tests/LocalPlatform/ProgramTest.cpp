@@ -59,9 +59,9 @@ TEST(Program, RefusesWrongArguments)
 
 TEST(Program, TellsItsOptions)
 {
-    Program program({"--help"});
-    EXPECT_EQ(program.line(), "A collaboration platform on this machine, on 127.0.0.1 only.");
-    EXPECT_EQ(program.end(0), 0);
+    PlatformProgram program({"--help"});
+    EXPECT_EQ(program.readLine(), "A collaboration platform on this machine, on 127.0.0.1 only.");
+    EXPECT_EQ(program.wait(), 0);
 }
 
 } // namespace

@@ -141,7 +141,7 @@ TEST(AuthoringSession, ExplainsItselfWhenItIsCalledWrongly)
 
 TEST(AuthoringSession, TellsItsOptions)
 {
-    const RunResult run = runProgram(quoted(AUTHORING_SESSION) + " --help");
+    const RunResult run = runProgram({AUTHORING_SESSION, "--help"});
     EXPECT_EQ(0, run.exitCode);
     EXPECT_THAT(run.output, testing::StartsWith("usage: AuthoringSession [--url URL] [--data DIR [--crash]]"));
 }
