@@ -3,7 +3,6 @@
 //   late      a static destructor asks for something; it says what becomes of it
 //   waiting   a failed request waits for its next attempt
 //   repeating failed requests are repeated without a pause
-//   between   one piece of work is done and the next one of the same work has yet to begin; it says so when it does
 
 #include "support/OwnProcess.h"
 #include "support/SilentLog.h"
