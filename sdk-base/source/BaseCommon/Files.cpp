@@ -179,7 +179,7 @@ bool readStream(std::ifstream& file, std::size_t expectedSize, std::string& byte
 {
     bytes.reserve(expectedSize);
     expectFilling(bytes.data(), bytes.capacity());
-    const std::size_t room = std::clamp<std::size_t>(expectedSize, 4096, 256 * 1024);
+    const std::size_t room = std::clamp<std::size_t>(expectedSize, 4096, std::size_t{256} * 1024);
     const std::unique_ptr<char[]> piece(new char[room]);
     while (file.read(piece.get(), static_cast<std::streamsize>(room)), file.gcount() > 0)
         bytes.append(piece.get(), static_cast<std::size_t>(file.gcount()));
