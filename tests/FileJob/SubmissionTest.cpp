@@ -3,6 +3,7 @@
 #include "support/TestJob.h"
 #include "support/Waiting.h"
 
+#include <OrloAuth/UserSession.h>
 #include <OrloJobManager/IJobManager.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
@@ -257,6 +258,8 @@ TEST_F(Submission, ofFilesEndsWhereTheJobManagerGoesInTheMiddle)
     });
     expectFolder("[]");
     EXPECT_FALSE(Files::UploadFilesByJob("p-1", L"f-1", {plan, roof, plan}));
+    // The manager is gone a moment before its worker knows; it may take one more job in between, but none of an account that isn't there.
+    UserSession::SignOut();
     gate->open();
     ASSERT_TRUE(stopping.joinable());
     stopping.join();
