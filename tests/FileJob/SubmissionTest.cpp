@@ -25,6 +25,7 @@ protected:
     void SetUp() override { startManager(); }
     void TearDown() override
     {
+        letNoMoreJobsRun();
         stopManager();
         TestJob::forgetAll();
         UploadJobsTest::TearDown();
@@ -40,6 +41,9 @@ protected:
         IJobManager::Get()->AddJob(blocker);
         ASSERT_TRUE(waitUntil([this] { return gate->arrived() == 1; }));
     }
+    /// The manager is gone a moment before its worker knows; the worker may take one more job in between, but none of an account that
+    /// isn't there.
+    static void letNoMoreJobsRun() { UserSession::SignOut(); }
     void stopManager()
     {
         auto stopping = std::async(std::launch::async, [] { return IJobManager::Stop(); });
@@ -258,8 +262,7 @@ TEST_F(Submission, ofFilesEndsWhereTheJobManagerGoesInTheMiddle)
     });
     expectFolder("[]");
     EXPECT_FALSE(Files::UploadFilesByJob("p-1", L"f-1", {plan, roof, plan}));
-    // The manager is gone a moment before its worker knows; it may take one more job in between, but none of an account that isn't there.
-    UserSession::SignOut();
+    letNoMoreJobsRun();
     gate->open();
     ASSERT_TRUE(stopping.joinable());
     stopping.join();
