@@ -15,7 +15,7 @@ namespace {
 
 [[noreturn]] void giveUp(const std::string& words)
 {
-    std::fprintf(stderr, "OrloTransferBench: %s\n", words.c_str());
+    std::fprintf(stderr, "The benchmark gives up: %s\n", words.c_str());
     std::exit(1);
 }
 
