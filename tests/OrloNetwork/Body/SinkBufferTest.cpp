@@ -4,8 +4,9 @@
 #include "support/Sockets.h"
 #include "support/Waiting.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloNetwork/Body/SinkBuffer.h>
-#include <OrloNetwork/Lifetime/WorkPermit.h>
+#include <OrloNetwork/WebRequest.h>
 
 #include <cpprest/http_client.h>
 #include <gtest/gtest.h>
@@ -18,16 +19,15 @@ namespace orlo::test {
 namespace {
 
 using http::SinkBuffer;
-using web::http::client::http_client;
 
 /// Downloads from a server into a sink.   Returns: the response, whose content is still to be waited for.
 web::http::http_response download(const std::string& url, SinkBuffer::Write write)
 {
-    const http::WorkPermit permit; // the end of the process lets cpprestsdk's queue run dry then
-    http_client client{web::uri(url)};
+    web::http::client::http_client_config config;
+    const auto client = OrloWebService::CreateClient(utils::toWstring(url), config, OrloWebService::Traffic::files);
     web::http::http_request request(web::http::methods::GET);
     request.set_response_stream(SinkBuffer::stream(std::move(write)));
-    return client.request(request).get();
+    return client->request(request).get();
 }
 
 /// A body whose every part tells its place.
