@@ -11,7 +11,6 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
 option(ORLO_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
-option(ORLO_PRECOMPILED_HEADERS "Precompile the headers of cpprestsdk" OFF)
 option(ORLO_CCACHE "Compile through ccache where it is installed" OFF)
 option(ORLO_COVERAGE "Instrument for gcov" OFF)
 option(ORLO_FUZZ_TARGETS "Offer the fuzz targets, which need clang" OFF)
@@ -41,9 +40,9 @@ target_compile_options(orlo_options INTERFACE -Wall -Wextra -Wpedantic -Wconvers
 if(ORLO_WARNINGS_AS_ERRORS)
     target_compile_options(orlo_options INTERFACE -Werror)
 endif()
-if(ORLO_PRECOMPILED_HEADERS)
-    # ccache needs this to hand out objects that were made with a precompiled header.
-    target_compile_options(orlo_options INTERFACE -fpch-preprocess)
+if(CMAKE_UNITY_BUILD)
+    # A source of its own may well have a fixture in an unnamed namespace.
+    target_compile_options(orlo_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endif()
 if(ORLO_SANITIZERS)
     # The check of vptrs takes the packaged cpprestsdk, which hides its type information, for broken.
@@ -58,10 +57,3 @@ if(ORLO_COVERAGE)
     target_compile_options(orlo_options INTERFACE --coverage)
     target_link_options(orlo_options INTERFACE --coverage)
 endif()
-
-# orlo_precompile(target header...): precompiles the headers for the target where the build asks for it.
-function(orlo_precompile target)
-    if(ORLO_PRECOMPILED_HEADERS)
-        target_precompile_headers(${target} PRIVATE ${ARGN})
-    endif()
-endfunction()

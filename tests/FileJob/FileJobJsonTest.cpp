@@ -11,10 +11,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const wchar_t* words = L"E@orlo::UploadFileJobEntity::fromJsonForCloudify ";
-const JobFieldTexts wholeFields{{"createTime", "1700000000123"}, {"projectId", R"("p-1")"}, {"fileName", R"("图 一.dwg")"},
-                                {"fileId", R"("d-3")"},          {"folderId", R"("f-1")"},  {"localFilePath", R"("/home/库/图 一.dwg")"},
-                                {"dsId", R"("ds-4")"},           {"dsVersion", "7"}};
+constexpr const wchar_t* fileJobWords = L"E@orlo::UploadFileJobEntity::fromJsonForCloudify ";
+const JobFieldTexts wholeFileJob{{"createTime", "1700000000123"}, {"projectId", R"("p-1")"}, {"fileName", R"("图 一.dwg")"},
+                                 {"fileId", R"("d-3")"},          {"folderId", R"("f-1")"},  {"localFilePath", R"("/home/库/图 一.dwg")"},
+                                 {"dsId", R"("ds-4")"},           {"dsVersion", "7"}};
 
 TEST(FileJobJson, holdsTheIdAndTheFieldsInOrder)
 {
@@ -34,7 +34,7 @@ TEST(FileJobJson, ofAnEmptyJobHasAllKeys)
 TEST(FileJobJson, isReadIntoTheGetters)
 {
     UploadFileJobEntity job;
-    ASSERT_TRUE(job.LoadFromJson(jobText(wholeFields)));
+    ASSERT_TRUE(job.LoadFromJson(jobText(wholeFileJob)));
     EXPECT_EQ(job.JobId(), "j-1");
     EXPECT_EQ(job.GetCreateTime(), 1700000000123);
     EXPECT_EQ(job.GetProjectId(), "p-1");
@@ -76,7 +76,7 @@ class UnreadableFileJob : public testing::TestWithParam<UnreadableField>
 
 TEST_P(UnreadableFileJob, isRefusedWhereTheKeyIsMissingOrTheValueIsOfAnotherType)
 {
-    expectRefusals<UploadFileJobEntity>(wholeFields, GetParam(), words);
+    expectRefusals<UploadFileJobEntity>(wholeFileJob, GetParam(), fileJobWords);
 }
 
 INSTANTIATE_TEST_SUITE_P(FileJobJson, UnreadableFileJob,
@@ -94,21 +94,21 @@ INSTANTIATE_TEST_SUITE_P(FileJobJson, UnreadableFileJob,
 
 TEST(FileJobJson, readingStopsAtTheFirstKeyThatIsMissing)
 {
-    EXPECT_THAT(refusalOf<UploadFileJobEntity>(jobText(without(without(wholeFields, "fileName"), "dsVersion"))),
-                ElementsAre(words + std::wstring(L"parse cloudify m_fileName failed.")));
+    EXPECT_THAT(refusalOf<UploadFileJobEntity>(jobText(without(without(wholeFileJob, "fileName"), "dsVersion"))),
+                ElementsAre(fileJobWords + std::wstring(L"parse cloudify m_fileName failed.")));
 }
 
 TEST(FileJobJson, withoutTheFieldsIsRefused)
 {
     EXPECT_THAT(refusalOf<UploadFileJobEntity>(R"({"jobId":"j-1","createTime":1})"),
-                ElementsAre(words + std::wstring(L"parse cloudify failed.")));
+                ElementsAre(fileJobWords + std::wstring(L"parse cloudify failed.")));
 }
 
 TEST(FileJobJson, fieldsThatAreNoObjectHaveNoKeys)
 {
     for (const char* fields : {"5", "null", "\"text\"", "[]"}) {
         EXPECT_THAT(refusalOf<UploadFileJobEntity>(std::string(R"({"jobId":"j-1","cloudifyFile":)") + fields + "}"),
-                    ElementsAre(words + std::wstring(L"parse cloudify m_jobCreateTime failed.")));
+                    ElementsAre(fileJobWords + std::wstring(L"parse cloudify m_jobCreateTime failed.")));
     }
 }
 
@@ -117,7 +117,7 @@ TEST(FileJobJson, thatIsNoneOrHasNoIdIsRefusedWithoutWords)
     const LogCapture log;
     UploadFileJobEntity job;
     const std::string id = job.JobId();
-    const std::string whole = jobText(wholeFields);
+    const std::string whole = jobText(wholeFileJob);
     for (const std::string& text :
          {std::string(), std::string("{\"jobId\":"), whole.substr(0, whole.size() - 1), std::string("[]"), std::string("5"),
           std::string(R"({"cloudifyFile":{}})"), std::string(R"({"jobId":7,"cloudifyFile":{}})")})
@@ -129,18 +129,18 @@ TEST(FileJobJson, thatIsNoneOrHasNoIdIsRefusedWithoutWords)
 TEST(FileJobJson, mayHoldMoreKeysThanTheJobKnows)
 {
     UploadFileJobEntity job;
-    JobFieldTexts more = wholeFields;
+    JobFieldTexts more = wholeFileJob;
     more.insert(more.begin(), {"mvd", "[1]"});
     EXPECT_TRUE(job.LoadFromJson(jobText(more)));
-    EXPECT_EQ(job.ToJson(), jobText(wholeFields));
+    EXPECT_EQ(job.ToJson(), jobText(wholeFileJob));
 }
 
 TEST(FileJobJson, saysNothingOfTheTemplate)
 {
     UploadFileJobEntity file;
     UploadFileJobEntity sheet;
-    ASSERT_TRUE(file.LoadFromJson(jobText(wholeFields)));
-    ASSERT_TRUE(sheet.LoadFromJson(jobText(wholeFields)));
+    ASSERT_TRUE(file.LoadFromJson(jobText(wholeFileJob)));
+    ASSERT_TRUE(sheet.LoadFromJson(jobText(wholeFileJob)));
     sheet.setTemplate(L"ZOK");
     EXPECT_EQ(sheet.ToJson(), file.ToJson());
 }
@@ -150,8 +150,8 @@ TEST(FileJobJson, loadingNeverTouchesWhetherTheJobIsThatOfATemplate)
     UploadFileJobEntity file;
     UploadFileJobEntity sheet;
     sheet.setTemplate(L"ZOK");
-    ASSERT_TRUE(file.LoadFromJson(jobText(wholeFields)));
-    ASSERT_TRUE(sheet.LoadFromJson(jobText(wholeFields)));
+    ASSERT_TRUE(file.LoadFromJson(jobText(wholeFileJob)));
+    ASSERT_TRUE(sheet.LoadFromJson(jobText(wholeFileJob)));
     EXPECT_TRUE(file.isFile());
     EXPECT_FALSE(sheet.isFile());
 }

@@ -19,14 +19,14 @@ protected:
         EXPECT_TRUE(CopyFileToTempPath(file, projectId, fileName, copy));
         return copy;
     }
-    void expectRefusal(const std::string& projectId, const std::wstring& fileName, const Lines& words)
+    void expectRefusal(const std::string& projectId, const std::wstring& fileName, const Lines& expected)
     {
         SCOPED_TRACE(projectId + " " + utils::toString(fileName));
         log.clear();
         std::wstring copy = L"untouched";
         EXPECT_FALSE(CopyFileToTempPath(file, projectId, fileName, copy));
         EXPECT_EQ(copy, L"untouched");
-        EXPECT_EQ(log.lines(), words);
+        EXPECT_EQ(log.lines(), expected);
         EXPECT_EQ(filesBelow(host.folder().path()), filesBefore);
     }
 

@@ -11,8 +11,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const wchar_t* words = L"E@orlo::UploadModuleJobEntity::fromJsonForCloudify ";
-const JobFieldTexts wholeFields{
+constexpr const wchar_t* moduleJobWords = L"E@orlo::UploadModuleJobEntity::fromJsonForCloudify ";
+const JobFieldTexts wholeModuleJob{
     {"createTime", "1700000000123"},    {"moduleId", R"("m-1")"},        {"spaceType", R"("projects")"},
     {"spaceTypeParameter", R"("p-1")"}, {"resourceType", R"("module")"}, {"categoryId", R"("c-5")"},
     {"fileName", R"("门 一")"},         {"folderId", R"("")"},           {"localFilePath", R"("/home/库/门.vmd")"},
@@ -38,7 +38,7 @@ TEST(ModuleJobJson, ofAnEmptyJobHasAllKeys)
 TEST(ModuleJobJson, isReadIntoTheGetters)
 {
     UploadModuleJobEntity job;
-    ASSERT_TRUE(job.LoadFromJson(jobText(with(wholeFields, "folderId", R"("夹")"))));
+    ASSERT_TRUE(job.LoadFromJson(jobText(with(wholeModuleJob, "folderId", R"("夹")"))));
     EXPECT_EQ(job.JobId(), "j-1");
     EXPECT_EQ(job.GetCreateTime(), 1700000000123);
     EXPECT_EQ(job.GetProjectId(), "p-1");
@@ -79,7 +79,7 @@ class UnreadableModuleJob : public testing::TestWithParam<UnreadableField>
 
 TEST_P(UnreadableModuleJob, isRefusedWhereTheKeyIsMissingOrTheValueIsOfAnotherType)
 {
-    expectRefusals<UploadModuleJobEntity>(wholeFields, GetParam(), words);
+    expectRefusals<UploadModuleJobEntity>(wholeModuleJob, GetParam(), moduleJobWords);
 }
 
 INSTANTIATE_TEST_SUITE_P(ModuleJobJson, UnreadableModuleJob,
@@ -97,14 +97,15 @@ INSTANTIATE_TEST_SUITE_P(ModuleJobJson, UnreadableModuleJob,
 
 TEST(ModuleJobJson, withoutTheFieldsIsRefused)
 {
-    EXPECT_THAT(refusalOf<UploadModuleJobEntity>(R"({"jobId":"j-1"})"), ElementsAre(words + std::wstring(L"parse cloudify failed.")));
+    EXPECT_THAT(refusalOf<UploadModuleJobEntity>(R"({"jobId":"j-1"})"),
+                ElementsAre(moduleJobWords + std::wstring(L"parse cloudify failed.")));
 }
 
 TEST(ModuleJobJson, thatIsNoneOrHasNoIdIsRefusedWithoutWords)
 {
     const LogCapture log;
     UploadModuleJobEntity job;
-    const std::string whole = jobText(wholeFields);
+    const std::string whole = jobText(wholeModuleJob);
     for (const std::string& text :
          {std::string(), whole.substr(0, whole.size() - 1), std::string(R"({"cloudifyFile":{}})"), std::string(R"({"jobId":[]})")})
         EXPECT_FALSE(job.LoadFromJson(text)) << text;
@@ -116,7 +117,7 @@ TEST(ModuleJobJson, ofAFileJobIsNotThatOfAModuleJob)
     EXPECT_THAT(
         refusalOf<UploadModuleJobEntity>(R"({"jobId":"j-1","cloudifyFile":{"createTime":1,"projectId":"p","fileName":"","fileId":"",)"
                                          R"("folderId":"","localFilePath":"","dsId":"","dsVersion":-1}})"),
-        ElementsAre(words + std::wstring(L"parse cloudify m_moduleId failed.")));
+        ElementsAre(moduleJobWords + std::wstring(L"parse cloudify m_moduleId failed.")));
 }
 
 } // namespace

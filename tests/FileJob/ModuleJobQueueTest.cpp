@@ -20,7 +20,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// Notes which modules are uploaded, by their names.
-class Modules : public IModuleUploads
+class QueuedModules : public IModuleUploads
 {
 public:
     std::shared_ptr<ICollaborationModule> UploadModule(const ModulePlace&, const std::wstring&, const std::wstring& fileName,
@@ -61,10 +61,10 @@ private:
     std::vector<std::wstring> m_uploaded;
 };
 
-class ModuleJob : public UploadModuleJobEntity
+class QueuedModule : public UploadModuleJobEntity
 {
 public:
-    ModuleJob(const std::wstring& moduleId, std::int64_t time, Modules& modules)
+    QueuedModule(const std::wstring& moduleId, std::int64_t time, QueuedModules& modules)
         : UploadModuleJobEntity(moduleId, L"", L"projects", "p-1", L"module", L"c-5", L"zok", L"", moduleId), m_modules(modules)
     {
         m_jobCreateTime = time;
@@ -74,7 +74,7 @@ protected:
     IModuleUploads* moduleManager() const override { return &m_modules; }
 
 private:
-    Modules& m_modules;
+    QueuedModules& m_modules;
 };
 
 class ModuleJobQueue : public testing::Test
@@ -94,14 +94,14 @@ protected:
     }
     void submit(const std::wstring& moduleId, std::int64_t time)
     {
-        const auto job = std::make_shared<ModuleJob>(moduleId, time, modules);
+        const auto job = std::make_shared<QueuedModule>(moduleId, time, modules);
         ASSERT_TRUE(job->save());
         IJobManager::Get()->AddJob(job);
     }
 
     HostSetup host{"http://127.0.0.1:1"};
     LogCapture log;
-    Modules modules;
+    QueuedModules modules;
     const std::shared_ptr<Gate> gate = std::make_shared<Gate>();
 };
 

@@ -32,7 +32,7 @@ public:
 };
 
 /// A module manager that does what the test says.
-struct Modules : IModuleUploads
+struct ToldModules : IModuleUploads
 {
     class Module : public ICollaborationModule
     {
@@ -74,10 +74,10 @@ struct Modules : IModuleUploads
     std::wstring path;
 };
 
-class ModuleJob : public WatchedJob<UploadModuleJobEntity>
+class WatchedModuleJob : public WatchedJob<UploadModuleJobEntity>
 {
 public:
-    ModuleJob(const std::wstring& copy, const std::wstring& fileName, IModuleUploads* modules)
+    WatchedModuleJob(const std::wstring& copy, const std::wstring& fileName, IModuleUploads* modules)
         : WatchedJob(L"模-1", L"", L"projects", "p-1", L"module", L"c-5", L"zok", copy, fileName), m_modules(modules)
     {}
 
@@ -93,12 +93,12 @@ class ModuleJobRun : public UploadJobsTest
 protected:
     void runModule(bool success, int status, const std::wstring& message, const std::wstring& fileName = L"门")
     {
-        ModuleJob tested(copyOf("door.v2.vmd", "bytes"), fileName, &modules);
+        WatchedModuleJob tested(copyOf("door.v2.vmd", "bytes"), fileName, &modules);
         run(tested, success, status, message);
         EXPECT_EQ(modules.path, tested.GetLocalFilePath());
     }
 
-    Modules modules;
+    ToldModules modules;
     Board board;
 };
 
@@ -120,7 +120,7 @@ TEST_F(ModuleJobRun, withoutANameTakesThatOfTheFileLessItsExtension)
 
 TEST_F(ModuleJobRun, withoutAModuleManagerFails)
 {
-    ModuleJob tested(copyOf("door.vmd", "bytes"), L"门", nullptr);
+    WatchedModuleJob tested(copyOf("door.vmd", "bytes"), L"门", nullptr);
     run(tested, false, 10010, L"IModuleManager is null");
     EXPECT_EQ(log.lines(), Lines{L"E [ORLOSDK][UploadModuleJobEntity::resumeExcution] IModuleManager is null"});
     EXPECT_THAT(board.posted, IsEmpty());
@@ -173,7 +173,7 @@ TEST_F(ModuleJobRun, withoutABoardEndsAsWell)
 TEST_F(ModuleJobRun, aFileOutsideTheCopiesStays)
 {
     const std::wstring mine = localFile("door.vmd", "bytes");
-    ModuleJob tested(mine, L"门", &modules);
+    WatchedModuleJob tested(mine, L"门", &modules);
     EXPECT_TRUE(tested.Run());
     EXPECT_EQ(readFile(localPath("door.vmd")), "bytes");
 }

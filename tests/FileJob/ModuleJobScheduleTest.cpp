@@ -6,25 +6,25 @@
 namespace orlo::test {
 namespace {
 
-class ModuleJob : public UploadModuleJobEntity
+class IdleModuleJob : public UploadModuleJobEntity
 {
 public:
-    ModuleJob(const std::wstring& moduleId, std::int64_t time)
+    IdleModuleJob(const std::wstring& moduleId, std::int64_t time)
         : UploadModuleJobEntity(moduleId, L"", L"projects", "p-1", L"module", L"c-5", L"zok", L"", L"")
     {
         m_jobCreateTime = time;
     }
 };
 
-class FileJob : public UploadFileJobEntity
+class IdleFileJob : public UploadFileJobEntity
 {
 public:
-    explicit FileJob(std::int64_t time) { m_jobCreateTime = time; }
+    explicit IdleFileJob(std::int64_t time) { m_jobCreateTime = time; }
 };
 
-std::shared_ptr<ModuleJob> module(const std::wstring& id, std::int64_t time = 10)
+std::shared_ptr<IdleModuleJob> module(const std::wstring& id, std::int64_t time = 10)
 {
-    return std::make_shared<ModuleJob>(id, time);
+    return std::make_shared<IdleModuleJob>(id, time);
 }
 
 TEST(ModuleJobSchedule, waitsForAJobOfTheSameModule)
@@ -73,7 +73,7 @@ TEST(ModuleJobSchedule, namesAModuleThatIsOlderThanItself)
 TEST(ModuleJobSchedule, ignoresFileJobs)
 {
     const auto job = module(L"m-1");
-    const auto file = std::make_shared<FileJob>(99);
+    const auto file = std::make_shared<IdleFileJob>(99);
     const auto waiting = module(L"m-2", 20);
     EXPECT_TRUE(job->IsCanRun({file}, {file, waiting, file}));
     EXPECT_EQ(job->GetPriorityJob(), waiting);
@@ -82,7 +82,7 @@ TEST(ModuleJobSchedule, ignoresFileJobs)
 TEST(ModuleJobSchedule, namesNobodyWhereNoModuleWaits)
 {
     const auto job = module(L"m-1");
-    const auto file = std::make_shared<FileJob>(99);
+    const auto file = std::make_shared<IdleFileJob>(99);
     EXPECT_TRUE(job->IsCanRun({}, {}));
     EXPECT_TRUE(job->IsCanRun({}, {file}));
     EXPECT_EQ(job->GetPriorityJob(), nullptr);

@@ -1,3 +1,4 @@
+#include "DatasetInfoMatch.h"
 #include "support/ProjectObjectTest.h"
 
 #include <OrloProjectManager/NetworkProject/Projects/DatasetWeb.h>
@@ -15,13 +16,6 @@ constexpr const char* created =
     R"({"code":10000,"data":{"id":"d-9","name":"模型","type":"workunit","ownerId":"o-1","specialtyId":"s-1","teamId":"t-1",)"
     R"("projectId":"p-1","description":"d","modelingDatasetId":"m","folderId":"f"}})";
 constexpr const wchar_t* failed = L"E [ORLOSDK]fail to create dataset!";
-
-void expectEmpty(const DatasetInfo& info)
-{
-    EXPECT_EQ(info.id + info.modelingDatasetId, "");
-    EXPECT_EQ(info.name + info.description + info.ownerId + info.specialtyId + info.teamId + info.projectId, L"");
-    EXPECT_EQ(static_cast<int>(info.type), 0);
-}
 
 class DatasetCreationWireTest : public ProjectObjectTest
 {

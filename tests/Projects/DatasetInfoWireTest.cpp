@@ -1,3 +1,4 @@
+#include "DatasetInfoMatch.h"
 #include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
@@ -22,15 +23,6 @@ void expectDataset(const DatasetInfo& info)
     EXPECT_EQ(info.specialtyId, L"s");
     EXPECT_EQ(info.teamId, L"t");
     EXPECT_EQ(info.projectId, L"p");
-}
-
-void expectEmpty(const DatasetInfo& info)
-{
-    EXPECT_EQ(info.id, "");
-    EXPECT_EQ(info.modelingDatasetId, "");
-    EXPECT_EQ(info.name, L"");
-    EXPECT_EQ(static_cast<int>(info.type), 0);
-    EXPECT_EQ(info.projectId, L"");
 }
 
 class DatasetInfoWireTest : public WireTest

@@ -7,7 +7,7 @@
 namespace orlo::test {
 namespace {
 
-constexpr const char* target = "/datasets/d-1/3/markPublish";
+constexpr const char* markPublish = "/datasets/d-1/3/markPublish";
 constexpr const char* sent = R"({"description":"说明 \"一\""})";
 
 class MarkPublishWireTest : public WireTest
@@ -18,9 +18,9 @@ protected:
 
 TEST_F(MarkPublishWireTest, givesWhatThePlatformAnswers)
 {
-    server.expect("POST", target).header("Content-Type", "application/json").body(sent).reply(200, R"({"code":10000,"data":true})");
+    server.expect("POST", markPublish).header("Content-Type", "application/json").body(sent).reply(200, R"({"code":10000,"data":true})");
     EXPECT_TRUE(mark());
-    server.expect("POST", target).body(sent).reply(200, R"({"code":10000,"data":false})");
+    server.expect("POST", markPublish).body(sent).reply(200, R"({"code":10000,"data":false})");
     EXPECT_FALSE(mark());
     expectQuiet();
 }
@@ -28,7 +28,7 @@ TEST_F(MarkPublishWireTest, givesWhatThePlatformAnswers)
 TEST_F(MarkPublishWireTest, theCodeOfTheAnswerDoesNotMatter)
 {
     for (const char* body : {R"({"code":7,"data":true})", R"({"data":true})", R"({"code":"x","data":true})"}) {
-        server.expect("POST", target).body(sent).reply(200, body);
+        server.expect("POST", markPublish).body(sent).reply(200, body);
         EXPECT_TRUE(mark()) << body;
     }
     expectQuiet();
@@ -38,7 +38,7 @@ TEST_F(MarkPublishWireTest, anAnswerWithoutABooleanIsFalse)
 {
     for (const char* body : {R"({"code":10000})", R"({"code":10000,"data":"true"})", R"({"code":10000,"data":1})",
                              R"({"code":10000,"data":null})", R"({"code":10000,"data":[true]})", "true", "[]", "null", ""}) {
-        server.expect("POST", target).body(sent).reply(200, body);
+        server.expect("POST", markPublish).body(sent).reply(200, body);
         EXPECT_FALSE(mark()) << body;
         expectClear(error);
     }
@@ -57,14 +57,14 @@ TEST_F(MarkPublishWireTest, theVersionStandsInThePathAsDigits)
 
 TEST_F(MarkPublishWireTest, failsAsEveryRequestingOperationDoesAndLogsNoStatus)
 {
-    expectFailuresOf({"POST", target, sent, L"", [&](ErrorCode& ec) { return IWorkUnit::MarkPublish("d-1", 3, L"说明 \"一\"", ec); }},
+    expectFailuresOf({"POST", markPublish, sent, L"", [&](ErrorCode& ec) { return IWorkUnit::MarkPublish("d-1", 3, L"说明 \"一\"", ec); }},
                      server, log);
 }
 
 TEST_F(MarkPublishWireTest, aRequestThatSucceedsAtLastGivesItsAnswer)
 {
-    server.expect("POST", target).body(sent).reply(503);
-    server.expect("POST", target).body(sent).reply(200, R"({"data":true})");
+    server.expect("POST", markPublish).body(sent).reply(503);
+    server.expect("POST", markPublish).body(sent).reply(200, R"({"data":true})");
     EXPECT_TRUE(mark());
     expectClear(error);
 }
@@ -72,7 +72,7 @@ TEST_F(MarkPublishWireTest, aRequestThatSucceedsAtLastGivesItsAnswer)
 TEST_F(MarkPublishWireTest, anEarlierErrorIsLoggedAndWiped)
 {
     error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
-    server.expect("POST", target).body(sent).reply(200, R"({"data":true})");
+    server.expect("POST", markPublish).body(sent).reply(200, R"({"data":true})");
     EXPECT_TRUE(mark());
     EXPECT_EQ(log.lines(), Lines{L"E@orlo::IWorkUnit::MarkPublish 传入的ErrorCode，已有错误存在:earlier"});
     expectClear(error);

@@ -9,7 +9,7 @@
 namespace orlo::test {
 namespace {
 
-constexpr const char* target = "/projects/p-1/users/account-1/permission";
+constexpr const char* permissionPath = "/projects/p-1/users/account-1/permission";
 constexpr const wchar_t* notDone = L"E@orlo::Project::GetPermissionTypes GetPermissionTypes()未正常执行!";
 
 class PermissionTypesWireTest : public ProjectObjectTest
@@ -30,7 +30,7 @@ protected:
 
 TEST_F(PermissionTypesWireTest, ofSeveralPermissionsWriteComesFirstThenSoftWriteThenRead)
 {
-    server.expect("GET", target)
+    server.expect("GET", permissionPath)
         .reply(200, R"({"code":10000,"data":[{"resource":"模型","permissionTypes":["Read","Write"]},)"
                     R"({"resource":"b","permissionTypes":["Read","SoftWrite","Write"]},)"
                     R"({"resource":"c","permissionTypes":["Read","SoftWrite"]},)"
@@ -42,7 +42,7 @@ TEST_F(PermissionTypesWireTest, ofSeveralPermissionsWriteComesFirstThenSoftWrite
 
 TEST_F(PermissionTypesWireTest, anythingElseIsNoPermission)
 {
-    server.expect("GET", target)
+    server.expect("GET", permissionPath)
         .reply(200, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["Delete"]},{"resource":"b","permissionTypes":[]},)"
                     R"({"resource":"c","permissionTypes":"Write"},{"resource":"d","permissionTypes":null},)"
                     R"({"resource":"e","permissionTypes":["write","WRITE","Write "]},{"resource":"f","permissionTypes":[["Write"],2]},)"
@@ -53,7 +53,7 @@ TEST_F(PermissionTypesWireTest, anythingElseIsNoPermission)
 
 TEST_F(PermissionTypesWireTest, anElementWithoutBothKeysIsPassedOver)
 {
-    server.expect("GET", target)
+    server.expect("GET", permissionPath)
         .reply(200, R"({"code":10000,"data":[{"resource":"a"},{"permissionTypes":["Write"]},7,null,[],{},)"
                     R"({"resource":"b","permissionTypes":["Read"]}]})");
     EXPECT_TRUE(project->GetPermissionTypes(out, error));
@@ -62,7 +62,7 @@ TEST_F(PermissionTypesWireTest, anElementWithoutBothKeysIsPassedOver)
 
 TEST_F(PermissionTypesWireTest, aResourceThatIsNoTextHasAnEmptyKey)
 {
-    server.expect("GET", target)
+    server.expect("GET", permissionPath)
         .reply(200, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["Read"]},{"resource":5,"permissionTypes":["Write"]}]})");
     EXPECT_TRUE(project->GetPermissionTypes(out, error));
     EXPECT_EQ(found(), (Types{{L"", 2}, {L"a", 1}}));
@@ -71,7 +71,7 @@ TEST_F(PermissionTypesWireTest, aResourceThatIsNoTextHasAnEmptyKey)
 TEST_F(PermissionTypesWireTest, keepsWhatTheMapHeldOfOtherResources)
 {
     out = {{L"kept", PermissionType::Read}, {L"a", PermissionType::Write}};
-    server.expect("GET", target)
+    server.expect("GET", permissionPath)
         .reply(200, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["Read"]},{"resource":"a","permissionTypes":["Delete"]}]})");
     EXPECT_TRUE(project->GetPermissionTypes(out, error));
     EXPECT_EQ(found(), (Types{{L"a", 0}, {L"kept", 1}}));
@@ -82,7 +82,7 @@ TEST_F(PermissionTypesWireTest, dataThatIsNoArrayLeavesTheMapAloneAndIsASuccess)
     out = {{L"kept", PermissionType::Read}};
     for (const char* body : {R"({"code":10000})", R"({"code":10000,"data":null})", R"({"code":10000,"data":"Write"})",
                              R"({"code":10000,"data":{"resource":"a","permissionTypes":["Write"]}})", R"({"code":10000,"data":[]})"}) {
-        server.expect("GET", target).reply(200, body);
+        server.expect("GET", permissionPath).reply(200, body);
         EXPECT_TRUE(project->GetPermissionTypes(out, error)) << body;
         EXPECT_EQ(found(), (Types{{L"kept", 1}}));
         expectClear(error);
@@ -102,7 +102,7 @@ TEST_F(PermissionTypesWireTest, anAnswerWithoutTheMarkIsLoggedAndASuccessWithout
     };
     for (const auto& [body, logged] : rows) {
         log.clear();
-        server.expect("GET", target).reply(200, body);
+        server.expect("GET", permissionPath).reply(200, body);
         EXPECT_TRUE(project->GetPermissionTypes(out, error)) << body;
         EXPECT_EQ(log.lines(),
                   Lines{L"E [ORLOSDK]OrloWebService::GetAuthorizationOfUserInProject - response is not normal: " + std::wstring(logged)});
@@ -119,17 +119,17 @@ TEST_F(PermissionTypesWireTest, asksTheAuthorizationService)
             service.second = L"http://127.0.0.1:1";
     }
     OrloConfigManager::Configure(config);
-    server.expect("GET", target).reply(200, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["Read"]}]})");
+    server.expect("GET", permissionPath).reply(200, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["Read"]}]})");
     EXPECT_TRUE(project->GetPermissionTypes(out, error));
     EXPECT_EQ(found(), (Types{{L"a", 1}}));
 }
 
 TEST_F(PermissionTypesWireTest, theShortFormGivesTheSame)
 {
-    server.expect("GET", target).reply(200, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["SoftWrite"]}]})");
+    server.expect("GET", permissionPath).reply(200, R"({"code":10000,"data":[{"resource":"a","permissionTypes":["SoftWrite"]}]})");
     EXPECT_TRUE(project->GetPermissionTypes(out));
     EXPECT_EQ(found(), (Types{{L"a", 3}}));
-    server.expect("GET", target).reply(404);
+    server.expect("GET", permissionPath).reply(404);
     EXPECT_FALSE(project->GetPermissionTypes(out));
 }
 
@@ -161,7 +161,7 @@ TEST_F(PermissionTypesWireTest, aProjectWithoutAnIdIsRefusedFirst)
 
 TEST_F(PermissionTypesWireTest, itsOwnLineCarriesItsPosition)
 {
-    server.expect("GET", target).reply(403, "no");
+    server.expect("GET", permissionPath).reply(403, "no");
     EXPECT_FALSE(project->GetPermissionTypes(out, error));
     ASSERT_EQ(log.entries().size(), 2u);
     const LogEntry line = log.entries()[1];
@@ -174,7 +174,7 @@ TEST_F(PermissionTypesWireTest, itsOwnLineCarriesItsPosition)
 
 TEST_F(PermissionTypesWireTest, failsAsEveryDirectCallDoesAndLogsAStatusTwice)
 {
-    RequestingOperation question{"GET", target, "", L"OrloWebService::GetAuthorizationOfUserInProject - code:",
+    RequestingOperation question{"GET", permissionPath, "", L"OrloWebService::GetAuthorizationOfUserInProject - code:",
                                  [&](ErrorCode& ec) { return project->GetPermissionTypes(out, ec); }};
     question.frame = L"orlo::Project::GetPermissionTypes";
     question.afterwards = notDone;
@@ -186,7 +186,7 @@ TEST_F(PermissionTypesWireTest, failsAsEveryDirectCallDoesAndLogsAStatusTwice)
 TEST_F(PermissionTypesWireTest, anEarlierErrorIsLoggedAndStays)
 {
     error.Assign(0xE8000001, std::make_shared<GenericError>(L"earlier"));
-    server.expect("GET", target).reply(200, R"({"code":10000,"data":[]})");
+    server.expect("GET", permissionPath).reply(200, R"({"code":10000,"data":[]})");
     EXPECT_TRUE(project->GetPermissionTypes(out, error));
     EXPECT_EQ(log.lines(), Lines{L"E@orlo::Project::GetPermissionTypes 传入的ErrorCode，已有错误存在:earlier"});
     expectGenericError(error, 3892314113, L"GenericError", L"earlier");
@@ -197,12 +197,12 @@ TEST_F(PermissionTypesWireTest, theValueIsFilledFromAGoodEnvelopeWithDataOnly)
     const web::json::value before = web::json::value::string("before");
     for (const char* body : {R"({"code":7,"data":[]})", R"({"code":10000})", "{}"}) {
         web::json::value value = before;
-        server.expect("GET", target).reply(200, body);
+        server.expect("GET", permissionPath).reply(200, body);
         EXPECT_TRUE(OrloWebService::GetAuthorizationOfUserInProject(error, value, L"p-1", L"account-1")) << body;
         EXPECT_EQ(value, before) << body;
     }
     web::json::value value = before;
-    server.expect("GET", target).reply(200, R"({"code":10000,"data":{"any":[1]}})");
+    server.expect("GET", permissionPath).reply(200, R"({"code":10000,"data":{"any":[1]}})");
     EXPECT_TRUE(OrloWebService::GetAuthorizationOfUserInProject(error, value, L"p-1", L"account-1"));
     EXPECT_EQ(value.serialize(), R"({"any":[1]})");
     expectClear(error);

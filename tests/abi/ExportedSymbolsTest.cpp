@@ -1,4 +1,5 @@
 #include "support/ChildProcess.h"
+#include "support/Patterns.h"
 #include "support/Sanitized.h"
 
 #include <gtest/gtest.h>
@@ -21,11 +22,6 @@ std::vector<std::string> exportedNames()
             names.push_back(line.substr(kind + 3));
     }
     return names;
-}
-
-bool startsWith(const std::string& name, const std::string& head)
-{
-    return name.rfind(head, 0) == 0;
 }
 
 /// One web function is part of the face.

@@ -1,3 +1,4 @@
+#include "support/Patterns.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -40,11 +41,6 @@ std::vector<std::filesystem::path> faceHeaders()
 bool isStandard(const std::string& name)
 {
     return name.find_first_of("/.") == std::string::npos;
-}
-
-bool startsWith(const std::string& name, const std::string& head)
-{
-    return name.rfind(head, 0) == 0;
 }
 
 TEST(FaceHeaders, includeEachOtherTheBaseLibraryAndTheStandardLibraryAlone)

@@ -1,24 +1,18 @@
 #include "support/ChildProcess.h"
+#include "support/DemoPlatform.h"
 
 #include <gmock/gmock.h>
-
-#include <LocalPlatform/LocalPlatform.h>
 
 namespace {
 
 using orlo::platform::Fault;
 using orlo::platform::LocalPlatform;
 using orlo::test::ChildProcess;
+using orlo::test::DemoPlatform;
 using orlo::test::runProgram;
 using orlo::test::RunResult;
 using testing::HasSubstr;
 using testing::Not;
-
-/// A platform that runs and knows the demo user.
-struct DemoPlatform : LocalPlatform
-{
-    DemoPlatform() : LocalPlatform({{}, 0, true}) { start(); }
-};
 
 RunResult runAgainst(const LocalPlatform& platform, ChildProcess::Errors errors = ChildProcess::Errors::apart)
 {

@@ -1,10 +1,10 @@
 #include "support/ChildProcess.h"
+#include "support/DemoPlatform.h"
 #include "support/Sql.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <LocalPlatform/LocalPlatform.h>
 #include <filesystem>
 #include <numeric>
 #include <regex>
@@ -18,6 +18,7 @@ using orlo::platform::addProject;
 using orlo::platform::LocalPlatform;
 using orlo::platform::Options;
 using orlo::test::ChildProcess;
+using orlo::test::DemoPlatform;
 using orlo::test::readFile;
 using orlo::test::runProgram;
 using orlo::test::RunResult;
@@ -31,12 +32,6 @@ const std::filesystem::path root = SOURCE_TREE;
 
 const char* const papers[] = {"README.md",          "CONTRIBUTING.md",        "CHANGELOG.md",
                               "docs/host-guide.md", "docs/local-platform.md", "docs/architecture.md"};
-
-/// A platform that runs and knows the demo user.
-struct DemoPlatform : LocalPlatform
-{
-    DemoPlatform() : LocalPlatform({{}, 0, true}) { start(); }
-};
 
 void addDemoProject(LocalPlatform& platform, const std::string& name)
 {

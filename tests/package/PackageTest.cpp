@@ -1,17 +1,17 @@
 #include "support/ChildProcess.h"
+#include "support/DemoPlatform.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <LocalPlatform/LocalPlatform.h>
 #include <filesystem>
 
 // What `cmake --install` hands to hosts, tried as a host would.
 namespace {
 
 namespace fs = std::filesystem;
-using orlo::platform::LocalPlatform;
 using orlo::test::ChildProcess;
+using orlo::test::DemoPlatform;
 using orlo::test::quoted;
 using orlo::test::readFile;
 using orlo::test::runInShell;
@@ -49,9 +49,8 @@ protected:
 
     void expectHostWorks(const std::string& command) const
     {
-        LocalPlatform platform({{}, 0, true});
+        DemoPlatform platform;
         platform.change(orlo::platform::addProject, {"滨江医院一期", "demo-account"});
-        platform.start();
         const RunResult run = inHost(command + " " + platform.url() + " local");
         EXPECT_EQ(0, run.exitCode);
         EXPECT_THAT(run.output, HasSubstr("滨江医院一期\nno-such-project: refused with status 404\n"));

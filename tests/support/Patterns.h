@@ -13,4 +13,9 @@ MATCHER_P(FitsPattern, pattern, "")
     return std::regex_match(std::string(arg), std::regex(pattern));
 }
 
+inline bool startsWith(const std::string& name, const std::string& head)
+{
+    return name.rfind(head, 0) == 0;
+}
+
 } // namespace orlo::test

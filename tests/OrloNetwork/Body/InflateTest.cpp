@@ -2,7 +2,12 @@
 
 #include <OrloNetwork/Body/Inflate.h>
 
+#include <gtest/gtest.h>
 #include <zlib.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace orlo::test {
 namespace {
@@ -20,7 +25,7 @@ std::string inflated(const std::string& compressed, std::size_t limit = plenty)
     return {bytes.begin(), bytes.end()};
 }
 
-std::string complaintAbout(const std::string& compressed, std::size_t limit = plenty)
+std::string complaintOfInflating(const std::string& compressed, std::size_t limit = plenty)
 {
     try {
         inflated(compressed, limit);
@@ -66,20 +71,20 @@ TEST(InflateTest, refusesAStreamThatIsCutAnywhere)
 {
     const std::string compressed = gzipOf(std::string(5000, 'x') + patterned(500));
     for (std::size_t size = 0; size < compressed.size(); ++size)
-        ASSERT_EQ(complaintAbout(compressed.substr(0, size)), "a compressed answer is cut short") << size;
+        ASSERT_EQ(complaintOfInflating(compressed.substr(0, size)), "a compressed answer is cut short") << size;
 }
 
 TEST(InflateTest, refusesALaterMemberThatIsCut)
 {
     const std::string second = gzipOf("second");
-    EXPECT_EQ(complaintAbout(gzipOf("first") + second.substr(0, second.size() - 1)), "a compressed answer is cut short");
+    EXPECT_EQ(complaintOfInflating(gzipOf("first") + second.substr(0, second.size() - 1)), "a compressed answer is cut short");
 }
 
 TEST(InflateTest, refusesWhatIsNoStream)
 {
-    EXPECT_EQ(complaintAbout("this is text"), "a compressed answer is broken");
-    EXPECT_EQ(complaintAbout(std::string(1000, '\0')), "a compressed answer is broken");
-    EXPECT_EQ(complaintAbout(gzipOf("x") + "trailing text"), "a compressed answer is broken");
+    EXPECT_EQ(complaintOfInflating("this is text"), "a compressed answer is broken");
+    EXPECT_EQ(complaintOfInflating(std::string(1000, '\0')), "a compressed answer is broken");
+    EXPECT_EQ(complaintOfInflating(gzipOf("x") + "trailing text"), "a compressed answer is broken");
 }
 
 TEST(InflateTest, refusesChangedBytesAnywhere)
@@ -90,7 +95,7 @@ TEST(InflateTest, refusesChangedBytesAnywhere)
     for (std::size_t at = 10; at < compressed.size(); ++at) {
         std::string changed = compressed;
         changed[at] = static_cast<char>(changed[at] ^ 0x10);
-        ASSERT_NE(complaintAbout(changed), "none") << at;
+        ASSERT_NE(complaintOfInflating(changed), "none") << at;
     }
 }
 
@@ -98,22 +103,22 @@ TEST(InflateTest, takesContentUpToTheLimitAndNotOneByteMore)
 {
     const std::string compressed = gzipOf(std::string(10000, 'x'));
     EXPECT_EQ(inflated(compressed, 10000).size(), 10000U);
-    EXPECT_EQ(complaintAbout(compressed, 9999), "a compressed answer is too large");
-    EXPECT_EQ(complaintAbout(compressed, 1), "a compressed answer is too large");
-    EXPECT_EQ(complaintAbout(compressed, 0), "a compressed answer is too large");
+    EXPECT_EQ(complaintOfInflating(compressed, 9999), "a compressed answer is too large");
+    EXPECT_EQ(complaintOfInflating(compressed, 1), "a compressed answer is too large");
+    EXPECT_EQ(complaintOfInflating(compressed, 0), "a compressed answer is too large");
     EXPECT_EQ(inflated(gzipOf(""), 0), "");
 }
 
 TEST(InflateTest, aSmallAnswerCanNotFillTheMemory)
 {
     const std::string bomb = gzipOf(std::string(200 << 20, '\0'));
-    EXPECT_EQ(complaintAbout(bomb, 1 << 20), "a compressed answer is too large");
+    EXPECT_EQ(complaintOfInflating(bomb, 1 << 20), "a compressed answer is too large");
 }
 
 TEST(InflateTest, aCutStreamAtTheLimitIsStillCut)
 {
     const std::string compressed = gzipOf(std::string(10000, 'x'));
-    EXPECT_EQ(complaintAbout(compressed.substr(0, compressed.size() - 8), 10000), "a compressed answer is cut short");
+    EXPECT_EQ(complaintOfInflating(compressed.substr(0, compressed.size() - 8), 10000), "a compressed answer is cut short");
 }
 
 } // namespace

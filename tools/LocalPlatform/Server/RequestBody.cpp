@@ -8,7 +8,7 @@ namespace orlo::platform {
 
 namespace {
 
-constexpr std::size_t pieceSize = 1024 * 1024;
+constexpr std::size_t bufferSize = 1024 * 1024;
 
 } // namespace
 
@@ -33,7 +33,7 @@ std::string_view RequestBody::next()
         springTrap();
     if (m_left == 0)
         return {};
-    m_buffer.resize(pieceSize);
+    m_buffer.resize(bufferSize);
     const ssize_t count = m_connection.read(m_buffer.data(), readable());
     if (count <= 0) {
         m_left = 0;

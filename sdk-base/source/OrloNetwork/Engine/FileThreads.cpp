@@ -19,7 +19,6 @@ namespace orlo::http {
 namespace {
 
 constexpr unsigned most = 6;
-constexpr std::chrono::milliseconds idleTime{500};
 
 /// What the thread goes on with: the transfer that a continuation of the last one started.
 struct Next

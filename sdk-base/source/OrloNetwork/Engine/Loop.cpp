@@ -1,5 +1,7 @@
 #include "Loop.h"
 
+#include "Workers.h"
+
 #include <BaseCommon/NeverDestroyed.h>
 
 #include <algorithm>
@@ -14,8 +16,6 @@
 namespace orlo::http {
 
 namespace {
-
-constexpr std::chrono::milliseconds idleTime{500};
 
 struct Letter
 {

@@ -21,7 +21,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t usual = 4;
 constexpr std::size_t most = 256;
 constexpr std::chrono::milliseconds patience{20};
-constexpr std::chrono::milliseconds idleTime{500};
 
 thread_local unsigned depthOfThisThread = 0;
 

@@ -11,6 +11,9 @@
 
 namespace orlo::http {
 
+/// How long a thread of the engine stays without work.
+constexpr std::chrono::milliseconds idleTime{500};
+
 /// Threads for all that may block: the continuations of requests, a host's handlers among them, and the reading and writing of files, so
 /// that none of it holds up the loop that carries the bytes. There are four while there is much to do, none half a second after there is
 /// nothing. A piece that is held up for 20 ms leaves its place to another one on a further thread, so that a handler that waits for
