@@ -22,6 +22,10 @@ void spaces(Story& story, orlo::ICollaborationProject& project);
 /// Uploads files, brings them back, singly and a dozen at once, compares the bytes, and publishes one as a version of a dataset.
 void files(Story& story, orlo::ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder);
 
+/// Two users want to write one dataset: one does, the other reads and is told why; a right is given back, and another taken away. Only on a
+/// platform of our own.
+void permissions(Story& story, orlo::ICollaborationProject& project, const Platform& platform);
+
 /// Uploads what an earlier session handed to jobs and didn't live to upload; silent if there is nothing.
 void earlierJobs(Story& story);
 

@@ -22,4 +22,9 @@ void signIn()
     orlo::UserSession::SignIn({L"demo", L"demo-account", L"demo-token"});
 }
 
+void signInColleague()
+{
+    orlo::UserSession::SignIn({L"li", L"demo-account", L"li-token"});
+}
+
 } // namespace session

@@ -10,4 +10,7 @@ void setHostUp(const std::wstring& platformUrl, const std::wstring& localFolder)
 /// Signs the demo user in, whom every local platform knows.
 void signIn();
 
+/// A colleague's turn at the machine; Platform::addColleague makes it known.
+void signInColleague();
+
 } // namespace session

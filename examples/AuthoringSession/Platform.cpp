@@ -63,6 +63,11 @@ void Platform::addDatasetFile(const std::string& datasetId, const std::string& p
     m_own->change(orlo::platform::addDatasetFile, datasetId, path, bytes);
 }
 
+void Platform::addColleague() const
+{
+    m_own->change(orlo::platform::addUser, {"li", "demo-account", "li-token"});
+}
+
 void Platform::slowUploadsDown() const
 {
     constexpr int tenMinutes = 600000;

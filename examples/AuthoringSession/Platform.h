@@ -41,6 +41,8 @@ public:
 
     /// Puts a file into a dataset, as another application would have. Only on a platform of our own.
     void addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes) const;
+    /// Makes the user "li" known, of the same account. Only on a platform of our own.
+    void addColleague() const;
     /// No upload comes to its end from now on. Only on a platform of our own.
     void slowUploadsDown() const;
 

@@ -67,6 +67,7 @@ void live(const Arguments& arguments)
     const auto hospital = projects(story);
     folders(story, *hospital);
     spaces(story, *hospital);
+    permissions(story, *hospital, platform);
     files(story, *hospital, platform, folder.path(L"drawings"));
     if (arguments.crashes)
         crashAmidJobs(story, *hospital, platform, folder.path(L"drawings"));

@@ -15,6 +15,7 @@
 #include <OrloProjectManager/Design/ConfigType.h>
 #include <OrloProjectManager/Design/ISpaceConfig.h>
 #include <OrloProjectManager/Export.h>
+#include <OrloProjectManager/Permission/IDatasetPermission.h>
 #include <OrloProjectManager/Projects/DatasetRecords.h>
 #include <OrloProjectManager/Projects/DatasetVersion.h>
 #include <OrloProjectManager/Projects/FolderRecords.h>

@@ -51,8 +51,14 @@ protected:
     {
         if (GetParam().failureLine.empty())
             return {};
-        const bool told = GetParam().way == Way::tellsMessage;
-        return {GetParam().failureLine + std::to_wstring(status) + (told ? L" message: " + message : L"")};
+        std::wstring line = GetParam().failureLine + std::to_wstring(status);
+        if (GetParam().way == Way::tellsReason)
+            return {line, L"E [ORLOSDK][CreateDatasetPermissionByString] : Failed extract message to json"};
+        if (GetParam().way == Way::tellsMessage)
+            line += L" message: " + message;
+        if (GetParam().way == Way::tellsWords)
+            line += L"error message is: " + message;
+        return {line};
     }
 
     /// The call throws a standard exception, or fails where the function has a frame of its own.

@@ -1,6 +1,7 @@
 #include "WebFunctionRegistry.h"
 
 #include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
+#include <OrloProjectManager/NetworkProject/Permission/DatasetPermissionWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/DatasetWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/FolderWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/PermissionWeb.h>
@@ -42,6 +43,21 @@ http::ORLOHTTPPayloadDatasetVersion sampleVersion()
     version.dataSetId = "dataset";
     version.dataSetSourceFile = L"file";
     return version;
+}
+
+bool applyToWrite(ErrorCode& error)
+{
+    DatasetPermissionFailure failure;
+    std::string token = "perm-secret";
+    int monitor = 0;
+    return ApplyForWriteDataset(error, failure, token, monitor, "dataset");
+}
+
+bool applyToRead(ErrorCode& error)
+{
+    DatasetPermissionFailure failure;
+    std::string token;
+    return ApplyForReadDataset(error, failure, token, "dataset");
 }
 
 } // namespace
@@ -113,6 +129,16 @@ const std::vector<WebFunction>& webFunctions()
          Body::unread, Way::framed},
         {"TriggerSightlineTranslateWorkerByUploadJob", L"E [ORLOSDK]OrloWebService::TriggerSightlineTranslateWorkerByUploadJob - code:",
          plain(&TriggerSightlineTranslateWorkerByUploadJob, "dataset", 1, L"type"), Body::unread},
+        // Permissions
+        {"ApplyForWriteDataset", L"E [ORLOSDK]OrloWebService::ApplyForWriteDataset - code:", applyToWrite, Body::json, Way::tellsReason},
+        {"ApplyForReadDataset", L"E [ORLOSDK]OrloWebService::ApplyForReadDataset - code:", applyToRead, Body::json, Way::tellsReason},
+        {"ObtainPermissionTokenAck", L"E [ORLOSDK]OrloWebService::ObtainPermissionTokenAck - code:",
+         into(&ObtainPermissionTokenAck, "dataset", "perm-secret"), Body::unread, Way::tellsReason},
+        {"ReleaseDatasetPermissionMonitor", L"E [ORLOSDK]OrloWebService::ReleaseDatasetPermissionMonitor - code:",
+         into(&ReleaseDatasetPermissionMonitor, "perm-secret"), Body::json, Way::tellsReason},
+        {"ReleaseDatasetPermissionMonitorForce", L"E [ORLOSDK]OrloWebService::ReleaseDatasetPermissionMonitorForce - code:",
+         plain(&ReleaseDatasetPermissionMonitorForce, L"perm-secret"), Body::json, Way::tellsWords},
+        {"GetDatasetEditToken", L"E [ORLOSDK]OrloWebService::GetDatasetEditToken - code:", into(&GetDatasetEditToken, L"dataset")},
         // Resources
         {"GetProjectFonts", L"", into(&GetProjectFonts, L"project")},
         {"GetFontDownloadUri", L"", into(&GetFontDownloadUri, L"font", L"project")},

@@ -21,6 +21,8 @@ enum class Body {
 enum class Way {
     plain,
     tellsMessage, ///< the line for a status that is not 200 ends with the platform's words
+    tellsWords,   ///< the same, in words of its own
+    tellsReason,  ///< a second line tells that the platform's words are no JSON
     framed        ///< a frame of its own catches everything, so that nothing is thrown
 };
 

@@ -41,12 +41,30 @@ TEST(AuthoringSession, TellsItsStoryAgainstAPlatformOfItsOwn)
     EXPECT_THAT(run.output, HasSubstr("Signed out.\n"));
 }
 
+TEST(AuthoringSession, TellsHowTwoUsersShareADataset)
+{
+    const RunResult run = runProgram({AUTHORING_SESSION});
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("5. Two users, one model\n"
+                                      "   demo opens the model, and may write.\n"
+                                      "   li opens the model, and may read: demo is writing the dataset.\n"
+                                      "   demo closes the model.\n"
+                                      "   li opens the model, and may write.\n"
+                                      "   li goes home, and leaves the model open.\n"
+                                      "   demo opens the model, and may read: li is writing the dataset.\n"
+                                      "   demo takes the right to write away.\n"
+                                      "   demo opens the model, and may write.\n"
+                                      "   li finds that the right to write is gone.\n"
+                                      "   li opens the model, and may read: demo is writing the dataset.\n"
+                                      "   demo closes the model.\n"));
+}
+
 TEST(AuthoringSession, HandsFilesToJobsAndIsToldWhenTheyEnd)
 {
     const RunResult run = runProgram({AUTHORING_SESSION});
     EXPECT_EQ(0, run.exitCode);
-    const std::string chapter = run.output.substr(run.output.find("6. Jobs\n"), run.output.find("\n7. ") - run.output.find("6. Jobs\n"));
-    EXPECT_THAT(chapter, HasSubstr("6. Jobs\n   Handed over 立面图.dwg\n   Handed over structure.ifc\n   Handed over schedule.xlsx\n"));
+    const std::string chapter = run.output.substr(run.output.find("7. Jobs\n"), run.output.find("\n8. ") - run.output.find("7. Jobs\n"));
+    EXPECT_THAT(chapter, HasSubstr("7. Jobs\n   Handed over 立面图.dwg\n   Handed over structure.ifc\n   Handed over schedule.xlsx\n"));
     for (const char* name : {"立面图.dwg", "structure.ifc", "schedule.xlsx"}) {
         EXPECT_THAT(chapter, HasSubstr("   " + std::string(name) + " has been uploaded.\n"));
         EXPECT_THAT(chapter, HasSubstr("─ [" + std::string(name) + "]\n"));

@@ -508,6 +508,11 @@ void keepOpenSsl()
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 }
 
+void forgetOpenSslOfThread()
+{
+    OPENSSL_thread_stop();
+}
+
 FileLock::~FileLock()
 {
     release();

@@ -26,6 +26,10 @@ ORLO_BASE_API void expectFilling(void* memory, std::size_t bytes);
 /// still ask it for random numbers.
 ORLO_BASE_API void keepOpenSsl();
 
+/// For a thread that nobody joins, before it says that it is gone: what OpenSSL keeps for it goes now. By itself it would go when the
+/// thread is over, which may be while OpenSSL is taken down at the end of the process.
+ORLO_BASE_API void forgetOpenSslOfThread();
+
 /// The path in the form that the system takes at any length. Every call of the system gets its path from here. A text with a NUL gives
 /// one at which no file can be.
 ORLO_BASE_API std::filesystem::path toSystemPath(const std::wstring& text);

@@ -9,12 +9,33 @@ namespace orlo {
 
 namespace {
 
-constexpr std::size_t remembered = 16;
+constexpr std::size_t shortestPermission = 8;
+
+/// The latest first, each once.
+class Memory
+{
+public:
+    explicit Memory(std::size_t most) : m_most(most) {}
+
+    void remember(const std::wstring& text)
+    {
+        m_texts.erase(std::remove(m_texts.begin(), m_texts.end(), text), m_texts.end());
+        m_texts.insert(m_texts.begin(), text);
+        if (m_texts.size() > m_most)
+            m_texts.pop_back();
+    }
+    const std::vector<std::wstring>& texts() const { return m_texts; }
+
+private:
+    std::size_t m_most;
+    std::vector<std::wstring> m_texts;
+};
 
 struct State
 {
     std::mutex mutex;
-    std::vector<std::wstring> secrets; // the latest first
+    Memory secrets{16};
+    Memory permissions{64};
 };
 
 State& state()
@@ -30,17 +51,24 @@ void SecretGuard::protect(const std::wstring& secret)
     if (secret.empty())
         return;
     const std::lock_guard lock(state().mutex);
-    auto& secrets = state().secrets;
-    secrets.erase(std::remove(secrets.begin(), secrets.end(), secret), secrets.end());
-    secrets.insert(secrets.begin(), secret);
-    if (secrets.size() > remembered)
-        secrets.pop_back();
+    state().secrets.remember(secret);
+}
+
+void SecretGuard::protectPermission(const std::wstring& token)
+{
+    if (token.size() < shortestPermission)
+        return;
+    const std::lock_guard lock(state().mutex);
+    state().permissions.remember(token);
 }
 
 std::vector<std::wstring> SecretGuard::secrets()
 {
     const std::lock_guard lock(state().mutex);
-    return state().secrets;
+    std::vector<std::wstring> all = state().secrets.texts();
+    const std::vector<std::wstring>& permissions = state().permissions.texts();
+    all.insert(all.end(), permissions.begin(), permissions.end());
+    return all;
 }
 
 } // namespace orlo

@@ -15,7 +15,11 @@ public:
     /// Threads: any.
     static void protect(const std::wstring& secret);
 
-    /// The texts in guard, the latest first.
+    /// The same for a permission token, of which one host may hold many: the guard remembers the latest 64 beside the others. One of
+    /// fewer than 8 characters is left to the rules about where tokens stand, as it may be an ordinary word.   Threads: any.
+    static void protectPermission(const std::wstring& token);
+
+    /// The texts in guard, the latest first, permission tokens last.
     static std::vector<std::wstring> secrets();
 };
 

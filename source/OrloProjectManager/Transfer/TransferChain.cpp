@@ -2,6 +2,7 @@
 
 #include <BaseCommon/Caught.h>
 #include <BaseCommon/Interruption.h>
+#include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/Body/JsonText.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
@@ -37,6 +38,7 @@ void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutco
     catch (...) {
         outcome->failAsCaught(site);
     }
+    utils::forgetOpenSslOfThread();
 }
 
 } // namespace

@@ -18,6 +18,7 @@ void addRoutes(Router& router)
     addFileRoutes(router);
     addBlobRoutes(router);
     addDrawingRoutes(router);
+    addMonitorRoutes(router);
     addTranslationRoutes(router);
     addServerControls(router);
 }

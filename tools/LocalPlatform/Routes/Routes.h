@@ -24,6 +24,7 @@ void addFileControls(Router& router);
 void addFileRoutes(Router& router);
 void addBlobRoutes(Router& router);
 void addDrawingRoutes(Router& router);
+void addMonitorRoutes(Router& router);
 void addTranslationRoutes(Router& router);
 void addServerControls(Router& router);
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#define ZLIB_CONST
 #include <zlib.h>
 
 #include <functional>

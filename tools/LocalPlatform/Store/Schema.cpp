@@ -174,7 +174,20 @@ ALTER TABLE user ADD COLUMN revoked INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE user ADD COLUMN expires INTEGER;
 )sql";
 
-constexpr std::array steps = {firstSchema, files, tokenEnds};
+// Who may write or read a dataset for how long, in seconds of the platform's clock.
+constexpr const char* monitors = R"sql(
+CREATE TABLE monitor (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    token TEXT NOT NULL UNIQUE,
+    datasetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
+    userId TEXT NOT NULL,
+    kind INTEGER NOT NULL,
+    acknowledged INTEGER NOT NULL DEFAULT 0,
+    expires INTEGER NOT NULL);
+CREATE INDEX monitorByDataset ON monitor (datasetId);
+)sql";
+
+constexpr std::array steps = {firstSchema, files, tokenEnds, monitors};
 
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "Workers.h"
 
 #include <BaseCommon/NeverDestroyed.h>
+#include <BaseCommon/Platform.h>
 
 #include <atomic>
 #include <condition_variable>
@@ -172,6 +173,7 @@ void FileThreads::State::work(std::shared_ptr<Transfer> transfer)
                 transfer = awaitTransfer();
         }
     }
+    utils::forgetOpenSslOfThread();
     const std::lock_guard lock(mutex);
     --threads;
     changed.notify_all();

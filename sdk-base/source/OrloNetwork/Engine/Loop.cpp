@@ -3,6 +3,7 @@
 #include "Workers.h"
 
 #include <BaseCommon/NeverDestroyed.h>
+#include <BaseCommon/Platform.h>
 
 #include <algorithm>
 #include <condition_variable>
@@ -260,6 +261,7 @@ void Loop::State::run()
             letter.transfer->endWith(cancelled());
     }
     own.reset();
+    utils::forgetOpenSslOfThread();
     lock.lock();
     --threads;
     gone.notify_all();

@@ -1,6 +1,7 @@
 #include "Workers.h"
 
 #include <BaseCommon/NeverDestroyed.h>
+#include <BaseCommon/Platform.h>
 
 #include <algorithm>
 #include <condition_variable>
@@ -185,6 +186,7 @@ void Workers::State::work()
         running.erase(std::find(running.begin(), running.end(), begin));
         changed.notify_all();
     }
+    utils::forgetOpenSslOfThread();
     --threads;
     gone.notify_all();
 }

@@ -3,6 +3,7 @@
 #include "../Lifetime/WorkPermit.h"
 
 #include <BaseCommon/NeverDestroyed.h>
+#include <BaseCommon/Platform.h>
 
 #include <condition_variable>
 #include <exception>
@@ -29,8 +30,10 @@ void runOne(DelayedTask task)
 {
     try {
         // A request that starts while the statics go would meet them half destroyed.
-        if (const WorkPermit permit(task.isAwaited); permit)
+        if (const WorkPermit permit(task.isAwaited); permit) {
             task.work();
+            utils::forgetOpenSslOfThread(); // as this task may be the thread's last
+        }
     }
     catch (...) { // the thread serves other tasks, and an exception out of it would end the process
     }

@@ -5,6 +5,7 @@
 #include <BaseCommon/Text.h>
 #include <OrloCommon/OrloConfigManager.h>
 #include <OrloLogging/Log.h>
+#include <OrloLogging/SecretGuard.h>
 #include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/WebRequest.h>
 
@@ -29,6 +30,16 @@ JsonBody& JsonBody::add(const wchar_t* key, web::json::value value)
     return *this;
 }
 
+namespace {
+
+const web::json::value& nothing()
+{
+    static const web::json::value& null = utils::neverDestroyed(new web::json::value);
+    return null;
+}
+
+} // namespace
+
 WebAnswer::WebAnswer(web::http::http_response response, std::wstring name, FailureWords failureWords, std::wstring message)
     : m_response(std::move(response)), m_name(std::move(name)), m_failureWords(std::move(failureWords)), m_message(std::move(message))
 {}
@@ -38,7 +49,8 @@ bool WebAnswer::ok() const
     if (status() == web::http::status_codes::OK)
         return true;
     if (m_failureWords.words)
-        log::error(*m_failureWords.words + std::to_wstring(status()) + (m_failureWords.withMessage ? L" message: " + m_message : L""));
+        log::error(*m_failureWords.words + std::to_wstring(status()) +
+                   (m_failureWords.beforeMessage ? *m_failureWords.beforeMessage + m_message : L""));
     return false;
 }
 
@@ -71,9 +83,13 @@ const web::json::value& WebAnswer::body()
 
 const web::json::value& WebAnswer::data()
 {
-    static const web::json::value& none = utils::neverDestroyed(new web::json::value);
     const web::json::value* const found = findData();
-    return found ? *found : none;
+    return found ? *found : nothing();
+}
+
+const web::json::value& WebAnswer::dataOfSuccess()
+{
+    return succeeded() ? data() : nothing();
 }
 
 const web::json::value* WebAnswer::findData()
@@ -91,7 +107,7 @@ WebCall::WebCall(std::wstring name, const wchar_t* serviceKey, web::http::method
       m_serviceKey(serviceKey),
       m_method(std::move(method)),
       m_path(std::move(path)),
-      m_failureWords{m_name + L" - code:", false}
+      m_failureWords{m_name + L" - code:"}
 {}
 
 WebCall& WebCall::place(const std::wstring& placeholder, const std::wstring& value)
@@ -114,6 +130,19 @@ WebCall& WebCall::query(const wchar_t* key, const std::wstring& value)
 {
     m_query.emplace_back(utils::toNative(std::wstring(key)), utils::toNative(value));
     return *this;
+}
+
+WebCall& WebCall::placePermission(const std::wstring& placeholder, const std::wstring& token)
+{
+    SecretGuard::protectPermission(token);
+    m_pathHoldsPermission = true;
+    return place(placeholder, token);
+}
+
+WebCall& WebCall::queryPermissionUnlessEmpty(const wchar_t* key, const std::wstring& token)
+{
+    SecretGuard::protectPermission(token);
+    return token.empty() ? *this : query(key, token);
 }
 
 WebCall& WebCall::body(web::json::value value)
@@ -152,9 +181,9 @@ WebCall& WebCall::failsSilently()
     return *this;
 }
 
-WebCall& WebCall::failsWithMessage()
+WebCall& WebCall::failsWithMessage(std::wstring beforeMessage)
 {
-    m_failureWords.withMessage = true;
+    m_failureWords.beforeMessage = std::move(beforeMessage);
     return *this;
 }
 
@@ -164,12 +193,24 @@ WebCall& WebCall::plainText(std::wstring text)
     return body(std::move(text));
 }
 
+web::uri_builder WebCall::pathAsUri() const
+{
+    try {
+        return web::uri_builder(utils::toNative(m_path));
+    }
+    catch (const web::uri_exception&) {
+        if (m_pathHoldsPermission) // its words would show the token
+            throw std::invalid_argument("a permission token doesn't fit into an address");
+        throw;
+    }
+}
+
 web::uri WebCall::target() const
 {
     // It would be cut there without a word, and ask for something else.
     if (utils::holdsNul(m_path))
         throw std::invalid_argument("a path can't hold a NUL");
-    web::uri_builder builder(utils::toNative(m_path));
+    web::uri_builder builder = pathAsUri();
     for (const auto& [key, value] : m_query)
         builder.append_query(key, value);
     return builder.to_uri();

@@ -58,7 +58,7 @@ struct Exchange
 struct FailureWords
 {
     std::optional<std::wstring> words;
-    bool withMessage = false;
+    std::optional<std::wstring> beforeMessage{}; ///< none: the platform's words aren't logged
 };
 
 /// The answer to a web call. An operation asks it for the form of success that is its own; what the answer then lacks has
@@ -84,6 +84,8 @@ public:
     const web::json::value& data();
     /// Null where the body has no member "data".
     const web::json::value* findData();
+    /// The member "data" of an answer that succeeded; null of any other.
+    const web::json::value& dataOfSuccess();
 
     /// Logs what is wrong with the body, followed by the body.
     void complain(const std::wstring& words);
@@ -112,6 +114,9 @@ public:
     WebCall& place(const std::wstring& placeholder, int value);
     /// Adds to the query, URI-encoded, in the order of the calls.
     WebCall& query(const wchar_t* key, const std::wstring& value);
+    /// The same for a permission token: no log line and no error text shows it from now on.
+    WebCall& placePermission(const std::wstring& placeholder, const std::wstring& token);
+    WebCall& queryPermissionUnlessEmpty(const wchar_t* key, const std::wstring& token);
     WebCall& body(web::json::value value);
     /// A body that is text already.
     WebCall& body(std::wstring text);
@@ -127,7 +132,7 @@ public:
     /// A body of plain text, which is not JSON to the platform.
     WebCall& plainText(std::wstring text);
     /// A status that is not 200 is logged with the platform's words behind it.
-    WebCall& failsWithMessage();
+    WebCall& failsWithMessage(std::wstring beforeMessage = L" message: ");
 
     /// Throws on a transport failure, for an address or a path that is no URI, and for a service without an address.
     WebAnswer send(ErrorCode& error) const;
@@ -136,6 +141,7 @@ public:
     WebAnswer answer(const web::http::http_response& response, const ErrorCode& error) const;
 
 private:
+    web::uri_builder pathAsUri() const;
     web::uri target() const;
 
     std::wstring m_name;
@@ -146,6 +152,7 @@ private:
     web::json::value m_json;
     std::optional<std::wstring> m_text;
     bool m_isPlainText = false;
+    bool m_pathHoldsPermission = false;
     std::optional<int> m_timeoutSeconds;
     FailureWords m_failureWords;
 };
