@@ -66,6 +66,10 @@ std::string start()
     server.set_tcp_nodelay(true);
     server.Get(R"(/v2/dataSets/[^/]+)", answerWith(dataset));
     server.Get("/projects", answerWith(projects()));
+    server.Post(R"(/v3/dataset/[^/]+/xmonitor/apply)",
+                answerWith(R"({"code":10000,"msg":"OK","data":{"token":"7f0c4a52-1c6a-4b8e-9d3e-6d8d4b0f6a11","monitor":2}})"));
+    server.Put(R"(/dataset/[^/]+/monitor/ack)", answerWith(R"({"code":10000,"msg":"OK","data":null})"));
+    server.Put(R"(/dataset/monitor/[^/]+/release)", answerWith(R"({"code":10000,"msg":"OK","data":null})"));
     const int port = server.bind_to_any_port("127.0.0.1");
     if (port <= 0)
         std::abort();

@@ -1,4 +1,5 @@
 #include "support/FileProcess.h"
+#include "support/Patterns.h"
 #include "support/TempFolder.h"
 #include "support/Threads.h"
 
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 using namespace orlo::utils;
+using orlo::test::FitsPattern;
 using orlo::test::readFile;
 using orlo::test::writeFile;
 using testing::ElementsAre;
@@ -116,9 +118,66 @@ TEST_F(PermissionFile, IsReadableByItsOwnerAlone)
 TEST_F(PermissionFile, HasAFormatThatLaterVersionsCanRead)
 {
     ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
-    EXPECT_EQ(readFile(tokenFile()), R"({"version":1,"tokens":[{"user":"user-1","dataset":"ds-1","token":"a"}]})");
+    EXPECT_THAT(readFile(tokenFile()),
+                FitsPattern(R"(\{"version":1,"revision":"[-0-9a-f]{36}","tokens":\[\{"user":"user-1","dataset":"ds-1","token":"a"\}\]\})"));
     putTokenFile(R"({"tokens":[{"token":"b","user":"user-2","dataset":"ds-2","since":5}],"version":1,"more":{}})");
     EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-2", "ds-2"), "b");
+}
+
+TEST_F(PermissionFile, SeesWhatOthersHaveWritten)
+{
+    ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "mine"));
+    const std::string before = readFile(tokenFile());
+    for (int i = 0; i < 20; ++i) {
+        orlo::test::FileProcess(m_local).ask("tokens user-1"); // "0" to "39"
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "39"), "user-139");
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "mine");
+        putTokenFile(before);
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "39"), "") << "as it was before";
+        EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "mine");
+    }
+    putTokenFile(R"({"version":1,"tokens":[{"user":"user-1","dataset":"ds-1","token":"a"}]})");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "a");
+    putTokenFile(R"({"version":1,"tokens":[{"user":"user-1","dataset":"ds-1","token":"b"}]})");
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "b") << "of the same size, without a revision";
+    fs::remove(tokenFile());
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+    EXPECT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-2", "c"));
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "") << "it doesn't come back";
+}
+
+TEST_F(PermissionFile, WhatCannotBeWrittenIsNotRememberedEither)
+{
+    ASSERT_TRUE(m_helper.WriteTokenToFile("user-1", "ds-1", "a"));
+    fs::remove(tokenFile());
+    fs::create_directories(tokenFile() / "x"); // no file can come in its place
+    EXPECT_FALSE(m_helper.WriteTokenToFile("user-1", "ds-1", "b"));
+    fs::remove_all(tokenFile());
+    EXPECT_EQ(m_helper.GetDatasetTokenFromFile("user-1", "ds-1"), "");
+}
+
+TEST_F(PermissionFile, ManyEntriesComeAndGoWithoutDisturbingTheOthers)
+{
+    std::map<std::pair<std::string, std::string>, std::string> expected;
+    unsigned random = 7;
+    for (int step = 0; step < 400; ++step) {
+        random = random * 1664525 + 1013904223;
+        const std::string user = std::string("u\"\\,{用") + std::to_string(random >> 8 & 1);
+        const std::string dataset = "d]}" + std::to_string(random >> 16 & 7);
+        if ((random >> 24 & 3) == 0) {
+            EXPECT_EQ(m_helper.ReleasePermission(user, dataset), expected.erase({user, dataset}) == 1);
+        }
+        else {
+            const std::string token = "\"},{\"user\":\"" + std::to_string(random);
+            EXPECT_TRUE(m_helper.WriteTokenToFile(user, dataset, token));
+            expected[{user, dataset}] = token;
+        }
+        if (step % 40 == 39) // as another process would read it
+            putTokenFile(readFile(tokenFile()).replace(1, 12, "\"version\" :1,"));
+        for (const auto& [holder, token] : expected)
+            ASSERT_EQ(m_helper.GetDatasetTokenFromFile(holder.first, holder.second), token) << step;
+    }
+    EXPECT_GT(expected.size(), 8u);
 }
 
 TEST_F(PermissionFile, ABrokenFileIsSetAsideAndANewOneBegun)

@@ -2,6 +2,7 @@
 
 #include <BaseCommon/Export.h>
 
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -10,6 +11,7 @@ namespace orlo::utils {
 /// The write tokens of datasets that this machine's users hold, one for each pair of user and dataset, kept in one file in
 /// TokenFolder(). The file is replaced as a whole, so it survives a kill at any instant; it is readable by its owner alone, and several
 /// processes may use it at once. A file that can't be understood is set aside under another name. All ids and tokens are opaque UTF-8.
+/// What the file held when it was last used is remembered, and read again only where somebody else has written it.
 class ORLO_BASE_API PermissionFileHelper
 {
 public:
@@ -27,9 +29,13 @@ public:
     bool ReleasePermission(const std::string& userId, const std::string& datasetId);
 
 private:
-    PermissionFileHelper() = default;
+    class File;
+
+    PermissionFileHelper();
+    ~PermissionFileHelper();
 
     std::mutex m_mutex;
+    std::unique_ptr<File> m_file;
 };
 
 } // namespace orlo::utils
