@@ -1,4 +1,5 @@
 #include "PlatformFixture.h"
+#include "support/TempFolder.h"
 
 namespace orlo::platform::test {
 namespace {
@@ -131,6 +132,31 @@ TEST_F(MonitorRoutes, TheRightsOfAnAccountDecide)
     platform.change(grantPermission, "p1", "demo-account", "d1", std::vector<std::string>{"Write"});
     EXPECT_EQ(demo().post("/v3/dataset/d1/xmonitor/apply?ack=1", "").status, 200);
     EXPECT_EQ(demo().post("/dataset/d1/smonitor/apply?ack=1", "").status, 403);
+}
+
+TEST(MonitorsOfAFolder, SurviveARestartOfThePlatform)
+{
+    const orlo::test::TempFolder folder;
+    const Options kept{folder.path("平台").u8string(), 0, true};
+    std::string token;
+    {
+        LocalPlatform first(kept);
+        first.change(addProject, {"Tower", "demo-account", "p1"});
+        first.start();
+        const Caller demo(first.url(), "demo-token");
+        DatasetSeed dataset;
+        dataset.name = dataset.id = "d1";
+        dataset.teamId = jsonText(demo.get("/projects/p1/teams").body, "data.0.id");
+        first.change(addDataset, dataset);
+        token = jsonText(demo.post("/v3/dataset/d1/xmonitor/apply?ack=1", "").body, "data.token");
+        EXPECT_EQ(demo.put("/dataset/d1/monitor/ack?token=" + token, "").status, 200);
+    }
+    LocalPlatform second(kept);
+    second.change(addUser, {"other", "demo-account", "other-token"});
+    second.start();
+    EXPECT_THAT(Caller(second.url(), "other-token").post("/v3/dataset/d1/xmonitor/apply?ack=1", "").body,
+                IsJson(R"({"code":40900,"msg":"demo is writing the dataset","data":null})"));
+    EXPECT_EQ(Caller(second.url(), "demo-token").put("/dataset/monitor/" + token + "/release?force=false", "").status, 200);
 }
 
 TEST_F(MonitorRoutes, AccessTokensAreNeeded)
