@@ -31,7 +31,9 @@
 #include <OrloProjectManager/Resources/IProjectFont.h>
 #include <OrloProjectManager/Resources/ITemplateManager.h>
 #include <OrloProjectManager/Teams/CollaborationTeamInfo.h>
+#include <OrloProjectManager/Teams/ICollaborationSharedRecord.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>
+#include <OrloProjectManager/Teams/ICollaborationTeamManager.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
 #include <OrloProjectManager/Transfer/ICollaborationFile.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>

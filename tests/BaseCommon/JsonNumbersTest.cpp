@@ -75,6 +75,12 @@ TEST(JsonNumbers, TextsThatTheFullPrecisionOfTheParserBreaksOnAreReadAsTheyStand
     EXPECT_EQ(written("[1.11111111111111111111E-335]"), "[0.0]");
     EXPECT_EQ(written("[-1.11111111111111111111E-335]"), "[-0.0]");
     EXPECT_EQ(written("[0e67]"), "[0.0]");
+    for (const char* exponent : {"-9223372036854775807", "-9223372036854775808", "-9223372036854775809"}) { // at the end of its own range
+        EXPECT_EQ(written("[-0.0467E" + std::string(exponent) + "]"), "[-0.0]") << exponent;
+        EXPECT_EQ(written("[467E" + std::string(exponent) + "]"), "[0.0]") << exponent;
+    }
+    for (const char* exponent : {"9223372036854775807", "9223372036854775808"})
+        EXPECT_EQ(readBits("0.0467E" + std::string(exponent)), "refused") << exponent;
     EXPECT_EQ(written("[0.00e67,0E-67,-0e67]"), "[0.0,0.0,-0.0]");
     EXPECT_EQ(written("[1.11111111111111111e-2147483639]"), "[0.0]");
     EXPECT_EQ(written("[1e-99999999999999999999999999]"), "[0.0]");

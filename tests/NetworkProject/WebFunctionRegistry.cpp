@@ -9,6 +9,7 @@
 #include <OrloProjectManager/NetworkProject/Projects/SpecialtyWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
 #include <OrloProjectManager/NetworkProject/Resources/FontWeb.h>
+#include <OrloProjectManager/NetworkProject/Teams/ShareWeb.h>
 #include <OrloProjectManager/NetworkProject/Teams/TeamWeb.h>
 #include <OrloProjectManager/NetworkProject/Transfer/FileWeb.h>
 #include <OrloProjectManager/NetworkProject/Transfer/TranslationWeb.h>
@@ -95,6 +96,24 @@ const std::vector<WebFunction>& webFunctions()
         {"CreateSpecialty", L"", plain(&CreateSpecialty, L"project", L"ZOK", L"name")},
         {"GetAuthorizationOfUserInProject", L"E [ORLOSDK]OrloWebService::GetAuthorizationOfUserInProject - code:",
          into(&GetAuthorizationOfUserInProject, L"project", L"user")},
+        {"CreateTeam", L"E [ORLOSDK]OrloWebService::CreateTeam - code:", plain(&CreateTeam, L"name", L"project")},
+        {"AddUserToTeam", L"E [ORLOSDK]OrloWebService::AddUserToTeam - code:", plain(&AddUserToTeam, L"team", L"user")},
+        {"DeleteUserFromTeam", L"E [ORLOSDK]OrloWebService::DeleteUserFromTeam - code:", plain(&DeleteUserFromTeam, L"team", L"user")},
+        {"getTeamIdByFolderId", L"E OrloWebService::getTeamIdByFolderId - code:", into(&getTeamIdByFolderId, L"folder")},
+        {"GetTeamsOfUser", L"E [ORLOSDK]CollaborationTeamManager::GetMyTeamsByProject - code:", into(&GetTeamsOfUser, L"user", L"project")},
+        {"GetTeamInfo", L"E [ORLOSDK]CollaborationTeam::GetTeamInfo - code:", into(&GetTeamInfo, L"team")},
+        {"GetDatasetsOfTeam", L"E [ORLOSDK]CollaborationTeam::GetTeamDatasetInfos - code:",
+         into(&GetDatasetsOfTeam, L"team", std::optional<std::wstring>(L"draft"))},
+        {"SearchOwnDatasets", L"E [ORLOSDK]CollaborationTeam::GetTeamDatasetInfos - code:",
+         into(&SearchOwnDatasets, std::vector<std::wstring>{L"team"}, L"draft")},
+        {"GetDatasetsSharedWithTeam", L"E [ORLOSDK]CollaborationTeam::GetTeamSharedDatasets - code:",
+         into(&GetDatasetsSharedWithTeam, L"team")},
+        {"GetFoldersSharedWithTeam", L"E [ORLOSDK]CollaborationTeam::GetTeamSharedFolders - code:",
+         into(&GetFoldersSharedWithTeam, L"team"), Body::strict},
+        {"getShareRecordByTeamId", L"E OrloWebService::getShareRecordByTeamId - code:", into(&getShareRecordByTeamId, L"team")},
+        {"getShareContentById", L"E OrloWebService::getShareContentById - code:", into(&getShareContentById, L"record")},
+        {"getResourceId", L"E OrloWebService::getResourceId - code:",
+         into(&getResourceId, L"visitor", ORLOSubjectType::Team, ORLOResourceType::DataSet)},
         // Datasets and versions
         {"GetDataSetsByFolder", L"E [ORLOSDK]OrloWebService::GetDataSetsByFolder - code:", into(&GetDataSetsByFolder, L"folder")},
         {"GetDatasetInfo", L"E [ORLOSDK]OrloWebService::GetDatasetInfo - code:", into(&GetDatasetInfo, "dataset")},

@@ -45,6 +45,58 @@ TEST(SlotOrder, ofTheProjectManager)
     EXPECT_EQ(virtualSlot(&M::GetProjectByModelingId), 27u);
 }
 
+TEST(SlotOrder, ofTheTeamManager)
+{
+    using M = ICollaborationTeamManager;
+    using Team = std::shared_ptr<ICollaborationTeam>;
+    using Teams = std::vector<Team>;
+    EXPECT_EQ(virtualSlot<Team (M::*)(Text, Text, ErrorCode&)>(&M::CreateTeam), 2u);
+    EXPECT_EQ(virtualSlot<Team (M::*)(Text, Text)>(&M::CreateTeam), 3u);
+    EXPECT_EQ(virtualSlot<Team (M::*)(Text, ErrorCode&)>(&M::GetTeamByFolder), 4u);
+    EXPECT_EQ(virtualSlot<Team (M::*)(Text)>(&M::GetTeamByFolder), 5u);
+    EXPECT_EQ(virtualSlot(&M::GetTeam), 6u);
+    EXPECT_EQ(virtualSlot<Team (M::*)(const std::string&, ErrorCode&)>(&M::GetTeamByDataset), 7u);
+    EXPECT_EQ(virtualSlot<Team (M::*)(Text)>(&M::GetTeamByDataset), 8u);
+    EXPECT_EQ(virtualSlot<Teams (M::*)(Text, ErrorCode&)>(&M::GetMyTeamsByProject), 9u);
+    EXPECT_EQ(virtualSlot<Teams (M::*)(Text)>(&M::GetMyTeamsByProject), 10u);
+}
+
+TEST(SlotOrder, ofATeam)
+{
+    using T = ICollaborationTeam;
+    using Records = std::vector<std::shared_ptr<ICollaborationSharedRecord>>;
+    using Folders = std::vector<TeamSharedFolderInfo>;
+    using Shared = std::vector<TeamSharedDatasetInfo>;
+    using Infos = std::vector<DatasetInfo>;
+    using Status = const DatasetStatus&;
+    EXPECT_EQ(virtualSlot<Records (T::*)(ErrorCode&)>(&T::GetCollaborationSharedRecords), 2u);
+    EXPECT_EQ(virtualSlot<Records (T::*)()>(&T::GetCollaborationSharedRecords), 3u);
+    EXPECT_EQ(virtualSlot<Folders (T::*)(ErrorCode&)>(&T::GetTeamSharedFolders), 4u);
+    EXPECT_EQ(virtualSlot<Folders (T::*)()>(&T::GetTeamSharedFolders), 5u);
+    EXPECT_EQ(virtualSlot<Shared (T::*)(ErrorCode&)>(&T::GetTeamSharedDatasets), 6u);
+    EXPECT_EQ(virtualSlot<Shared (T::*)()>(&T::GetTeamSharedDatasets), 7u);
+    EXPECT_EQ(virtualSlot<Infos (T::*)(DatasetStatus, ErrorCode&)>(&T::GetTeamDatasetInfos), 8u);
+    EXPECT_EQ(virtualSlot<Infos (T::*)(DatasetStatus)>(&T::GetTeamDatasetInfos), 9u);
+    EXPECT_EQ(virtualSlot<bool (T::*)(Status, Infos&, ErrorCode&)>(&T::GetUserOwnsDatasetsInTeam), 10u);
+    EXPECT_EQ(virtualSlot<bool (T::*)(Status, Infos&)>(&T::GetUserOwnsDatasetsInTeam), 11u);
+    EXPECT_EQ(virtualSlot<CollaborationTeamInfo (T::*)(ErrorCode&)>(&T::GetTeamInfo), 12u);
+    EXPECT_EQ(virtualSlot<CollaborationTeamInfo (T::*)()>(&T::GetTeamInfo), 13u);
+    EXPECT_EQ(virtualSlot(&T::GetTeamId), 14u);
+    EXPECT_EQ(virtualSlot<bool (T::*)(Text, ErrorCode&)>(&T::AddMember), 15u);
+    EXPECT_EQ(virtualSlot<bool (T::*)(Text)>(&T::AddMember), 16u);
+}
+
+TEST(SlotOrder, ofASharedRecord)
+{
+    using R = ICollaborationSharedRecord;
+    using Shared = std::vector<CollaborationSharedDatasetInfo>;
+    EXPECT_EQ(virtualSlot<Shared (R::*)(ErrorCode&)>(&R::GetSharedDataSets), 2u);
+    EXPECT_EQ(virtualSlot<Shared (R::*)()>(&R::GetSharedDataSets), 3u);
+    EXPECT_EQ(virtualSlot(&R::GetStatus), 4u);
+    EXPECT_EQ(virtualSlot(&R::GetName), 5u);
+    EXPECT_EQ(virtualSlot(&R::GetShareId), 6u);
+}
+
 TEST(SlotOrder, ofAFolder)
 {
     using F = ICollaborationFolder;

@@ -106,7 +106,9 @@ private:
 
     Lines statusLine(int status) const
     {
-        return m_operation.failureWords.empty() ? Lines{} : Lines{L"E [ORLOSDK]" + m_operation.failureWords + std::to_wstring(status)};
+        return m_operation.failureWords.empty()
+                   ? Lines{}
+                   : Lines{(m_operation.isTagged ? L"E [ORLOSDK]" : L"E ") + m_operation.failureWords + std::to_wstring(status)};
     }
 
     static Lines repeated(const Lines& attempt)

@@ -21,6 +21,7 @@ struct RequestingOperation
     std::string goodAnswer = {};           ///< a body that would be a success with status 200
     std::wstring frame = {};               ///< the name in the log's lines, of one that asks directly; empty for one that is retried
     bool tellsProgress = false;            ///< whether it logs information, which is left out here
+    bool isTagged = true;                  ///< whether the tag stands before the failure words
 };
 
 /// Lets the request fail in every way: error statuses with and without another attempt, other statuses that are not 200,

@@ -43,7 +43,7 @@ bool isBelowOne(std::string_view number)
         return power.front() == '-';
     // The digits before the point count up, the zeros behind it down.
     const std::int64_t places = first < point ? point - first : point - first + 1;
-    return places + exponent <= 0;
+    return exponent <= -places; // their sum may not fit
 }
 
 // What is too small for a double is 0, what is too large no number.

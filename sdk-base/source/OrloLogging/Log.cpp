@@ -26,6 +26,11 @@ void error(const std::wstring& message)
     ILogManager::Get()->LogError(tag + message);
 }
 
+void errorUntagged(const std::wstring& message)
+{
+    ILogManager::Get()->LogError(message);
+}
+
 void errorAt(const CallSite& site, const std::wstring& message)
 {
     ILogManager::Get()->LogErrorAt(site.source, site.line, site.function, message, tag);

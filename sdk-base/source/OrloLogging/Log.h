@@ -24,6 +24,8 @@ namespace log {
 ORLO_LOGGING_API void info(const std::wstring& message);
 ORLO_LOGGING_API void warning(const std::wstring& message);
 ORLO_LOGGING_API void error(const std::wstring& message);
+/// For the few lines that hosts look for without the tag.
+ORLO_LOGGING_API void errorUntagged(const std::wstring& message);
 ORLO_LOGGING_API void errorAt(const CallSite& site, const std::wstring& message);
 
 } // namespace log

@@ -1,24 +1,15 @@
 #include "../Frame/CallFrame.h"
 #include "../Frame/Retried.h"
-#include "../NetworkProject/Call/TextTable.h"
 #include "../NetworkProject/Projects/DatasetReaders.h"
 #include "../NetworkProject/Projects/DatasetWeb.h"
+#include "../NetworkProject/Projects/ProjectTexts.h"
 #include "Project.h"
-
-#include <BaseCommon/NeverDestroyed.h>
 
 namespace orlo {
 
 using http::ORLOHTTPPayloadDataset;
 
 namespace {
-
-const TextTable<DatasetStatus>& datasetStatusTexts()
-{
-    static const auto& table = utils::neverDestroyed(new const TextTable<DatasetStatus>(
-        {{DatasetStatus::Draft, L"draft"}, {DatasetStatus::Committed, L"committed"}}, DatasetStatus::Draft));
-    return table;
-}
 
 ORLOHTTPPayloadDataset workunit(const std::wstring& name, const std::wstring& teamId, const std::wstring& specialtyId,
                                 const std::wstring& ownerId)

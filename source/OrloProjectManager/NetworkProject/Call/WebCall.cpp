@@ -48,10 +48,17 @@ bool WebAnswer::ok() const
 {
     if (status() == web::http::status_codes::OK)
         return true;
-    if (m_failureWords.words)
-        log::error(*m_failureWords.words + std::to_wstring(status()) +
-                   (m_failureWords.beforeMessage ? *m_failureWords.beforeMessage + m_message : L""));
+    tellStatus();
     return false;
+}
+
+void WebAnswer::tellStatus() const
+{
+    if (!m_failureWords.words)
+        return;
+    const std::wstring line = *m_failureWords.words + std::to_wstring(status()) +
+                              (m_failureWords.beforeMessage ? *m_failureWords.beforeMessage + m_message : L"");
+    m_failureWords.isTagged ? log::error(line) : log::errorUntagged(line);
 }
 
 bool WebAnswer::marked()
@@ -67,6 +74,16 @@ bool WebAnswer::marked()
 bool WebAnswer::succeeded()
 {
     return ok() && OrloWebService::IsMarkedSuccess(body());
+}
+
+bool WebAnswer::succeededOrTold()
+{
+    if (!ok())
+        return false;
+    if (OrloWebService::IsMarkedSuccess(body()))
+        return true;
+    tellStatus();
+    return false;
 }
 
 bool WebAnswer::okWithData()
@@ -173,6 +190,12 @@ WebCall& WebCall::failureWords(std::wstring words)
 {
     m_failureWords.words = std::move(words);
     return *this;
+}
+
+WebCall& WebCall::untaggedFailureWords(std::wstring words)
+{
+    m_failureWords.isTagged = false;
+    return failureWords(std::move(words));
 }
 
 WebCall& WebCall::failsSilently()

@@ -59,6 +59,7 @@ struct FailureWords
 {
     std::optional<std::wstring> words;
     std::optional<std::wstring> beforeMessage{}; ///< none: the platform's words aren't logged
+    bool isTagged = true;
 };
 
 /// The answer to a web call. An operation asks it for the form of success that is its own; what the answer then lacks has
@@ -75,6 +76,8 @@ public:
     bool marked();
     /// The same without a line for a body that lacks the mark.
     bool succeeded();
+    /// The same where a body without the mark is logged like a status that is not 200, with its 200.
+    bool succeededOrTold();
     /// Status 200 and a body with a member "data", whatever its code.
     bool okWithData();
 
@@ -91,6 +94,8 @@ public:
     void complain(const std::wstring& words);
 
 private:
+    void tellStatus() const;
+
     web::http::http_response m_response;
     std::wstring m_name;
     FailureWords m_failureWords;
@@ -126,6 +131,8 @@ public:
     WebCall& withFreshTimeout();
     /// Another text than "<Name> - code:" for a status that is not 200.
     WebCall& failureWords(std::wstring words);
+    /// The same without the tag of the library's lines.
+    WebCall& untaggedFailureWords(std::wstring words);
     /// A status that is not 200 is not logged.
     WebCall& failsSilently();
 

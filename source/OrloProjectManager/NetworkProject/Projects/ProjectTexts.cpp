@@ -46,6 +46,13 @@ const TextTable<EStandardPropertyValueType>& standardPropertyTypes()
     return table;
 }
 
+const TextTable<DatasetStatus>& datasetStatusTexts()
+{
+    static const auto& table = utils::neverDestroyed(new const TextTable<DatasetStatus>(
+        {{DatasetStatus::Draft, L"draft"}, {DatasetStatus::Committed, L"committed"}}, DatasetStatus::Draft));
+    return table;
+}
+
 std::wstring textOf(ProjectScenario scenario)
 {
     switch (scenario) {

@@ -2,6 +2,7 @@
 
 #include "../Call/TextTable.h"
 
+#include <OrloProjectManager/Projects/DatasetRecords.h>
 #include <OrloProjectManager/Projects/ProjectRecords.h>
 #include <OrloProjectManager/Projects/Specialty.h>
 #include <OrloProjectManager/Projects/StandardProperty.h>
@@ -12,6 +13,8 @@ const TextTable<ProjectStatus>& projectStatusTexts();
 const TextTable<ProjectGridType>& projectGridTypeTexts();
 const TextTable<SpecialtyType>& specialtyTexts();
 const TextTable<EStandardPropertyValueType>& standardPropertyTypes();
+/// Without Any, which each operation reads in its own way.
+const TextTable<DatasetStatus>& datasetStatusTexts();
 
 /// "DEFAULT" for every value without a text of its own.
 std::wstring textOf(ProjectScenario scenario);
