@@ -10,9 +10,13 @@ namespace orlo {
 ICollaborationSharedRecord::ICollaborationSharedRecord() = default;
 ICollaborationSharedRecord::~ICollaborationSharedRecord() = default;
 
-CollaborationSharedRecord::CollaborationSharedRecord(std::wstring id, CollaborationShareStatus status, std::wstring name,
-                                                     std::wstring shareId, std::wstring consumedId)
-    : id(std::move(id)), name(std::move(name)), status(status), shareId(std::move(shareId)), consumedId(std::move(consumedId))
+CollaborationSharedRecord::CollaborationSharedRecord(std::wstring recordId, CollaborationShareStatus recordStatus, std::wstring recordName,
+                                                     std::wstring sharingTeam, std::wstring receivingTeam)
+    : id(std::move(recordId)),
+      name(std::move(recordName)),
+      status(recordStatus),
+      shareId(std::move(sharingTeam)),
+      consumedId(std::move(receivingTeam))
 {}
 
 std::vector<CollaborationSharedDatasetInfo> CollaborationSharedRecord::GetSharedDataSets(ErrorCode& error)

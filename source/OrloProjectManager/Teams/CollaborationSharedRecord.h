@@ -9,8 +9,8 @@ namespace orlo {
 class CollaborationSharedRecord final : public ICollaborationSharedRecord
 {
 public:
-    CollaborationSharedRecord(std::wstring id, CollaborationShareStatus status, std::wstring name, std::wstring shareId,
-                              std::wstring consumedId);
+    CollaborationSharedRecord(std::wstring recordId, CollaborationShareStatus recordStatus, std::wstring recordName,
+                              std::wstring sharingTeam, std::wstring receivingTeam);
 
     std::vector<CollaborationSharedDatasetInfo> GetSharedDataSets(ErrorCode& error) override;
     std::vector<CollaborationSharedDatasetInfo> GetSharedDataSets() override { return GetSharedDataSets(DroppedError()); }
@@ -23,7 +23,7 @@ private:
     const std::wstring name;
     const CollaborationShareStatus status;
     const std::wstring shareId;
-    const std::wstring consumedId;
+    [[maybe_unused]] const std::wstring consumedId; ///< nobody asks for it yet
 };
 
 /// From the text of a record's status; Temporary for a text that isn't known.
