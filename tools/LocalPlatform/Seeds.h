@@ -84,6 +84,53 @@ struct FolderSeed
 /// Returns the id.
 std::string addFolder(World& world, const FolderSeed& folder);
 
+// Teams. A user is known to them by the id of his account.
+
+struct TeamSeed
+{
+    std::string projectId{};
+    std::string name{};
+    std::string id{}; ///< Empty: a new one is made.
+    std::string description{};
+    std::string status = "Working";
+};
+
+/// Returns the id. The team gets a folder of its own, and the project's owner for a member.
+std::string addTeam(World& world, const TeamSeed& team);
+/// Whoever is a member already stays one.
+void addMember(World& world, const std::string& teamId, const std::string& accountId);
+
+/// One team lets another see a resource of its own: a "Folder" or a "DataSet".
+struct TrustSeed
+{
+    std::string teamId{};
+    std::string trustedTeamId{};
+    std::string resourceType{};
+    std::string resourceId{};
+};
+
+void addTrust(World& world, const TrustSeed& trust);
+
+struct SharedVersion
+{
+    std::string datasetId{};
+    int version = 0;
+};
+
+/// One team hands versions of its datasets to another.
+struct ShareSeed
+{
+    std::string shareId{};    ///< The team that shares.
+    std::string consumedId{}; ///< The team that receives.
+    std::string name{};
+    std::vector<SharedVersion> contents{};
+    std::string status = "Shared"; ///< Or "Temporary", "Consumed".
+    std::string id{};              ///< Empty: a new one is made.
+};
+
+/// Returns the id of the record.
+std::string addShare(World& world, const ShareSeed& share);
+
 // Datasets
 
 struct DatasetSeed

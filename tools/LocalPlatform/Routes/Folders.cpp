@@ -21,15 +21,6 @@ void insertFolder(World& world, const std::string& id, const std::string& projec
                      folder.parentId, folder.name, folder.folderType, folder.teamId);
 }
 
-void addDefaultTeam(World& world, const std::string& projectId, const std::string& rootId)
-{
-    const std::string teamId = newId();
-    const std::string folderId = newId();
-    insertFolder(world, folderId, projectId, FolderSeed{rootId, defaultTeam, "TeamRelated", teamId, {}});
-    world.tables.run("INSERT INTO team (id, projectId, name, description, status, linkedFolderId) VALUES (?, ?, ?, '', 'Working', ?)",
-                     teamId, projectId, defaultTeam, folderId);
-}
-
 Answer addFolderCall(const Call& call, World& world)
 {
     const json::Body body(call.body);
@@ -50,7 +41,7 @@ void addDefaultFolders(World& world, const std::string& projectId, const std::st
     insertFolder(world, rootId, projectId, FolderSeed{{}, projectName, "Root", {}, {}});
     for (const char* type : defaultFolders)
         insertFolder(world, newId(), projectId, FolderSeed{rootId, type, type, {}, {}});
-    addDefaultTeam(world, projectId, rootId);
+    addTeam(world, {projectId, defaultTeam});
 }
 
 void requireFolder(World& world, const std::string& folderId)

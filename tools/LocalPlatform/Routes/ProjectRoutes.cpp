@@ -99,14 +99,6 @@ Answer permissionTypes(const Call& call, World& world)
                                        call.place("projectId"), call.place("userId")));
 }
 
-Answer teamsOfProject(const Call& call, World& world)
-{
-    requireProject(world, call.place("projectId"));
-    return enveloped(world.tables.rows("SELECT id, name, description, linkedFolderId, projectId, status FROM team WHERE projectId = ? "
-                                       "ORDER BY rank",
-                                       call.place("projectId")));
-}
-
 } // namespace
 
 void addProjectRoutes(Router& router)
@@ -119,7 +111,6 @@ void addProjectRoutes(Router& router)
     router.add("GET", "/v2/sampleProjects", listSampleProjects);
     router.add("GET", "/resource/limit", resourceLimit);
     router.add("GET", "/projects/{projectId}/users/{userId}/permission", permissionTypes);
-    router.add("GET", "/projects/{projectId}/teams", teamsOfProject);
 }
 
 } // namespace orlo::platform

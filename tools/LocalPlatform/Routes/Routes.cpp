@@ -19,6 +19,10 @@ void addRoutes(Router& router)
     addBlobRoutes(router);
     addDrawingRoutes(router);
     addMonitorRoutes(router);
+    addTeamControls(router);
+    addTeamRoutes(router);
+    addShareControls(router);
+    addShareRoutes(router);
     addTranslationRoutes(router);
     addServerControls(router);
 }

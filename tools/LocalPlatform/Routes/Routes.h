@@ -25,6 +25,10 @@ void addFileRoutes(Router& router);
 void addBlobRoutes(Router& router);
 void addDrawingRoutes(Router& router);
 void addMonitorRoutes(Router& router);
+void addTeamControls(Router& router);
+void addTeamRoutes(Router& router);
+void addShareControls(Router& router);
+void addShareRoutes(Router& router);
 void addTranslationRoutes(Router& router);
 void addServerControls(Router& router);
 

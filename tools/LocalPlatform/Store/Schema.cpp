@@ -187,7 +187,39 @@ CREATE TABLE monitor (
 CREATE INDEX monitorByDataset ON monitor (datasetId);
 )sql";
 
-constexpr std::array steps = {firstSchema, files, tokenEnds, monitors};
+// Who belongs to a team, and what teams let each other see. Every project has its owner in its teams.
+constexpr const char* teams = R"sql(
+CREATE TABLE teamMember (
+    teamId TEXT NOT NULL REFERENCES team (id) ON DELETE CASCADE,
+    accountId TEXT NOT NULL,
+    PRIMARY KEY (teamId, accountId));
+INSERT INTO teamMember (teamId, accountId) SELECT team.id, project.owner FROM team JOIN project ON project.id = team.projectId;
+
+CREATE TABLE trust (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    teamId TEXT NOT NULL REFERENCES team (id) ON DELETE CASCADE,
+    trustedTeamId TEXT NOT NULL REFERENCES team (id) ON DELETE CASCADE,
+    resourceType TEXT NOT NULL,
+    resourceId TEXT NOT NULL,
+    UNIQUE (teamId, trustedTeamId, resourceType, resourceId));
+
+CREATE TABLE share (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    id TEXT NOT NULL UNIQUE,
+    shareId TEXT NOT NULL REFERENCES team (id) ON DELETE CASCADE,
+    consumedId TEXT NOT NULL REFERENCES team (id) ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    status TEXT NOT NULL);
+
+CREATE TABLE shareContent (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    recordId TEXT NOT NULL REFERENCES share (id) ON DELETE CASCADE,
+    datasetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
+    version INTEGER NOT NULL,
+    UNIQUE (recordId, datasetId, version));
+)sql";
+
+constexpr std::array steps = {firstSchema, files, tokenEnds, monitors, teams};
 
 } // namespace
 

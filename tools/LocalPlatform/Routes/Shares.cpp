@@ -1,0 +1,85 @@
+#include "../Store/Json.h"
+#include "../Store/Store.h"
+#include "Datasets.h"
+#include "Projects.h"
+#include "Routes.h"
+#include "Teams.h"
+
+#include <algorithm>
+#include <array>
+
+namespace orlo::platform {
+
+namespace {
+
+template <class Names>
+void requireKnown(const Names& names, const std::string& text, const char* what)
+{
+    if (std::find(names.begin(), names.end(), text) == names.end())
+        throw Refusal(400, std::string("unknown ") + what + ": " + text);
+}
+
+constexpr std::array<const char*, 2> trustedTypes = {"Folder", "DataSet"};
+constexpr std::array<const char*, 3> shareStatuses = {"Temporary", "Shared", "Consumed"};
+
+Answer addTrustCall(const Call& call, World& world)
+{
+    const json::Body body(call.body);
+    addTrust(world,
+             {body.filledText("teamId"), body.filledText("trustedTeamId"), body.filledText("resourceType"), body.filledText("resourceId")});
+    return done();
+}
+
+/// "datasetIds" stand beside "versions", one of each for each version that is shared.
+Answer addShareCall(const Call& call, World& world)
+{
+    const json::Body body(call.body);
+    ShareSeed share;
+    share.shareId = body.filledText("shareId");
+    share.consumedId = body.filledText("consumedId");
+    share.name = body.filledText("name");
+    share.status = body.textOr("status", share.status);
+    share.id = body.textOr("id", {});
+    const std::vector<std::string> datasets = body.texts("datasetIds");
+    const std::vector<std::int64_t> versions = json::readIntegerArray(body.rawOr("versions", "[]"));
+    if (datasets.size() != versions.size())
+        throw Refusal(400, "each of \"datasetIds\" needs one of \"versions\"");
+    for (std::size_t i = 0; i < datasets.size(); ++i)
+        share.contents.push_back({datasets[i], readNumber(std::to_string(versions[i]), "version")});
+    return idAnswer(addShare(world, share));
+}
+
+} // namespace
+
+void addTrust(World& world, const TrustSeed& trust)
+{
+    requireKnown(trustedTypes, trust.resourceType, "resource type");
+    requireTeam(world, trust.teamId);
+    requireTeam(world, trust.trustedTeamId);
+    world.tables.run("INSERT OR IGNORE INTO trust (teamId, trustedTeamId, resourceType, resourceId) VALUES (?, ?, ?, ?)", trust.teamId,
+                     trust.trustedTeamId, trust.resourceType, trust.resourceId);
+}
+
+std::string addShare(World& world, const ShareSeed& share)
+{
+    requireKnown(shareStatuses, share.status, "share status");
+    requireTeam(world, share.shareId);
+    requireTeam(world, share.consumedId);
+    std::string id = freeId(world, "share", share.id);
+    world.tables.run("INSERT INTO share (id, shareId, consumedId, name, status) VALUES (?, ?, ?, ?, ?)", id, share.shareId,
+                     share.consumedId, share.name, share.status);
+    for (const SharedVersion& shared : share.contents) {
+        requireVersion(world, shared.datasetId, shared.version);
+        world.tables.run("INSERT OR IGNORE INTO shareContent (recordId, datasetId, version) VALUES (?, ?, ?)", id, shared.datasetId,
+                         shared.version);
+    }
+    return id;
+}
+
+void addShareControls(Router& router)
+{
+    router.addControl("POST", "trusts", addTrustCall);
+    router.addControl("POST", "shares", addShareCall);
+}
+
+} // namespace orlo::platform
