@@ -45,6 +45,31 @@ std::string projects()
     return list + "]";
 }
 
+/// One issue of the list with its three datasets, about 1 KB.
+std::string issue(std::size_t number)
+{
+    const std::string id = std::to_string(number);
+    std::string datasets;
+    for (const char* dataset : {"1", "2", "3"})
+        datasets += (datasets.empty() ? "" : ",") + (R"({"isCurrent":)" + std::string(dataset == std::string("1") ? "1" : "0")) +
+                    R"(,"datasetId":"5f0c2a6e-7d5b-4b8e-9a55-)" + id + dataset +
+                    R"(","datasetName":"建筑专业中心文件","teamId":"team-1","teamName":"结构组","displayVersion":"V3","version":3,)" +
+                    R"("deleted":false})";
+    return R"({"id":)" + id + R"(,"teamId":"team-1","teamName":"结构组","userId":"user-100023","userName":"王","title":"风管穿梁 )" + id +
+           R"(","description":"Level 2, corridor: duct against beam. Revised after the review of the structural scheme.","file":"",)" +
+           R"("camera":"{"eye":[12.0,-4.5,5.2],"target":[10.0,0.0,3.6]}","markCoordinate":"","creationTime":"2024-03-05T09:30:00.000Z",)" +
+           R"("updateTime":"2024-11-12T17:05:12.345Z","elementId":"beam-17","elementName":"梁 17","memo":"Open","type":"CollisionDetection",)" +
+           R"("issueDatasets":[)" + datasets + "]}";
+}
+
+std::string issues()
+{
+    std::string list;
+    for (std::size_t i = 0; i < issueCount; ++i)
+        list += (list.empty() ? "" : ",") + issue(i);
+    return R"({"code":0,"msg":"OK","data":[)" + list + "]}";
+}
+
 /// Answers from memory, without a copy of its own.
 httplib::Server::Handler answerWith(std::string body)
 {
@@ -70,6 +95,7 @@ std::string start()
                 answerWith(R"({"code":10000,"msg":"OK","data":{"token":"7f0c4a52-1c6a-4b8e-9d3e-6d8d4b0f6a11","monitor":2}})"));
     server.Put(R"(/dataset/[^/]+/monitor/ack)", answerWith(R"({"code":10000,"msg":"OK","data":null})"));
     server.Put(R"(/dataset/monitor/[^/]+/release)", answerWith(R"({"code":10000,"msg":"OK","data":null})"));
+    server.Post("/issue/detail/bydatasetids", answerWith(issues()));
     const int port = server.bind_to_any_port("127.0.0.1");
     if (port <= 0)
         std::abort();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace orlo::bench {
@@ -12,5 +13,6 @@ const std::string& serverUrl();
 constexpr const char* authorization = "Bearer bench-token-1";
 
 constexpr int projectCount = 10000;
+constexpr std::size_t issueCount = 5000;
 
 } // namespace orlo::bench

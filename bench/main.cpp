@@ -77,6 +77,7 @@ int main(int argc, char** argv)
     reporter.printRatio("GetDatasetInfo", 1.05);
     reporter.printRatio("GetAllProjects", 1.25);
     reporter.printRatio("GetSpaceConfig", 1.5);
+    reporter.printRatio("GetIssueList", 1.5);
     reporter.printShareOfTokenFile(5000);
     return 0;
 }

@@ -26,6 +26,10 @@ void files(Story& story, orlo::ICollaborationProject& project, const Platform& p
 /// platform of our own.
 void permissions(Story& story, orlo::ICollaborationProject& project, const Platform& platform);
 
+/// A team with a colleague, what another team shares with it, and an issue from its beginning to its end, with the messages about it. Only
+/// on a platform of our own.
+void teamwork(Story& story, orlo::ICollaborationProject& project, const Platform& platform);
+
 /// Uploads what an earlier session handed to jobs and didn't live to upload; silent if there is nothing.
 void earlierJobs(Story& story);
 

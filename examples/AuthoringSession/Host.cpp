@@ -24,7 +24,7 @@ void signIn()
 
 void signInColleague()
 {
-    orlo::UserSession::SignIn({L"li", L"demo-account", L"li-token"});
+    orlo::UserSession::SignIn({L"li", L"li-account", L"li-token"});
 }
 
 } // namespace session

@@ -4,6 +4,8 @@
 #include <BaseCommon/Text.h>
 
 #include <LocalPlatform/LocalPlatform.h>
+#include <LocalPlatform/Store/Store.h>
+#include <LocalPlatform/World.h>
 #include <system_error>
 
 namespace session {
@@ -65,7 +67,19 @@ void Platform::addDatasetFile(const std::string& datasetId, const std::string& p
 
 void Platform::addColleague() const
 {
-    m_own->change(orlo::platform::addUser, {"li", "demo-account", "li-token"});
+    m_own->change(orlo::platform::addUser, {"li", "li-account", "li-token"});
+}
+
+void Platform::share(const std::string& projectId, const std::string& teamId, const std::string& datasetId) const
+{
+    m_own->change([&](orlo::platform::World& world) {
+        orlo::platform::ShareSeed share;
+        share.shareId = world.tables.text("SELECT id FROM team WHERE projectId = ? ORDER BY rank", projectId).value();
+        share.consumedId = teamId;
+        share.name = "一审";
+        share.contents = {{datasetId, 1}};
+        orlo::platform::addShare(world, share);
+    });
 }
 
 void Platform::slowUploadsDown() const

@@ -41,8 +41,10 @@ public:
 
     /// Puts a file into a dataset, as another application would have. Only on a platform of our own.
     void addDatasetFile(const std::string& datasetId, const std::string& path, const std::string& bytes) const;
-    /// Makes the user "li" known, of the same account. Only on a platform of our own.
+    /// Makes the user "li" known. Only on a platform of our own.
     void addColleague() const;
+    /// Lets the project's first team share the first version of a dataset with another. Only on a platform of our own.
+    void share(const std::string& projectId, const std::string& teamId, const std::string& datasetId) const;
     /// No upload comes to its end from now on. Only on a platform of our own.
     void slowUploadsDown() const;
 

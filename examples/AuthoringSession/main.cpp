@@ -69,6 +69,7 @@ void live(const Arguments& arguments)
     spaces(story, *hospital);
     permissions(story, *hospital, platform);
     files(story, *hospital, platform, folder.path(L"drawings"));
+    teamwork(story, *hospital, platform);
     if (arguments.crashes)
         crashAmidJobs(story, *hospital, platform, folder.path(L"drawings"));
     jobs(story, *hospital, folder.path(L"drawings"));

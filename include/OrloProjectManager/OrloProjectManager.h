@@ -15,6 +15,10 @@
 #include <OrloProjectManager/Design/ConfigType.h>
 #include <OrloProjectManager/Design/ISpaceConfig.h>
 #include <OrloProjectManager/Export.h>
+#include <OrloProjectManager/Issues/IIssue.h>
+#include <OrloProjectManager/Issues/IIssueManager.h>
+#include <OrloProjectManager/Messages/IMessage.h>
+#include <OrloProjectManager/Messages/IMessageManager.h>
 #include <OrloProjectManager/Permission/IDatasetPermission.h>
 #include <OrloProjectManager/Projects/DatasetRecords.h>
 #include <OrloProjectManager/Projects/DatasetVersion.h>

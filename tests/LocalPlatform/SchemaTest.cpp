@@ -28,7 +28,7 @@ TEST(Schema, ItsVersionStandsInTheFile)
     {
         const LocalPlatform platform(Options{data, 0, false});
     }
-    EXPECT_EQ(schemaVersion(data + "/platform.db"), 5);
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 6);
 }
 
 TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
@@ -47,7 +47,7 @@ TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
         platform.change(addFile, "new.zok", "bytes");
         EXPECT_EQ(demo.put("/dataset/d1/version?sourceFile=new.zok", "{}").status, 200);
     }
-    EXPECT_EQ(schemaVersion(data + "/platform.db"), 5);
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 6);
 }
 
 TEST(Schema, DataOfANewerProgramIsLeftAlone)

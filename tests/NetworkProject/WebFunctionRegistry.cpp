@@ -1,6 +1,8 @@
 #include "WebFunctionRegistry.h"
 
 #include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
+#include <OrloProjectManager/NetworkProject/Issues/IssueWeb.h>
+#include <OrloProjectManager/NetworkProject/Messages/MessageWeb.h>
 #include <OrloProjectManager/NetworkProject/Permission/DatasetPermissionWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/DatasetWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/FolderWeb.h>
@@ -158,6 +160,23 @@ const std::vector<WebFunction>& webFunctions()
         {"ReleaseDatasetPermissionMonitorForce", L"E [ORLOSDK]OrloWebService::ReleaseDatasetPermissionMonitorForce - code:",
          plain(&ReleaseDatasetPermissionMonitorForce, L"perm-secret"), Body::json, Way::tellsWords},
         {"GetDatasetEditToken", L"E [ORLOSDK]OrloWebService::GetDatasetEditToken - code:", into(&GetDatasetEditToken, L"dataset")},
+        // Issues and messages
+        {"GetIssuesListByDataSetId", L"E [ORLOSDK]OrloWebService::GetIssuesListByDataSetId - code:",
+         into(&GetIssuesListByDataSetId, "dataset", 1)},
+        {"GetIssuesListByTeamId", L"E [ORLOSDK]OrloWebService::GetIssuesListByDataSetId - code:",
+         into(&GetIssuesListByTeamId, "team", 1, false)},
+        {"PostIssue", L"E [ORLOSDK]OrloWebService::PostIssue - code:",
+         [](ErrorCode& error) {
+             return PostIssue(error, *IIssue::Create(L"team", L"user", L"title", L"words", {}, EORLOIssueType::Comments), {});
+         },
+         Body::unread},
+        {"SolveIssue", L"E [ORLOSDK]OrloWebService::CreateMessage - code:", plain(&SolveIssue, L"user", 1, L"memo")},
+        {"CloseIssue", L"E [ORLOSDK]OrloWebService::CreateMessage - code:", plain(&CloseIssue, L"user", 1, L"memo")},
+        {"SubmitIssue", L"E [ORLOSDK]OrloWebService::CreateMessage - code:", plain(&SubmitIssue, L"user", 1, L"memo")},
+        {"ReopenIssue", L"E [ORLOSDK]OrloWebService::CreateMessage - code:", plain(&ReopenIssue, L"user", 1, L"memo")},
+        {"DealIssue", L"E [ORLOSDK]OrloWebService::CreateMessage - code:", plain(&DealIssue, L"user", 1, L"memo")},
+        {"GetMessages", L"E OrloWebService::GetMessages - code:", into(&GetMessages, L"UNREAD", L"", L"")},
+        {"MarkMessage", L"E OrloWebService::GetMessages - code:", plain(&MarkMessage, 1, L"SYSTEM", L"READ")},
         // Resources
         {"GetProjectFonts", L"", into(&GetProjectFonts, L"project")},
         {"GetFontDownloadUri", L"", into(&GetFontDownloadUri, L"font", L"project")},

@@ -45,6 +45,90 @@ TEST(SlotOrder, ofTheProjectManager)
     EXPECT_EQ(virtualSlot(&M::GetProjectByModelingId), 27u);
 }
 
+// The destructors of the next four stand at the end of their tables, so row n stands in slot n - 1.
+
+TEST(SlotOrder, ofAnIssue)
+{
+    using I = IIssue;
+    EXPECT_EQ(virtualSlot(&I::GetId), 0u);
+    EXPECT_EQ(virtualSlot(&I::GetTeamId), 1u);
+    EXPECT_EQ(virtualSlot(&I::SetTeamId), 2u);
+    EXPECT_EQ(virtualSlot(&I::GetTeamName), 3u);
+    EXPECT_EQ(virtualSlot(&I::GetUserId), 4u);
+    EXPECT_EQ(virtualSlot(&I::SetUserId), 5u);
+    EXPECT_EQ(virtualSlot(&I::GetUserName), 6u);
+    EXPECT_EQ(virtualSlot(&I::GetTitle), 7u);
+    EXPECT_EQ(virtualSlot(&I::SetTitle), 8u);
+    EXPECT_EQ(virtualSlot(&I::GetDescription), 9u);
+    EXPECT_EQ(virtualSlot(&I::SetDescription), 10u);
+    EXPECT_EQ(virtualSlot(&I::GetFile), 11u);
+    EXPECT_EQ(virtualSlot(&I::SetFile), 12u);
+    EXPECT_EQ(virtualSlot(&I::GetCamera), 13u);
+    EXPECT_EQ(virtualSlot(&I::SetCamera), 14u);
+    EXPECT_EQ(virtualSlot(&I::GetMarkCoordinate), 15u);
+    EXPECT_EQ(virtualSlot(&I::SetMarkCoordinate), 16u);
+    EXPECT_EQ(virtualSlot(&I::GetCreationTime), 17u);
+    EXPECT_EQ(virtualSlot(&I::GetUpdateTime), 18u);
+    EXPECT_EQ(virtualSlot(&I::GetType), 19u);
+    EXPECT_EQ(virtualSlot(&I::SetType), 20u);
+    EXPECT_EQ(virtualSlot(&I::GetStatus), 21u);
+    EXPECT_EQ(virtualSlot(&I::SetStatus), 22u);
+    EXPECT_EQ(virtualSlot(&I::GetElementId), 23u);
+    EXPECT_EQ(virtualSlot(&I::SetElementId), 24u);
+    EXPECT_EQ(virtualSlot(&I::GetElementName), 25u);
+    EXPECT_EQ(virtualSlot(&I::SetElementName), 26u);
+    EXPECT_EQ(virtualSlot(&I::GetDatasets), 27u);
+    EXPECT_EQ(virtualSlot(&I::SetDatasets), 28u);
+}
+
+TEST(SlotOrder, ofTheIssueManager)
+{
+    using M = IIssueManager;
+    using Issues = std::vector<std::shared_ptr<IIssue>>;
+    using Issue = const std::shared_ptr<IIssue>&;
+    EXPECT_EQ(virtualSlot<bool (M::*)(const std::string&, Issues&, ErrorCode&)>(&M::GetIssueListByDatasetId), 0u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(const std::string&, Issues&)>(&M::GetIssueListByDatasetId), 1u);
+    EXPECT_EQ(virtualSlot(&M::GetIssueListByTeamId), 2u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(Issue, ErrorCode&)>(&M::PostIssue), 3u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(Issue)>(&M::PostIssue), 4u);
+    EXPECT_EQ(virtualSlot(&M::SolveIssue), 5u);
+    EXPECT_EQ(virtualSlot(&M::CloseIssue), 6u);
+    EXPECT_EQ(virtualSlot(&M::SubmitIssue), 7u);
+    EXPECT_EQ(virtualSlot(&M::ReopenIssue), 8u);
+    EXPECT_EQ(virtualSlot(&M::DealIssue), 9u);
+}
+
+TEST(SlotOrder, ofAMessage)
+{
+    using M = IMessage;
+    EXPECT_EQ(virtualSlot(&M::GetMessageId), 0u);
+    EXPECT_EQ(virtualSlot(&M::GetTitle), 1u);
+    EXPECT_EQ(virtualSlot(&M::GetContent), 2u);
+    EXPECT_EQ(virtualSlot(&M::GetProjectId), 3u);
+    EXPECT_EQ(virtualSlot(&M::GetDatasetId), 4u);
+    EXPECT_EQ(virtualSlot(&M::GetMessageType), 5u);
+    EXPECT_EQ(virtualSlot(&M::GetMessageStatus), 6u);
+    EXPECT_EQ(virtualSlot(&M::GetResourceId), 7u);
+    EXPECT_EQ(virtualSlot(&M::GetResourceType), 8u);
+    EXPECT_EQ(virtualSlot(&M::GetSenderId), 9u);
+    EXPECT_EQ(virtualSlot(&M::GetSenderAction), 10u);
+    EXPECT_EQ(virtualSlot(&M::GetSendTime), 11u);
+}
+
+TEST(SlotOrder, ofTheMessageManager)
+{
+    using M = IMessageManager;
+    using Messages = IMessageManager::Messages;
+    EXPECT_EQ(virtualSlot<bool (M::*)(EMessageStatus, Messages&, ErrorCode&)>(&M::GetMessages), 0u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(EMessageStatus, Messages&)>(&M::GetMessages), 1u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(EMessageStatus, Text, Messages&, ErrorCode&)>(&M::GetMessagesInProject), 2u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(EMessageStatus, Text, Messages&)>(&M::GetMessagesInProject), 3u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(EMessageStatus, Text, Messages&, ErrorCode&)>(&M::GetMessagesInDataset), 4u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(EMessageStatus, Text, Messages&)>(&M::GetMessagesInDataset), 5u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(int, EMessageType, ErrorCode&)>(&M::MarkMessageRead), 6u);
+    EXPECT_EQ(virtualSlot<bool (M::*)(int, EMessageType)>(&M::MarkMessageRead), 7u);
+}
+
 TEST(SlotOrder, ofTheTeamManager)
 {
     using M = ICollaborationTeamManager;

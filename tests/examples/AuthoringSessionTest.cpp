@@ -59,12 +59,28 @@ TEST(AuthoringSession, TellsHowTwoUsersShareADataset)
                                       "   demo closes the model.\n"));
 }
 
+TEST(AuthoringSession, TellsWhatTeamsSharesAndIssuesAreFor)
+{
+    const RunResult run = runProgram({AUTHORING_SESSION});
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_THAT(run.output, HasSubstr("7. A team, a share, an issue\n"
+                                      "   A team is a group of people with a folder of their own. Made the team 机电组\n"
+                                      "   li belongs to it now.\n"
+                                      "   A share hands versions over to another team. It received \"一审\": 一层平面图.dwg, version 1\n"
+                                      "   li reads: 一审 (datasets were shared with the team)\n"
+                                      "   li raises an issue on 一层平面图.dwg, at a place in the model: 风管穿梁\n"));
+    EXPECT_THAT(run.output, HasSubstr("   demo reads: 风管穿梁 (li: raise)\n"
+                                      "   demo: 风管降了 200。 The issue is resolved.\n"
+                                      "   li: 好了。 The issue is closed.\n"
+                                      "   li: 还差一点。 The issue is open.\n"));
+}
+
 TEST(AuthoringSession, HandsFilesToJobsAndIsToldWhenTheyEnd)
 {
     const RunResult run = runProgram({AUTHORING_SESSION});
     EXPECT_EQ(0, run.exitCode);
-    const std::string chapter = run.output.substr(run.output.find("7. Jobs\n"), run.output.find("\n8. ") - run.output.find("7. Jobs\n"));
-    EXPECT_THAT(chapter, HasSubstr("7. Jobs\n   Handed over 立面图.dwg\n   Handed over structure.ifc\n   Handed over schedule.xlsx\n"));
+    const std::string chapter = run.output.substr(run.output.find("8. Jobs\n"), run.output.find("\n9. ") - run.output.find("8. Jobs\n"));
+    EXPECT_THAT(chapter, HasSubstr("8. Jobs\n   Handed over 立面图.dwg\n   Handed over structure.ifc\n   Handed over schedule.xlsx\n"));
     for (const char* name : {"立面图.dwg", "structure.ifc", "schedule.xlsx"}) {
         EXPECT_THAT(chapter, HasSubstr("   " + std::string(name) + " has been uploaded.\n"));
         EXPECT_THAT(chapter, HasSubstr("─ [" + std::string(name) + "]\n"));

@@ -131,6 +131,26 @@ struct ShareSeed
 /// Returns the id of the record.
 std::string addShare(World& world, const ShareSeed& share);
 
+// Messages
+
+/// What a user is told. The receiver is the id of an account, or of a user.
+struct MessageSeed
+{
+    std::string receiver{};
+    std::string title{};
+    std::string content{};
+    std::string projectId{};
+    std::string datasetId{};
+    std::string resourceType{};
+    std::string resourceId{};
+    std::string senderId{};
+    std::string senderAction{};
+    std::string messageType = "BUSINESS"; ///< Or "SYSTEM".
+};
+
+/// Returns the id. The message is unread.
+int addMessage(World& world, const MessageSeed& message);
+
 // Datasets
 
 struct DatasetSeed

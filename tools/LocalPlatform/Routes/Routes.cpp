@@ -23,6 +23,8 @@ void addRoutes(Router& router)
     addTeamRoutes(router);
     addShareControls(router);
     addShareRoutes(router);
+    addIssueRoutes(router);
+    addMessageRoutes(router);
     addTranslationRoutes(router);
     addServerControls(router);
 }

@@ -29,6 +29,8 @@ void addTeamControls(Router& router);
 void addTeamRoutes(Router& router);
 void addShareControls(Router& router);
 void addShareRoutes(Router& router);
+void addIssueRoutes(Router& router);
+void addMessageRoutes(Router& router);
 void addTranslationRoutes(Router& router);
 void addServerControls(Router& router);
 

@@ -68,6 +68,20 @@ std::string addShare(World& world, const ShareSeed& share)
     std::string id = freeId(world, "share", share.id);
     world.tables.run("INSERT INTO share (id, shareId, consumedId, name, status) VALUES (?, ?, ?, ?, ?)", id, share.shareId,
                      share.consumedId, share.name, share.status);
+    world.tables.each(
+        [&](SQLite::Statement& member) {
+            MessageSeed told;
+            told.receiver = member.getColumn(0).getString();
+            told.projectId = member.getColumn(1).getString();
+            told.title = share.name;
+            told.content = "datasets were shared with the team";
+            told.resourceType = "Share";
+            told.resourceId = id;
+            told.senderId = share.shareId;
+            told.senderAction = "share";
+            addMessage(world, told);
+        },
+        "SELECT accountId, projectId FROM teamMember JOIN team ON team.id = teamId WHERE teamId = ?", share.consumedId);
     for (const SharedVersion& shared : share.contents) {
         requireVersion(world, shared.datasetId, shared.version);
         world.tables.run("INSERT OR IGNORE INTO shareContent (recordId, datasetId, version) VALUES (?, ?, ?)", id, shared.datasetId,

@@ -219,7 +219,48 @@ CREATE TABLE shareContent (
     UNIQUE (recordId, datasetId, version));
 )sql";
 
-constexpr std::array steps = {firstSchema, files, tokenEnds, monitors, teams};
+// Issues with the versions that they concern, and what users are told.
+constexpr const char* issues = R"sql(
+CREATE TABLE issue (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    teamId TEXT NOT NULL REFERENCES team (id) ON DELETE CASCADE,
+    userId TEXT NOT NULL,
+    title TEXT NOT NULL,
+    description TEXT NOT NULL,
+    elementId TEXT NOT NULL,
+    elementName TEXT NOT NULL,
+    file TEXT NOT NULL,
+    camera TEXT NOT NULL,
+    markCoordinate TEXT NOT NULL,
+    memo TEXT NOT NULL,
+    creationTime TEXT NOT NULL,
+    updateTime TEXT NOT NULL);
+
+CREATE TABLE issueDataset (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    issueId INTEGER NOT NULL REFERENCES issue (id) ON DELETE CASCADE,
+    versionId INTEGER NOT NULL REFERENCES version (id) ON DELETE CASCADE,
+    isCurrent INTEGER NOT NULL);
+CREATE INDEX issueDatasetByIssue ON issueDataset (issueId);
+
+CREATE TABLE message (
+    messageId INTEGER PRIMARY KEY AUTOINCREMENT,
+    receiver TEXT NOT NULL,
+    title TEXT NOT NULL,
+    content TEXT NOT NULL,
+    projectId TEXT NOT NULL,
+    datasetId TEXT NOT NULL,
+    messageType TEXT NOT NULL,
+    messageStatus TEXT NOT NULL,
+    resourceId TEXT NOT NULL,
+    resourceType TEXT NOT NULL,
+    senderId TEXT NOT NULL,
+    senderAction TEXT NOT NULL,
+    sendTime TEXT NOT NULL);
+CREATE INDEX messageByReceiver ON message (receiver);
+)sql";
+
+constexpr std::array steps = {firstSchema, files, tokenEnds, monitors, teams, issues};
 
 } // namespace
 

@@ -116,7 +116,8 @@ const web::json::value* WebAnswer::findData()
 
 void WebAnswer::complain(const std::wstring& words)
 {
-    log::error(words + utils::fromNative(body().serialize()));
+    const std::wstring line = words + utils::fromNative(body().serialize());
+    m_failureWords.isTagged ? log::error(line) : log::errorUntagged(line);
 }
 
 WebCall::WebCall(std::wstring name, const wchar_t* serviceKey, web::http::method method, std::wstring path)

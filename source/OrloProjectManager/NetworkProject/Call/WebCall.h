@@ -21,6 +21,7 @@ namespace service {
 inline constexpr const wchar_t* project = L"project";
 inline constexpr const wchar_t* structure = L"structure";
 inline constexpr const wchar_t* module = L"module";
+inline constexpr const wchar_t* message = L"message";
 inline constexpr const wchar_t* authorization = L"authorization";
 inline constexpr const wchar_t* slproxy = L"slproxy";
 } // namespace service

@@ -1,0 +1,129 @@
+#include "support/RequestFailures.h"
+#include "support/WireTest.h"
+
+#include <OrloProjectManager/Issues/IIssueManager.h>
+
+#include <gmock/gmock.h>
+
+// Lists of issues, by dataset and by team.
+namespace orlo::test {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr const char* issuesOfDataset = "/issue/detail/bydatasetids?page=1";
+constexpr const char* issuesOfTeam = "/issue/detail/t-1/byteamid?page=1&skipCloudify=0";
+constexpr const char* twoIssues =
+    R"({"code":0,"data":[{"id":7,"teamId":"t-1","teamName":"结构组","userId":"u-1","userName":"王","title":"门太窄","description":"二层",)"
+    R"("file":"f","camera":"c","markCoordinate":"m","creationTime":"1","updateTime":"2","datasetId":"d-1","elementId":"e","elementName":"门",)"
+    R"("memo":"已解决","type":"碰撞检测","issueDatasets":[{"isCurrent":1,"datasetId":"d-1","datasetName":"模型","teamId":"x","version":3},)"
+    R"({"datasetId":"d-2"}]},{"memo":"free text"}]})";
+
+class IssueListWireTest : public WireTest
+{
+protected:
+    IIssueManager& manager = *IIssueManager::Get();
+    IIssueManager::Issues out{2};
+
+    void expectTwoIssues() const
+    {
+        ASSERT_EQ(out.size(), 2u);
+        EXPECT_EQ(out[0]->GetId(), 7);
+        EXPECT_EQ(out[0]->GetTeamId() + L"|" + out[0]->GetTeamName() + L"|" + out[0]->GetUserId() + L"|" + out[0]->GetUserName(),
+                  L"t-1|结构组|u-1|王");
+        EXPECT_EQ(out[0]->GetTitle() + L"|" + out[0]->GetDescription() + L"|" + out[0]->GetFile() + L"|" + out[0]->GetCamera() + L"|" +
+                      out[0]->GetMarkCoordinate(),
+                  L"门太窄|二层|f|c|m");
+        EXPECT_EQ(out[0]->GetCreationTime() + L"|" + out[0]->GetUpdateTime() + L"|" + out[0]->GetElementId() + L"|" +
+                      out[0]->GetElementName(),
+                  L"1|2|e|门");
+        EXPECT_EQ(out[0]->GetStatus(), EORLOIssueStatus::Resolved);
+        EXPECT_EQ(out[0]->GetType(), EORLOIssueType::CollisionDetection);
+        ASSERT_EQ(out[0]->GetDatasets().size(), 2u);
+        EXPECT_TRUE(out[0]->GetDatasets()[0].isCurrent);
+        EXPECT_EQ(out[0]->GetDatasets()[0].datasetId, "d-1");
+        EXPECT_EQ(out[0]->GetDatasets()[0].datasetName, L"模型");
+        EXPECT_EQ(out[0]->GetDatasets()[0].version, 3);
+        EXPECT_EQ(out[0]->GetDatasets()[1].version, -1);
+        EXPECT_EQ(out[1]->GetStatus(), EORLOIssueStatus::Open) << "free text";
+        EXPECT_EQ(out[1]->GetId(), -1);
+    }
+};
+
+TEST_F(IssueListWireTest, showsTheIssuesOfADatasetInTheOrderOfTheAnswer)
+{
+    server.expect("POST", issuesOfDataset).body(R"(["d-1"])").times(2).reply(200, twoIssues);
+    EXPECT_TRUE(manager.GetIssueListByDatasetId("d-1", out, error));
+    expectTwoIssues();
+    EXPECT_TRUE(manager.GetIssueListByDatasetId("d-1", out));
+    expectTwoIssues();
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, showsTheIssuesOfATeamInTheOrderOfTheAnswer)
+{
+    server.expect("GET", issuesOfTeam).reply(200, twoIssues);
+    EXPECT_TRUE(manager.GetIssueListByTeamId("t-1", out, error));
+    expectTwoIssues();
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, anAnswerWithoutAListIsAnEmptyOne)
+{
+    for (const char* body : {R"({"code":0})", R"({"code":0,"data":null})", R"({"code":0,"data":{}})"}) {
+        out.resize(2);
+        server.expect("POST", issuesOfDataset).body(R"(["d-1"])").reply(200, body);
+        EXPECT_TRUE(manager.GetIssueListByDatasetId("d-1", out, error)) << body;
+        EXPECT_THAT(out, IsEmpty());
+    }
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, aCodeOtherThanZeroIsAFailureWithoutAWord)
+{
+    for (const char* body : {R"({"code":10000,"data":[{}]})", R"({"data":[{}]})", R"({"code":"0","data":[{}]})", "[]", "7", "null"}) {
+        out.resize(2);
+        server.expect("POST", issuesOfDataset).body(R"(["d-1"])").reply(200, body);
+        EXPECT_FALSE(manager.GetIssueListByDatasetId("d-1", out, error)) << body;
+        EXPECT_THAT(out, IsEmpty());
+        out.resize(2);
+        server.expect("GET", issuesOfTeam).reply(200, body);
+        EXPECT_FALSE(manager.GetIssueListByTeamId("t-1", out, error)) << body;
+        EXPECT_THAT(out, IsEmpty());
+    }
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, withoutADatasetNothingIsAskedAndTheListStays)
+{
+    EXPECT_FALSE(manager.GetIssueListByDatasetId("", out, error));
+    EXPECT_EQ(out.size(), 2u);
+    EXPECT_EQ(server.requestCount(), 0u);
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, withoutATeamNothingIsAskedAndTheListIsEmptied)
+{
+    EXPECT_FALSE(manager.GetIssueListByTeamId("", out, error));
+    EXPECT_THAT(out, IsEmpty());
+    EXPECT_EQ(server.requestCount(), 0u);
+    expectGenericError(error, badInputValue, L"GetIssuesListByTeamId", L"参数错误");
+}
+
+TEST_F(IssueListWireTest, theListOfADatasetFailsAsADirectRequestDoes)
+{
+    RequestingOperation list{"POST", issuesOfDataset, R"(["d-1"])", L"OrloWebService::GetIssuesListByDataSetId - code:",
+                             [&](ErrorCode& ec) { return manager.GetIssueListByDatasetId("d-1", out, ec); }};
+    list.frame = L"orlo::IssueManager::GetIssueListByDatasetId";
+    expectFailuresOf(list, server, log);
+}
+
+TEST_F(IssueListWireTest, theListOfATeamFailsAsEveryRequestingOperationDoesInTheWordsOfTheOther)
+{
+    expectFailuresOf({"GET", issuesOfTeam, "", L"OrloWebService::GetIssuesListByDataSetId - code:",
+                      [&](ErrorCode& ec) { return manager.GetIssueListByTeamId("t-1", out, ec); }},
+                     server, log);
+}
+
+} // namespace
+} // namespace orlo::test

@@ -1,0 +1,152 @@
+#include "support/RequestFailures.h"
+#include "support/WireTest.h"
+
+#include <OrloProjectManager/Messages/IMessageManager.h>
+
+#include <gmock/gmock.h>
+
+// Messages fetched by type, and marked as read.
+namespace orlo::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* unread = "/messages?status=UNREAD";
+constexpr const char* markRead = "/messages/BUSINESS/7/mark/READ";
+constexpr const char* threeMessages =
+    R"({"code":1,"data":[{"messageId":1,"title":"升级","messageType":"SYSTEM","messageStatus":"READ"},)"
+    R"({"messageId":2,"title":"t","content":"c","projectId":"p","datasetId":"d","messageType":"BUSINESS","messageStatus":"UNREAD",)"
+    R"("resourceId":"r","resourceType":"rt","senderId":"s","senderAction":"sa","sendTime":"st"},)"
+    R"({"messageId":"3","title":4,"messageType":"BUSINESS","messageStatus":"READ"}]})";
+
+class MessageWireTest : public WireTest
+{
+protected:
+    IMessageManager& manager = *IMessageManager::Get();
+    IMessageManager::Messages out{{EMessageType::SYSTEM, {nullptr}}};
+
+    bool fetch(EMessageStatus status = EMessageStatus::UNREAD) { return manager.GetMessages(status, out, error); }
+};
+
+TEST_F(MessageWireTest, areFetchedByTypeInTheOrderOfTheAnswer)
+{
+    server.expect("GET", unread).times(2).reply(200, threeMessages);
+    EXPECT_TRUE(fetch());
+    ASSERT_EQ(out.size(), 2u);
+    ASSERT_EQ(out[EMessageType::SYSTEM].size(), 1u);
+    EXPECT_EQ(out[EMessageType::SYSTEM][0]->GetMessageId(), 1);
+    EXPECT_EQ(out[EMessageType::SYSTEM][0]->GetTitle(), L"升级");
+    EXPECT_EQ(out[EMessageType::SYSTEM][0]->GetMessageStatus(), EMessageStatus::READ);
+    ASSERT_EQ(out[EMessageType::BUSINESS].size(), 2u);
+    const IMessage& full = *out[EMessageType::BUSINESS][0];
+    EXPECT_EQ(full.GetMessageId(), 2);
+    EXPECT_EQ(full.GetTitle() + L"|" + full.GetContent() + L"|" + full.GetProjectId() + L"|" + full.GetDatasetId() + L"|" +
+                  full.GetResourceId() + L"|" + full.GetResourceType() + L"|" + full.GetSenderId() + L"|" + full.GetSenderAction() + L"|" +
+                  full.GetSendTime(),
+              L"t|c|p|d|r|rt|s|sa|st");
+    EXPECT_EQ(full.GetMessageType(), EMessageType::BUSINESS);
+    EXPECT_EQ(full.GetMessageStatus(), EMessageStatus::UNREAD);
+    EXPECT_EQ(out[EMessageType::BUSINESS][1]->GetMessageId(), 0) << "of another type";
+    EXPECT_EQ(out[EMessageType::BUSINESS][1]->GetTitle(), L"");
+    EXPECT_TRUE(manager.GetMessages(EMessageStatus::UNREAD, out));
+    expectQuiet();
+}
+
+TEST_F(MessageWireTest, areFilteredByStatusProjectAndDataset)
+{
+    const char* const none = R"({"data":[]})";
+    server.expect("GET", "/messages").reply(200, none);
+    EXPECT_TRUE(fetch(EMessageStatus::ALL));
+    EXPECT_THAT(out, IsEmpty());
+    server.expect("GET", "/messages?status=READ").reply(200, none);
+    EXPECT_TRUE(fetch(EMessageStatus::READ));
+    server.expect("GET", "/messages?status=").reply(200, none);
+    EXPECT_TRUE(fetch(static_cast<EMessageStatus>(9)));
+    server.expect("GET", "/messages?status=UNREAD&projectId=p%201").times(2).reply(200, none);
+    EXPECT_TRUE(manager.GetMessagesInProject(EMessageStatus::UNREAD, L"p 1", out, error));
+    EXPECT_TRUE(manager.GetMessagesInProject(EMessageStatus::UNREAD, L"p 1", out));
+    server.expect("GET", "/messages?datasetId=d-1").times(2).reply(200, none);
+    EXPECT_TRUE(manager.GetMessagesInDataset(EMessageStatus::ALL, L"d-1", out, error));
+    EXPECT_TRUE(manager.GetMessagesInDataset(EMessageStatus::ALL, L"d-1", out));
+    expectQuiet();
+}
+
+TEST_F(MessageWireTest, withoutAProjectOrADatasetAreNotAskedFor)
+{
+    EXPECT_FALSE(manager.GetMessagesInProject(EMessageStatus::ALL, L"", out, error));
+    EXPECT_FALSE(manager.GetMessagesInDataset(EMessageStatus::ALL, L"", out, error));
+    EXPECT_EQ(out.size(), 1u) << "the map stays";
+    EXPECT_EQ(server.requestCount(), 0u);
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"I [ORLOSDK][MessageManager::GetMessagesInProject] projectId is empty",
+                                         L"I [ORLOSDK][MessageManager::GetMessagesInProject] datasetId is empty"));
+}
+
+TEST_F(MessageWireTest, anAnswerWithoutAListIsASuccessAndOneLine)
+{
+    for (const char* body : {R"({"code":10000})", R"({"data":{}})", R"({"data":null})", "[]", "7"}) {
+        log.clear();
+        server.expect("GET", unread).reply(200, body);
+        EXPECT_TRUE(fetch()) << body;
+        EXPECT_THAT(out, IsEmpty());
+        EXPECT_THAT(log.lines(), ElementsAre(L"E [ORLOSDK][OrloPayloadProcessor::CreateHttpMessagesByJson] get error data structure"));
+    }
+    expectClear(error);
+}
+
+TEST_F(MessageWireTest, oneThatCannotBeUnderstoodEndsTheFetchAndThoseBeforeItStay)
+{
+    for (const char* odd :
+         {R"({"messageType":"SYSTEM","messageStatus":"ALL"})", R"({"messageType":"SYSTEM","messageStatus":"read"})",
+          R"({"messageType":"SYSTEM"})", R"({"messageType":"OTHER","messageStatus":"READ"})", R"({"messageStatus":"READ"})", "7"}) {
+        log.clear();
+        server.expect("GET", unread)
+            .reply(200, R"({"data":[{"messageType":"SYSTEM","messageStatus":"READ"},)" + std::string(odd) +
+                            R"(,{"messageType":"SYSTEM","messageStatus":"READ"}]})");
+        EXPECT_FALSE(fetch()) << odd;
+        EXPECT_EQ(out[EMessageType::SYSTEM].size(), 1u) << odd;
+        EXPECT_THAT(log.lines(), ElementsAre(L"E [ORLOSDK][MessageManager::CreateMessageByRequestResult] translate message type faile"));
+    }
+    expectClear(error);
+}
+
+TEST_F(MessageWireTest, theFetchFailsAsEveryRequestingOperationDoesWithoutTheTag)
+{
+    RequestingOperation fetched{"GET", unread, "", L"OrloWebService::GetMessages - code:",
+                                [&](ErrorCode& ec) { return manager.GetMessages(EMessageStatus::UNREAD, out, ec); }};
+    fetched.isTagged = false;
+    fetched.afterwards = L"E [ORLOSDK]fail to get messages";
+    expectFailuresOf(fetched, server, log);
+}
+
+TEST_F(MessageWireTest, areMarkedAsRead)
+{
+    server.expect("PUT", markRead).times(2).reply(200, R"({"code":10000})");
+    EXPECT_TRUE(manager.MarkMessageRead(7, EMessageType::BUSINESS, error));
+    EXPECT_TRUE(manager.MarkMessageRead(7, EMessageType::BUSINESS));
+    server.expect("PUT", "/messages/SYSTEM/-1/mark/READ").reply(200, R"({"code":10000})");
+    EXPECT_TRUE(manager.MarkMessageRead(-1, EMessageType::SYSTEM, error));
+    expectQuiet();
+}
+
+TEST_F(MessageWireTest, aMarkThatIsNotTakenIsToldWithoutTheTag)
+{
+    server.expect("PUT", markRead).reply(200, R"({"code":10001,"message":"no"})");
+    EXPECT_FALSE(manager.MarkMessageRead(7, EMessageType::BUSINESS, error));
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E OrloWebService::GetMessages - response is not normal: {\"code\":10001,\"message\":\"no\"}",
+                                         L"E [ORLOSDK][MessageManager::MarkMessageStatus]fail to mark message status"));
+}
+
+TEST_F(MessageWireTest, theMarkFailsAsEveryRequestingOperationDoesInTheWordsOfTheFetch)
+{
+    RequestingOperation mark{"PUT", markRead, "", L"OrloWebService::GetMessages - code:",
+                             [&](ErrorCode& ec) { return manager.MarkMessageRead(7, EMessageType::BUSINESS, ec); }};
+    mark.isTagged = false;
+    mark.afterwards = L"E [ORLOSDK][MessageManager::MarkMessageStatus]fail to mark message status";
+    expectFailuresOf(mark, server, log);
+}
+
+} // namespace
+} // namespace orlo::test
