@@ -50,8 +50,8 @@ std::string issue(std::size_t number)
 {
     const std::string id = std::to_string(number);
     std::string datasets;
-    for (const char* dataset : {"1", "2", "3"})
-        datasets += (datasets.empty() ? "" : ",") + (R"({"isCurrent":)" + std::string(dataset == std::string("1") ? "1" : "0")) +
+    for (const std::string ordinal : {"1", "2", "3"})
+        datasets += (datasets.empty() ? "" : ",") + (R"({"isCurrent":)" + std::string(ordinal == "1" ? "1" : "0")) +
                     R"(,"datasetId":"5f0c2a6e-7d5b-4b8e-9a55-)" + id + dataset +
                     R"(","datasetName":"建筑专业中心文件","teamId":"team-1","teamName":"结构组","displayVersion":"V3","version":3,)" +
                     R"("deleted":false})";
