@@ -52,7 +52,7 @@ std::string issue(std::size_t number)
     std::string datasets;
     for (const std::string ordinal : {"1", "2", "3"})
         datasets += (datasets.empty() ? "" : ",") + (R"({"isCurrent":)" + std::string(ordinal == "1" ? "1" : "0")) +
-                    R"(,"datasetId":"5f0c2a6e-7d5b-4b8e-9a55-)" + id + dataset +
+                    R"(,"datasetId":"5f0c2a6e-7d5b-4b8e-9a55-)" + id + ordinal +
                     R"(","datasetName":"建筑专业中心文件","teamId":"team-1","teamName":"结构组","displayVersion":"V3","version":3,)" +
                     R"("deleted":false})";
     return R"({"id":)" + id + R"(,"teamId":"team-1","teamName":"结构组","userId":"user-100023","userName":"王","title":"风管穿梁 )" + id +
