@@ -57,7 +57,7 @@ std::string issue(std::size_t number)
                     R"("deleted":false})";
     return R"({"id":)" + id + R"(,"teamId":"team-1","teamName":"结构组","userId":"user-100023","userName":"王","title":"风管穿梁 )" + id +
            R"(","description":"Level 2, corridor: duct against beam. Revised after the review of the structural scheme.","file":"",)" +
-           R"("camera":"{"eye":[12.0,-4.5,5.2],"target":[10.0,0.0,3.6]}","markCoordinate":"","creationTime":"2024-03-05T09:30:00.000Z",)" +
+           R"("camera":"eye 12.0 -4.5 5.2 target 10.0 0.0 3.6","markCoordinate":"","creationTime":"2024-03-05T09:30:00.000Z",)" +
            R"("updateTime":"2024-11-12T17:05:12.345Z","elementId":"beam-17","elementName":"梁 17","memo":"Open","type":"CollisionDetection",)" +
            R"("issueDatasets":[)" + datasets + "]}";
 }
