@@ -58,6 +58,7 @@ std::vector<Team> CollaborationTeamManager::GetMyTeamsByProject(const std::wstri
         std::vector<std::wstring> ids;
         OrloWebService::GetTeamsOfUser(error, ids, user ? user->getAccountId() : std::wstring(), projectId);
         std::vector<Team> teams;
+        teams.reserve(ids.size());
         for (const std::wstring& id : ids)
             teams.push_back(GetTeam(id));
         return teams;

@@ -135,6 +135,7 @@ bool SearchOwnDatasets(ErrorCode& error, std::vector<DatasetInfo>& out, const st
                        const std::wstring& status)
 {
     std::vector<web::json::value> ids;
+    ids.reserve(teamIds.size());
     for (const std::wstring& id : teamIds)
         ids.push_back(jsonText(id));
     // Intended: the words are those of the listing.
