@@ -27,4 +27,9 @@ void signInColleague()
     orlo::UserSession::SignIn({L"li", L"li-account", L"li-token"});
 }
 
+std::wstring who()
+{
+    return orlo::UserSession::GetInstance()->GetId();
+}
+
 } // namespace session

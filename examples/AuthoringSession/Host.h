@@ -13,4 +13,7 @@ void signIn();
 /// A colleague's turn at the machine; Platform::addColleague makes it known.
 void signInColleague();
 
+/// Whose turn it is.
+std::wstring who();
+
 } // namespace session

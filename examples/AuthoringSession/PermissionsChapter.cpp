@@ -3,7 +3,6 @@
 
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/Text.h>
-#include <OrloAuth/UserSession.h>
 #include <OrloProjectManager/OrloProjectManager.h>
 
 namespace session {
@@ -19,11 +18,6 @@ std::string firstDraft(Story& story, ICollaborationProject& project)
     story.expect(project.GetDatasetBySatatus(DatasetStatus::Draft, drafts, error) && !drafts.empty(), L"there is no dataset in draft",
                  error);
     return drafts.front().id;
-}
-
-std::wstring who()
-{
-    return UserSession::GetInstance()->GetId();
 }
 
 /// The "msg" of a result.

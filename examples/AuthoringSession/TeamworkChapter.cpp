@@ -2,7 +2,6 @@
 #include "Host.h"
 
 #include <BaseCommon/Text.h>
-#include <OrloAuth/UserSession.h>
 #include <OrloProjectManager/OrloProjectManager.h>
 
 namespace session {
@@ -10,11 +9,6 @@ namespace session {
 using namespace orlo;
 
 namespace {
-
-std::wstring who()
-{
-    return UserSession::GetInstance()->GetId();
-}
 
 std::shared_ptr<ICollaborationTeam> makeTeam(Story& story, const std::wstring& projectId)
 {

@@ -9,10 +9,6 @@ namespace orlo::platform {
 
 namespace {
 
-const std::string selectDatasets =
-    "SELECT folderId, id, modelingDatasetId, name, nameSpace, schemaDefinition, codeVersion, tipVersion, type, "
-    "specialtyId, ownerId, description, teamId, projectId, creationTime FROM dataset ";
-
 Answer datasetsByModelingId(const Call& call, World& world)
 {
     const std::string ids = json::array(json::readTextArray(call.body));

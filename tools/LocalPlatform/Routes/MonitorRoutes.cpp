@@ -93,7 +93,7 @@ Answer applyToRead(const Call& call, World& world)
 Answer acknowledge(const Call& call, World& world)
 {
     dropLapsed(world);
-    if (world.tables.run("UPDATE monitor SET acknowledged = 1, expires = ? WHERE token = ? AND datasetId = ? AND userId = ?",
+    if (world.tables.run("UPDATE monitor SET expires = ? WHERE token = ? AND datasetId = ? AND userId = ?",
                          world.clock.seconds() + leaseSeconds, call.filledQuery("token"), call.place("dataSetId"), call.caller.userId) == 0)
         throw Refusal(404, "no such token for the dataset");
     return monitorAck(200, 10000, "OK", "null");

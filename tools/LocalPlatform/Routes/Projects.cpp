@@ -19,13 +19,6 @@ constexpr std::array gridTypes = {"TYPE_ONE", "TYPE_TWO"};
 constexpr std::array specialtyTypes = {"Unknown", "ZOK", "ZIM", "ZUTA", "ZEB"};
 constexpr std::array knownPermissions = {"Read", "Write", "SoftWrite"};
 
-template <std::size_t Count>
-void requireOneOf(const std::array<const char*, Count>& known, const std::string& text, const std::string& what)
-{
-    if (std::find(known.begin(), known.end(), text) == known.end())
-        throw Refusal(400, "unknown " + what + ": " + text);
-}
-
 void updateProject(World& world, const std::string& projectId, const std::string& assignment, const std::string& value)
 {
     requireProject(world, projectId);

@@ -5,19 +5,11 @@
 #include "Routes.h"
 #include "Teams.h"
 
-#include <algorithm>
 #include <array>
 
 namespace orlo::platform {
 
 namespace {
-
-template <class Names>
-void requireKnown(const Names& names, const std::string& text, const char* what)
-{
-    if (std::find(names.begin(), names.end(), text) == names.end())
-        throw Refusal(400, std::string("unknown ") + what + ": " + text);
-}
 
 constexpr std::array<const char*, 2> trustedTypes = {"Folder", "DataSet"};
 constexpr std::array<const char*, 3> shareStatuses = {"Temporary", "Shared", "Consumed"};
@@ -53,7 +45,7 @@ Answer addShareCall(const Call& call, World& world)
 
 void addTrust(World& world, const TrustSeed& trust)
 {
-    requireKnown(trustedTypes, trust.resourceType, "resource type");
+    requireOneOf(trustedTypes, trust.resourceType, "resource type");
     requireTeam(world, trust.teamId);
     requireTeam(world, trust.trustedTeamId);
     world.tables.run("INSERT OR IGNORE INTO trust (teamId, trustedTeamId, resourceType, resourceId) VALUES (?, ?, ?, ?)", trust.teamId,
@@ -62,7 +54,7 @@ void addTrust(World& world, const TrustSeed& trust)
 
 std::string addShare(World& world, const ShareSeed& share)
 {
-    requireKnown(shareStatuses, share.status, "share status");
+    requireOneOf(shareStatuses, share.status, "share status");
     requireTeam(world, share.shareId);
     requireTeam(world, share.consumedId);
     std::string id = freeId(world, "share", share.id);

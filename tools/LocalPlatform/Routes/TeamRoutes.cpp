@@ -1,5 +1,6 @@
 #include "../Store/Json.h"
 #include "../Store/Store.h"
+#include "Datasets.h"
 #include "Projects.h"
 #include "Routes.h"
 #include "Teams.h"
@@ -9,9 +10,6 @@ namespace orlo::platform {
 namespace {
 
 const std::string selectTeams = "SELECT id, name, description, linkedFolderId, projectId, status FROM team ";
-const std::string selectDatasets =
-    "SELECT folderId, id, modelingDatasetId, name, type, specialtyId, ownerId, description, teamId, projectId "
-    "FROM dataset ";
 
 Answer newTeam(const Call& call, World& world)
 {

@@ -182,7 +182,6 @@ CREATE TABLE monitor (
     datasetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
     userId TEXT NOT NULL,
     kind INTEGER NOT NULL,
-    acknowledged INTEGER NOT NULL DEFAULT 0,
     expires INTEGER NOT NULL);
 CREATE INDEX monitorByDataset ON monitor (datasetId);
 )sql";
