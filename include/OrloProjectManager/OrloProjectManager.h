@@ -13,7 +13,9 @@
 
 #include <BaseCommon/ErrorCode.h>
 #include <OrloProjectManager/Design/ConfigType.h>
+#include <OrloProjectManager/Design/IAxisGrid.h>
 #include <OrloProjectManager/Design/ISpaceConfig.h>
+#include <OrloProjectManager/Design/Point3d.h>
 #include <OrloProjectManager/Export.h>
 #include <OrloProjectManager/Issues/IIssue.h>
 #include <OrloProjectManager/Issues/IIssueManager.h>

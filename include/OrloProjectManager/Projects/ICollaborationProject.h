@@ -68,9 +68,17 @@ public:
     virtual ICollaborationFolder* GetTeamFolder(const std::wstring& teamId, int folderType) = 0;
     virtual ProjectGridType GetGridType() const = 0;
 
+    /// One version of the axis grid as text: the platform's whole answer, an object with "version", "configValue" and "id"; or the
+    /// document alone, schema version 3, where the project remembers a grid of that version. A caller must take both.
+    /// version: -1 for the last one.
+    /// Requests: one, retried; none for a grid that is remembered. With -1 and a remembered grid one more, for the versions.
     virtual bool GetAxisGridConfig(int version, std::string& configText, ErrorCode& error) = 0;
+    /// The same as an object, which the project remembers. The pointer lives until this operation fetches another one, or fails to.
+    /// Returns: null on failure. A document that can't be read is a failure too; it is logged and leaves `error` clear.
     virtual IAxisGrid* GetAxisGridConfig(int version, ErrorCode& error) = 0;
     virtual IAxisGrid* GetAxisGridConfig(int version) = 0;
+    /// Stores a grid as a new version. What the project remembers stays as it is.
+    /// Returns: false on failure, also for a grid with a number that is not finite, of which nothing is sent.   Requests: one, retried.
     virtual bool UpdateAxisGrid(IAxisGrid* grid, ErrorCode& error) = 0;
     virtual bool UpdateAxisGrid(IAxisGrid* grid) = 0;
 
@@ -83,6 +91,7 @@ public:
     virtual std::vector<int> GetSpaceConfigVersions(ErrorCode& error) = 0;
     virtual std::vector<int> GetSpaceConfigVersions() = 0;
 
+    /// In the order of the platform.   Requests: one, retried.
     virtual std::vector<int> GetAxisGridConfigVersions(ErrorCode& error) = 0;
     virtual std::vector<int> GetAxisGridConfigVersions() = 0;
 

@@ -199,11 +199,25 @@ web::json::value ReadJson(const http_response& response)
     return http::parseJson(text);
 }
 
-std::wstring TextOf(const http_response& response, const std::string& body)
+namespace {
+
+std::string utf8Of(const http_response& response, const std::string& body)
 {
     std::string text;
     const auto decoding = http::toUtf8(http::charsetOf(response.headers().content_type()), body, text);
-    return utils::toWstring(decoding == http::Decoding::unknownCharset ? body : text);
+    return decoding == http::Decoding::unknownCharset ? body : text;
+}
+
+} // namespace
+
+std::wstring TextOf(const http_response& response, const std::string& body)
+{
+    return utils::toWstring(utf8Of(response, body));
+}
+
+std::string ReadText(const http_response& response)
+{
+    return utf8Of(response, ReadBody(response));
 }
 
 bool IsMarkedSuccess(const web::json::value& envelope)

@@ -79,6 +79,9 @@ ORLO_NETWORK_API web::json::value ReadJson(const web::http::http_response& respo
 /// A body of the answer as text: in the charset that its content type names, or in UTF-8 where it names none, or one that isn't known.
 /// What isn't valid there reads as U+FFFD.
 ORLO_NETWORK_API std::wstring TextOf(const web::http::http_response& response, const std::string& body);
+/// The answer's body as text in UTF-8, whatever its content type says that it is. Bytes that aren't UTF-8 where they should be stay as they
+/// are.
+ORLO_NETWORK_API std::string ReadText(const web::http::http_response& response);
 
 /// True when the status is 200 and the envelope's integer "code" is 10000; `data` then holds the member "data".
 ORLO_NETWORK_API bool ExtractSuccData(const web::http::http_response& response, web::json::value& data);

@@ -131,6 +131,9 @@ public:
     }
 
 private:
+    /// The version that -1 asks for: the last in the platform's list, where there is a grid to compare with.
+    int wantedAxisGrid(const std::shared_ptr<IAxisGrid>& remembered, int version, ErrorCode& error);
+
     std::wstring m_id;
     std::wstring m_name;
     std::wstring m_creationTime;
@@ -140,6 +143,8 @@ private:
     /// Null until they were read.
     std::shared_ptr<const StandardProperties> m_standardProperties;
     std::int64_t m_size;
+    /// As it was fetched last; null before, and where that failed.
+    std::shared_ptr<IAxisGrid> m_axisGrid;
     Folders m_folders;
     Folders m_projectFolders;
 };

@@ -98,6 +98,11 @@ const web::json::value& WebAnswer::body()
     return *m_body;
 }
 
+std::string WebAnswer::text() const
+{
+    return OrloWebService::ReadText(m_response);
+}
+
 const web::json::value& WebAnswer::data()
 {
     const web::json::value* const found = findData();

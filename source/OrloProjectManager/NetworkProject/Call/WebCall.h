@@ -84,6 +84,8 @@ public:
 
     /// The whole body; null for an empty one.
     const web::json::value& body();
+    /// The whole body as text in UTF-8, whatever its content type.
+    std::string text() const;
     /// The member "data" of the body; null where there is none.
     const web::json::value& data();
     /// Null where the body has no member "data".

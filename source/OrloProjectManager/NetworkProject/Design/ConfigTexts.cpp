@@ -19,6 +19,13 @@ const TextTable<ConfigScope>& configScopeTexts()
     return table;
 }
 
+const TextTable<CurveType>& curveTypeTexts()
+{
+    static const auto& table = utils::neverDestroyed(
+        new const TextTable<CurveType>({{CurveType::Line, L"axisLine"}, {CurveType::Arc, L"axisArc"}}, CurveType::None));
+    return table;
+}
+
 const TextTable<ConfigType>& configTypeTexts()
 {
     // The first of two rows with one text is the value that the text reads as.

@@ -42,9 +42,29 @@ std::wstring configPathOf(const std::wstring& scope, const std::wstring& project
     return path;
 }
 
+std::wstring projectConfigPathOf(const std::wstring& projectId, ConfigType type)
+{
+    return configPathOf(configScopeTexts().textOf(ConfigScope::Project), projectId, type);
+}
+
 std::wstring spaceConfigPathOf(const std::wstring& projectId)
 {
-    return configPathOf(configScopeTexts().textOf(ConfigScope::Project), projectId, ConfigType::SpaceConfig);
+    return projectConfigPathOf(projectId, ConfigType::SpaceConfig);
+}
+
+WebCall oneVersion(const wchar_t* name, const std::wstring& projectId, ConfigType type, int version)
+{
+    return WebCall(name, service::project, methods::GET, projectConfigPathOf(projectId, type) + L"?version=" + utils::toWstring(version));
+}
+
+bool readVersions(const wchar_t* name, ErrorCode& error, std::vector<int>& out, const std::wstring& projectId, ConfigType type)
+{
+    WebCall call(name, service::project, methods::GET, projectConfigPathOf(projectId, type) + L"/versions");
+    WebAnswer answer = call.send(error);
+    if (!answer.ok())
+        return false;
+    readField(answer.body(), out);
+    return true;
 }
 
 } // namespace
@@ -89,9 +109,7 @@ bool UpdateProjectConfig(ErrorCode& error, const std::wstring& configContent, co
 
 bool GetSpaceConfig(ErrorCode& error, web::json::value& out, const std::wstring& projectId, int version)
 {
-    WebCall call(L"Project::GetSpaceConfig", service::project, methods::GET,
-                 spaceConfigPathOf(projectId) + L"?version=" + utils::toWstring(version));
-    WebAnswer answer = call.send(error);
+    WebAnswer answer = oneVersion(L"Project::GetSpaceConfig", projectId, ConfigType::SpaceConfig, version).send(error);
     if (!answer.ok())
         return false;
     out = answer.body();
@@ -100,12 +118,21 @@ bool GetSpaceConfig(ErrorCode& error, web::json::value& out, const std::wstring&
 
 bool GetSpaceConfigVersions(ErrorCode& error, std::vector<int>& out, const std::wstring& projectId)
 {
-    WebCall call(L"Project::GetSpaceConfigVersions", service::project, methods::GET, spaceConfigPathOf(projectId) + L"/versions");
-    WebAnswer answer = call.send(error);
+    return readVersions(L"Project::GetSpaceConfigVersions", error, out, projectId, ConfigType::SpaceConfig);
+}
+
+bool GetAxisGridConfig(ErrorCode& error, std::string& out, const std::wstring& projectId, int version)
+{
+    WebAnswer answer = oneVersion(L"Project::GetAxisGridConfig", projectId, ConfigType::GridConfig, version).send(error);
     if (!answer.ok())
         return false;
-    readField(answer.body(), out);
+    out = answer.text();
     return true;
+}
+
+bool GetAxisGridConfigVersions(ErrorCode& error, std::vector<int>& out, const std::wstring& projectId)
+{
+    return readVersions(L"Project::GetAxisGridConfigVersions", error, out, projectId, ConfigType::GridConfig);
 }
 
 } // namespace orlo::OrloWebService

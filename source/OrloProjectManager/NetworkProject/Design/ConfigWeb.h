@@ -20,6 +20,9 @@ bool UpdateProjectConfig(ErrorCode& error, const std::wstring& configContent, co
 /// One version of the space configuration, as the platform answers it. The version goes out as it stands.
 bool GetSpaceConfig(ErrorCode& error, web::json::value& out, const std::wstring& projectId, int version);
 bool GetSpaceConfigVersions(ErrorCode& error, std::vector<int>& out, const std::wstring& projectId);
+/// The same two for the axis grid; its versions are the platform's answer as text, in UTF-8.
+bool GetAxisGridConfig(ErrorCode& error, std::string& out, const std::wstring& projectId, int version);
+bool GetAxisGridConfigVersions(ErrorCode& error, std::vector<int>& out, const std::wstring& projectId);
 
 } // namespace OrloWebService
 } // namespace orlo

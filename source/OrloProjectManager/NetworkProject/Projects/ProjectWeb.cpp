@@ -22,7 +22,7 @@ constexpr const wchar_t* projectPath = L"/v2/projects";
 constexpr const wchar_t* sampleProjectsPath = L"/v2/sampleProjects";
 constexpr const wchar_t* resourceLimitPath = L"/resource/limit";
 constexpr const wchar_t* projectOfDatasetPath = L"/folder/hasdataset";
-constexpr const wchar_t* datasetsByModelingIdPath = L"/dataset/modelingid";
+constexpr const wchar_t* projectByModelingIdPath = L"/dataset/modelingid";
 
 // The listings share their failure words, whatever they filter by.
 constexpr const wchar_t* listingFailed = L"OrloWebService::GetAllProjects - code:";
@@ -154,7 +154,7 @@ std::wstring getProjectIdByDataset(ErrorCode& error, const std::string& datasetI
 
 std::wstring getProjectIdByModelingId(ErrorCode& error, const std::string& modelingId)
 {
-    WebCall call(L"OrloWebService::getProjectIdByModelingId", service::project, methods::POST, datasetsByModelingIdPath);
+    WebCall call(L"OrloWebService::getProjectIdByModelingId", service::project, methods::POST, projectByModelingIdPath);
     WebAnswer answer = call.body(web::json::value::array({jsonText(modelingId)})).send(error);
     std::wstring projectId;
     if (answer.ok() && answer.data().is_array() && answer.data().size() > 0)

@@ -1,0 +1,94 @@
+#include "../Frame/CallFrame.h"
+#include "../Frame/Retried.h"
+#include "../NetworkProject/Design/ConfigWeb.h"
+#include "../Projects/Project.h"
+#include "AxisGrid.h"
+
+#include <BaseCommon/Text.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace orlo {
+
+namespace {
+
+constexpr int lastVersion = -1;
+
+bool isOfVersion(const std::shared_ptr<IAxisGrid>& grid, int version)
+{
+    return grid && grid->GetVersion() == version;
+}
+
+std::string documentOf(IAxisGrid* grid)
+{
+    if (!grid)
+        throw std::invalid_argument("the axis grid is null");
+    if (auto document = axisGridDocument(*grid))
+        return *document;
+    throw std::invalid_argument("the axis grid holds a number that is not finite");
+}
+
+} // namespace
+
+int Project::wantedAxisGrid(const std::shared_ptr<IAxisGrid>& remembered, int version, ErrorCode& error)
+{
+    if (!remembered || version != lastVersion)
+        return version;
+    const std::vector<int> versions = GetAxisGridConfigVersions(error);
+    return versions.empty() ? lastVersion : versions.back();
+}
+
+bool Project::GetAxisGridConfig(int version, std::string& configText, ErrorCode& error)
+{
+    const CallFrame frame(ORLO_HERE("orlo::Project::GetAxisGridConfig"));
+    const auto remembered = std::atomic_load(&m_axisGrid);
+    const int wanted = wantedAxisGrid(remembered, version, error);
+    if (isOfVersion(remembered, wanted)) {
+        // A host may have put curves of its own into it.
+        return frame.runAlone([&](ErrorCode&) {
+            configText = documentOf(remembered.get());
+            return true;
+        });
+    }
+    return frame.run(error, [&] {
+        auto answer = fetched(&OrloWebService::GetAxisGridConfig, error, m_id, wanted);
+        if (!answer)
+            return false;
+        configText = std::move(*answer);
+        return true;
+    });
+}
+
+IAxisGrid* Project::GetAxisGridConfig(int version, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::GetAxisGridConfig")).run(error, [&]() -> IAxisGrid* {
+        const auto remembered = std::atomic_load(&m_axisGrid);
+        const int wanted = wantedAxisGrid(remembered, version, error);
+        if (isOfVersion(remembered, wanted))
+            return remembered.get();
+        std::atomic_store(&m_axisGrid, std::shared_ptr<IAxisGrid>());
+        const auto answer = fetched(&OrloWebService::GetAxisGridConfig, error, m_id, wanted);
+        const auto grid = answer ? parseAxisGrid(*answer) : nullptr;
+        std::atomic_store(&m_axisGrid, grid);
+        return grid.get();
+    });
+}
+
+bool Project::UpdateAxisGrid(IAxisGrid* grid, ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::UpdateAxisGrid")).run(error, [&] {
+        return retried(&OrloWebService::UpdateProjectConfig, error, utils::toWstring(documentOf(grid)), m_id, ConfigType::GridConfig);
+    });
+}
+
+std::vector<int> Project::GetAxisGridConfigVersions(ErrorCode& error)
+{
+    return CallFrame(ORLO_HERE("orlo::Project::GetAxisGridConfigVersions")).run(error, [&] {
+        std::vector<int> versions;
+        retried(&OrloWebService::GetAxisGridConfigVersions, error, versions, m_id);
+        return versions;
+    });
+}
+
+} // namespace orlo
