@@ -68,6 +68,22 @@ TEST_F(IssueListWireTest, showsTheIssuesOfATeamInTheOrderOfTheAnswer)
     expectQuiet();
 }
 
+TEST_F(IssueListWireTest, areAskedForByAnIdThatOneOfTheListsOwnIssuesHolds)
+{
+    const std::string id = "a-dataset-with-an-id-that-is-too-long-for-a-text-without-memory-of-its-own";
+    out = {IIssue::Create(L"", L"", L"", L"", {{true, id, L"", 1}}, EORLOIssueType::Comments)};
+    server.expect("POST", issuesOfDataset).body("[\"" + id + "\"]").reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByDatasetId(out[0]->GetDatasets()[0].datasetId, out, error));
+    EXPECT_THAT(out, IsEmpty());
+
+    out = {IIssue::Create(L"", L"", L"", L"", {{true, id, L"", 1}}, EORLOIssueType::Comments)};
+    const std::string target = "/issue/detail/" + id + "/byteamid?page=1&skipCloudify=0";
+    server.expect("GET", target).reply(503);
+    server.expect("GET", target).reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByTeamId(out[0]->GetDatasets()[0].datasetId, out, error));
+    EXPECT_THAT(out, IsEmpty());
+}
+
 TEST_F(IssueListWireTest, anAnswerWithoutAListIsAnEmptyOne)
 {
     for (const char* body : {R"({"code":0})", R"({"code":0,"data":null})", R"({"code":0,"data":{}})"}) {

@@ -72,6 +72,30 @@ TEST_F(MessageWireTest, areFilteredByStatusProjectAndDataset)
     expectQuiet();
 }
 
+TEST_F(MessageWireTest, areAskedForByAnIdThatOneOfTheMapsOwnMessagesHolds)
+{
+    const std::wstring project = L"a project with an id that is too long for a text without memory of its own";
+    const std::wstring dataset = L"a dataset with an id that is too long for a text without memory of its own";
+    const auto fill = [&] {
+        out = {{EMessageType::BUSINESS,
+                {IMessage::CreateMessage(7, L"", L"", project, dataset, EMessageType::BUSINESS, EMessageStatus::READ, L"", L"", L"", L"",
+                                         L"")}}};
+    };
+    const char* const ofProject = "/messages?projectId=a%20project%20with%20an%20id%20that%20is%20too%20long%20for%20a%20text%20without%20"
+                                  "memory%20of%20its%20own";
+    const char* const ofDataset = "/messages?datasetId=a%20dataset%20with%20an%20id%20that%20is%20too%20long%20for%20a%20text%20without%20"
+                                  "memory%20of%20its%20own";
+    fill();
+    server.expect("GET", ofProject).reply(503);
+    server.expect("GET", ofProject).reply(200, R"({"data":[]})");
+    EXPECT_TRUE(manager.GetMessagesInProject(EMessageStatus::ALL, out[EMessageType::BUSINESS][0]->GetProjectId(), out, error));
+    EXPECT_THAT(out, IsEmpty());
+    fill();
+    server.expect("GET", ofDataset).reply(404);
+    EXPECT_FALSE(manager.GetMessagesInDataset(EMessageStatus::ALL, out[EMessageType::BUSINESS][0]->GetDatasetId(), out, error));
+    EXPECT_THAT(out, IsEmpty());
+}
+
 TEST_F(MessageWireTest, withoutAProjectOrADatasetAreNotAskedFor)
 {
     EXPECT_FALSE(manager.GetMessagesInProject(EMessageStatus::ALL, L"", out, error));

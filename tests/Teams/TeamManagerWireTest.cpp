@@ -190,6 +190,17 @@ TEST_F(TeamManagerWireTest, theTeamsOfAProjectAreListedWithoutAnObject)
     EXPECT_FALSE(HttpClient::getTeamInfosInProject(L"p-1", teams));
 }
 
+TEST_F(TeamManagerWireTest, theTeamsAreAskedForByAnIdThatOneOfTheListsOwnTeamsHolds)
+{
+    std::vector<CollaborationTeamInfo> teams(1);
+    teams[0].projectId = L"a-project-with-an-id-that-is-too-long-for-a-text-without-memory-of-its-own";
+    const char* const ofProject = "/projects/a-project-with-an-id-that-is-too-long-for-a-text-without-memory-of-its-own/teams";
+    server.expect("GET", ofProject).reply(503);
+    server.expect("GET", ofProject).reply(200, R"({"code":10000,"data":[{"id":"t-1"},{"id":"t-2"}]})");
+    EXPECT_TRUE(HttpClient::getTeamInfosInProject(teams[0].projectId, teams));
+    EXPECT_EQ(teams.size(), 2u);
+}
+
 TEST_F(TeamManagerWireTest, aMemberIsAddedAndTakenAway)
 {
     server.expect("POST", memberTarget).reply(200, R"({"code":10000})");
