@@ -32,7 +32,7 @@ public:
 
     virtual bool GetMessages(EMessageStatus status, Messages& out, ErrorCode& error) = 0;
     virtual bool GetMessages(EMessageStatus status, Messages& out) = 0;
-    /// False, with the map as it was and nothing sent, for an empty id; the next two likewise.
+    /// False, with the map as it was and nothing sent, for an empty id; the next three likewise.
     virtual bool GetMessagesInProject(EMessageStatus status, const std::wstring& projectId, Messages& out, ErrorCode& error) = 0;
     virtual bool GetMessagesInProject(EMessageStatus status, const std::wstring& projectId, Messages& out) = 0;
     virtual bool GetMessagesInDataset(EMessageStatus status, const std::wstring& datasetId, Messages& out, ErrorCode& error) = 0;
