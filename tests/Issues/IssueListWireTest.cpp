@@ -2,7 +2,9 @@
 #include "support/WireTest.h"
 
 #include <OrloProjectManager/Issues/IIssueManager.h>
+#include <OrloProjectManager/NetworkProject/Issues/IssueWeb.h>
 
+#include <cpprest/json.h>
 #include <gmock/gmock.h>
 
 // Lists of issues, by dataset and by team.
@@ -68,6 +70,101 @@ TEST_F(IssueListWireTest, showsTheIssuesOfATeamInTheOrderOfTheAnswer)
     expectQuiet();
 }
 
+TEST_F(IssueListWireTest, areAskedForByAnIdThatOneOfTheListsOwnIssuesHolds)
+{
+    const std::string id = "a-dataset-with-an-id-that-is-too-long-for-a-text-without-memory-of-its-own";
+    out = {IIssue::Create(L"", L"", L"", L"", {{true, id, L"", 1}}, EORLOIssueType::Comments)};
+    server.expect("POST", issuesOfDataset).body("[\"" + id + "\"]").reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByDatasetId(out[0]->GetDatasets()[0].datasetId, out, error));
+    EXPECT_THAT(out, IsEmpty());
+
+    out = {IIssue::Create(L"", L"", L"", L"", {{true, id, L"", 1}}, EORLOIssueType::Comments)};
+    const std::string target = "/issue/detail/" + id + "/byteamid?page=1&skipCloudify=0";
+    server.expect("GET", target).reply(503);
+    server.expect("GET", target).reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByTeamId(out[0]->GetDatasets()[0].datasetId, out, error));
+    EXPECT_THAT(out, IsEmpty());
+}
+
+TEST_F(IssueListWireTest, theListOfADatasetTakesPagesUpToAHundred)
+{
+    web::json::value json;
+    for (const int page : {-1, 101}) {
+        error.Clear();
+        EXPECT_FALSE(OrloWebService::GetIssuesListByDataSetId(error, json, "d-1", page)) << page;
+        expectGenericError(error, badInputValue, L"GenericError", L"dsId is empty or page < 0 or page > 100");
+    }
+    error.Clear();
+    EXPECT_FALSE(OrloWebService::GetIssuesListByDataSetId(error, json, "", 1));
+    expectGenericError(error, badInputValue, L"GenericError", L"dsId is empty or page < 0 or page > 100");
+    EXPECT_EQ(server.requestCount(), 0u);
+    error.Clear();
+    for (const char* page : {"0", "100"}) {
+        server.expect("POST", std::string("/issue/detail/bydatasetids?page=") + page).body(R"(["d-1"])").reply(200, R"({"code":0})");
+        EXPECT_TRUE(OrloWebService::GetIssuesListByDataSetId(error, json, "d-1", std::stoi(page)));
+    }
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, theListOfATeamTakesEveryPageThatIsNotNegative)
+{
+    web::json::value json;
+    EXPECT_FALSE(OrloWebService::GetIssuesListByTeamId(error, json, "t-1", -1, false));
+    expectGenericError(error, badInputValue, L"GetIssuesListByTeamId", L"参数错误");
+    EXPECT_EQ(server.requestCount(), 0u);
+    error.Clear();
+    server.expect("GET", "/issue/detail/t-1/byteamid?page=0&skipCloudify=0").reply(200, R"({"code":0})");
+    EXPECT_TRUE(OrloWebService::GetIssuesListByTeamId(error, json, "t-1", 0, false));
+    server.expect("GET", "/issue/detail/t-1/byteamid?page=101&skipCloudify=1").reply(200, R"({"code":0})");
+    EXPECT_TRUE(OrloWebService::GetIssuesListByTeamId(error, json, "t-1", 101, true));
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, onlyTheFirstPageIsAskedFor)
+{
+    std::string body = R"({"code":0,"total":900,"data":[{"id":1})";
+    for (int id = 2; id <= 300; ++id)
+        body += ",{\"id\":" + std::to_string(id) + "}";
+    body += "]}";
+    server.expect("GET", issuesOfTeam).reply(200, body);
+    EXPECT_TRUE(manager.GetIssueListByTeamId("t-1", out, error));
+    ASSERT_EQ(out.size(), 300u);
+    EXPECT_EQ(out[299]->GetId(), 300);
+    EXPECT_EQ(server.requestCount(), 1u);
+}
+
+TEST_F(IssueListWireTest, lieOnTheProjectService)
+{
+    host.change([](OrloConfig& config) {
+        for (auto& [key, url] : config.serviceUrls) {
+            if (key != L"project")
+                url = L"http://127.0.0.1:1";
+        }
+    });
+    server.expect("POST", issuesOfDataset).body(R"(["d-1"])").reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByDatasetId("d-1", out, error));
+    server.expect("GET", issuesOfTeam).reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByTeamId("t-1", out, error));
+    server.expect("PUT", "/issue").anyBody().reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.PostIssue(IIssue::Create(L"t", L"u", L"title", L"words", {}, EORLOIssueType::Comments), error));
+    server.expect("POST", "/issue/solve").anyBody().reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.SolveIssue(L"u", 1, L"", error));
+    expectQuiet();
+}
+
+TEST_F(IssueListWireTest, anEarlierErrorIsLoggedAndWipedWhereTheRequestIsRetried)
+{
+    error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
+    server.expect("POST", issuesOfDataset).body(R"(["d-1"])").reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByDatasetId("d-1", out, error));
+    expectGenericError(error, exceptionValue, L"GenericError", L"earlier");
+    server.expect("GET", issuesOfTeam).reply(200, R"({"code":0})");
+    EXPECT_TRUE(manager.GetIssueListByTeamId("t-1", out, error));
+    expectClear(error);
+    EXPECT_EQ(log.lines(), (Lines{L"E@orlo::IssueManager::GetIssueListByDatasetId 传入的ErrorCode，已有错误存在:earlier",
+                                  L"E@orlo::IssueManager::GetIssueListByTeamId 传入的ErrorCode，已有错误存在:earlier"}));
+}
+
 TEST_F(IssueListWireTest, anAnswerWithoutAListIsAnEmptyOne)
 {
     for (const char* body : {R"({"code":0})", R"({"code":0,"data":null})", R"({"code":0,"data":{}})"}) {
@@ -81,7 +178,8 @@ TEST_F(IssueListWireTest, anAnswerWithoutAListIsAnEmptyOne)
 
 TEST_F(IssueListWireTest, aCodeOtherThanZeroIsAFailureWithoutAWord)
 {
-    for (const char* body : {R"({"code":10000,"data":[{}]})", R"({"data":[{}]})", R"({"code":"0","data":[{}]})", "[]", "7", "null"}) {
+    for (const char* body : {R"({"code":10000,"data":[{}]})", R"({"data":[{}]})", R"({"code":"0","data":[{}]})",
+                             R"({"code":4294967296,"data":[{}]})", R"({"code":null,"data":[{}]})", "[]", "7", "null"}) {
         out.resize(2);
         server.expect("POST", issuesOfDataset).body(R"(["d-1"])").reply(200, body);
         EXPECT_FALSE(manager.GetIssueListByDatasetId("d-1", out, error)) << body;

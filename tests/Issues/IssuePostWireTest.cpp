@@ -73,6 +73,35 @@ TEST_F(IssuePostWireTest, withAVersionThatIsNotFoundIsNotSent)
     EXPECT_EQ(server.count("PUT", "/issue"), 0u);
 }
 
+TEST_F(IssuePostWireTest, onADatasetWithoutAnIdIsNotSent)
+{
+    EXPECT_FALSE(post(issueOn({{true, "", L"x", 3}})));
+    expectHttpError(error, exceptionValue, L"Invalid argument", L"datasetId is empty", 0);
+    EXPECT_EQ(server.requestCount(), 0u);
+}
+
+TEST_F(IssuePostWireTest, onADatasetWithoutAVersionNamesItsLatest)
+{
+    server.expect("GET", "/v2/datasets/d-1/version/latest?onlySuccess=true&mvd=base").reply(503);
+    server.expect("GET", "/v2/datasets/d-1/version/latest?onlySuccess=true&mvd=base").reply(200, R"({"data":{"id":55,"version":9}})");
+    server.expect("PUT", "/issue")
+        .body(
+            R"({"teamId":"t-1","userId":"u-1","title":"门太窄","description":"二层","elementId":"","elementName":"","file":"","memo":"Open",)"
+            R"("markCoordinate":"","camera":"","issueDatasets":[{"isCurrent":true,"versionId":55}]})")
+        .reply(200, R"({"code":0})");
+    EXPECT_TRUE(post(issueOn({{true, "d-1", L"x", -1}})));
+    expectClear(error);
+}
+
+TEST_F(IssuePostWireTest, isSentOnceAndAnEarlierErrorStaysWhereNoVersionIsLookedUp)
+{
+    error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
+    server.expect("PUT", "/issue").body(plainIssue).reply(200, R"({"code":0})");
+    EXPECT_TRUE(post(issueOn({})));
+    expectGenericError(error, exceptionValue, L"GenericError", L"earlier");
+    EXPECT_EQ(log.lines(), Lines{L"E@orlo::IssueManager::PostIssue 传入的ErrorCode，已有错误存在:earlier"});
+}
+
 TEST_F(IssuePostWireTest, withoutATeamAUserATitleOrADescriptionIsNotSent)
 {
     const auto expectRefused = [&](const std::shared_ptr<IIssue>& issue) {
@@ -99,11 +128,14 @@ TEST_F(IssuePostWireTest, thatIsNoneIsAnException)
 {
     EXPECT_FALSE(post(nullptr));
     expectHttpError(error, exceptionValue, L"HttpError", L"there is no issue", 5555);
+    EXPECT_FALSE(IIssueManager::Get()->PostIssue(nullptr));
+    EXPECT_EQ(server.requestCount(), 0u);
 }
 
 TEST_F(IssuePostWireTest, anAnswerThatCannotBeReadIsASuccess)
 {
-    for (const char* body : {"<html>", "", "[]", "{}", R"({"code":"7"})", R"({"code":0,"msg":"x"})"}) {
+    for (const char* body :
+         {"<html>", "", "[]", "{}", R"({"code":"7"})", R"({"code":4294967301})", "7", "null", R"({"code":0,"msg":"x"})"}) {
         server.expect("PUT", "/issue").body(plainIssue).reply(200, body);
         EXPECT_TRUE(post(issueOn({}))) << body;
     }

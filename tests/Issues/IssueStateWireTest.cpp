@@ -16,6 +16,7 @@ constexpr const char* changeBody = R"({"userId":"u-1","issueId":7,"memo":"换门
 struct StateChange
 {
     std::string path;
+    std::wstring name;
     bool (IIssueManager::*change)(const std::wstring&, int, const std::wstring&, ErrorCode&);
 };
 
@@ -47,12 +48,25 @@ TEST_P(IssueStateWireTest, withAnotherCodeIsRefusedInThePlatformsWordsUnderOneNa
     expectChange().reply(200, R"({"code":10000})");
     EXPECT_FALSE(change(error));
     expectGenericError(error, badInputValue, L"SolveIssue", L"");
+    error.Clear();
+    expectChange().reply(200, R"({"code":-1,"msg":7})");
+    EXPECT_FALSE(change(error));
+    expectGenericError(error, badInputValue, L"SolveIssue", L"");
     EXPECT_EQ(log.lines(), Lines{});
+}
+
+TEST_P(IssueStateWireTest, logsAnEarlierErrorUnderItsNameAndWipesIt)
+{
+    error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
+    expectChange().reply(200, R"({"code":0})");
+    EXPECT_TRUE(change(error));
+    expectClear(error);
+    EXPECT_EQ(log.lines(), Lines{L"E@orlo::IssueManager::" + GetParam().name + L" 传入的ErrorCode，已有错误存在:earlier"});
 }
 
 TEST_P(IssueStateWireTest, withoutACodeIsAFailureWithoutAWord)
 {
-    for (const char* body : {"{}", R"({"code":"0"})", "[]", R"({"code":0.5})", "null"}) {
+    for (const char* body : {"{}", R"({"code":"0"})", "[]", R"({"code":0.5})", R"({"code":4294967296})", R"({"code":null})", "null"}) {
         expectChange().reply(200, body);
         EXPECT_FALSE(change(error)) << body;
         expectClear(error);
@@ -74,11 +88,11 @@ TEST_P(IssueStateWireTest, failsAsEveryRequestingOperationDoesInWordsThatNameNoI
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEachKind, IssueStateWireTest,
-                         testing::Values(StateChange{"/issue/solve", &IIssueManager::SolveIssue},
-                                         StateChange{"/issue/close", &IIssueManager::CloseIssue},
-                                         StateChange{"/issue/submit", &IIssueManager::SubmitIssue},
-                                         StateChange{"/issue/reopen", &IIssueManager::ReopenIssue},
-                                         StateChange{"/issue/deal", &IIssueManager::DealIssue}),
+                         testing::Values(StateChange{"/issue/solve", L"SolveIssue", &IIssueManager::SolveIssue},
+                                         StateChange{"/issue/close", L"CloseIssue", &IIssueManager::CloseIssue},
+                                         StateChange{"/issue/submit", L"SubmitIssue", &IIssueManager::SubmitIssue},
+                                         StateChange{"/issue/reopen", L"ReopenIssue", &IIssueManager::ReopenIssue},
+                                         StateChange{"/issue/deal", L"DealIssue", &IIssueManager::DealIssue}),
                          [](const auto& tested) { return tested.param.path.substr(7); });
 
 } // namespace

@@ -106,6 +106,35 @@ TEST(IssueReader, leavesWhatIsMissingOrOfAnotherTypeAtItsDefault)
     EXPECT_TRUE(ack.issues[1].issueDatasets[1].deleted);
 }
 
+TEST(IssueReader, readsEveryFieldOfARelatedDatasetAndLeavesNumbersThatDoNotFit)
+{
+    http::ORLOHTTPQueryIssueAck ack;
+    EXPECT_TRUE(OrloPayloadProcessor::readIssues(
+        web::json::value::parse(
+            R"({"code":4294967296,"msg":"好","data":[{"id":4294967303,"issueDatasets":[{"isCurrent":1,"datasetId":"d",)"
+            R"("datasetName":"模型","teamId":"t","teamName":"结构组","displayVersion":"v3","version":3,"deleted":true},)"
+            R"({"isCurrent":4294967297,"version":4294967299},{"isCurrent":1.5,"version":3.5},null]},)"
+            R"({"issueDatasets":{}},{"issueDatasets":null}]})"),
+        ack));
+    EXPECT_EQ(ack.code, -1);
+    EXPECT_EQ(ack.msg, L"好");
+    ASSERT_EQ(ack.issues.size(), 3u);
+    EXPECT_EQ(ack.issues[0].id, -1);
+    ASSERT_EQ(ack.issues[0].issueDatasets.size(), 4u);
+    const http::ORLOHTTPIssueRelationDataset& whole = ack.issues[0].issueDatasets[0];
+    EXPECT_EQ(whole.datasetId + L"|" + whole.datasetName + L"|" + whole.teamId + L"|" + whole.teamName + L"|" + whole.displayVersion,
+              L"d|模型|t|结构组|v3");
+    EXPECT_TRUE(whole.isCurrent);
+    EXPECT_TRUE(whole.deleted);
+    EXPECT_EQ(whole.version, 3);
+    for (std::size_t i = 1; i < 4; ++i) {
+        EXPECT_FALSE(ack.issues[0].issueDatasets[i].isCurrent) << i;
+        EXPECT_EQ(ack.issues[0].issueDatasets[i].version, -1) << i;
+    }
+    EXPECT_TRUE(ack.issues[1].issueDatasets.empty());
+    EXPECT_TRUE(ack.issues[2].issueDatasets.empty());
+}
+
 TEST(IssueReader, takesTheDatasetOnWhichTheIssueWasRaisedTheLastOfSeveral)
 {
     http::ORLOHTTPQueryIssueAck ack;

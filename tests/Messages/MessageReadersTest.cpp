@@ -47,6 +47,24 @@ TEST(PayloadMessage, readsItsFieldsAndContents)
     EXPECT_EQ(message.contents[0].updateTimestamp, 1700000000456) << "a text is taken too";
 }
 
+TEST(PayloadMessage, readsATimeAsTheDecimalNumberAtItsHead)
+{
+    const auto timeOf = [](const std::string& value) {
+        return readPayloadMessage(jsonOf((R"({"empty":false,"producerSourceId":"","producerType":"","consumerId":"","consumerType":"",)"
+                                          R"("contents":[{"content":"","hasRead":false,"deleted":true,"createTimestamp":0,)"
+                                          R"("updateTimestamp":)" +
+                                          value + "}]}")
+                                             .c_str()))
+            .contents.at(0)
+            .updateTimestamp;
+    };
+    EXPECT_EQ(timeOf("-5"), -5);
+    EXPECT_EQ(timeOf(R"("12 and more")"), 12);
+    EXPECT_EQ(timeOf(R"("soon")"), 0);
+    EXPECT_EQ(timeOf("null"), 0);
+    EXPECT_EQ(timeOf("{}"), 0);
+}
+
 TEST(PayloadMessage, thatSaysItIsEmptyIsNotReadOn)
 {
     EXPECT_EQ(readPayloadMessage(jsonOf(R"({"empty":true,"producerSourceId":7})")).producerSourceId, L"");

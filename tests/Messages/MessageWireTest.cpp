@@ -1,7 +1,10 @@
 #include "support/RequestFailures.h"
+#include "support/VirtualSlot.h"
 #include "support/WireTest.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloProjectManager/Messages/IMessageManager.h>
+#include <OrloProjectManager/Messages/MessageManager.h>
 
 #include <gmock/gmock.h>
 
@@ -72,15 +75,86 @@ TEST_F(MessageWireTest, areFilteredByStatusProjectAndDataset)
     expectQuiet();
 }
 
+TEST_F(MessageWireTest, areAskedForByAnIdThatOneOfTheMapsOwnMessagesHolds)
+{
+    const std::wstring project = L"a project with an id that is too long for a text without memory of its own";
+    const std::wstring dataset = L"a dataset with an id that is too long for a text without memory of its own";
+    const auto fill = [&] {
+        out = {{EMessageType::BUSINESS,
+                {IMessage::CreateMessage(7, L"", L"", project, dataset, EMessageType::BUSINESS, EMessageStatus::READ, L"", L"", L"", L"",
+                                         L"")}}};
+    };
+    const char* const ofProject = "/messages?projectId=a%20project%20with%20an%20id%20that%20is%20too%20long%20for%20a%20text%20without%20"
+                                  "memory%20of%20its%20own";
+    const char* const ofDataset = "/messages?datasetId=a%20dataset%20with%20an%20id%20that%20is%20too%20long%20for%20a%20text%20without%20"
+                                  "memory%20of%20its%20own";
+    fill();
+    server.expect("GET", ofProject).reply(503);
+    server.expect("GET", ofProject).reply(200, R"({"data":[]})");
+    EXPECT_TRUE(manager.GetMessagesInProject(EMessageStatus::ALL, out[EMessageType::BUSINESS][0]->GetProjectId(), out, error));
+    EXPECT_THAT(out, IsEmpty());
+    fill();
+    server.expect("GET", ofDataset).reply(404);
+    EXPECT_FALSE(manager.GetMessagesInDataset(EMessageStatus::ALL, out[EMessageType::BUSINESS][0]->GetDatasetId(), out, error));
+    EXPECT_THAT(out, IsEmpty());
+}
+
+TEST_F(MessageWireTest, lieOnTheMessageService)
+{
+    host.change([](OrloConfig& config) {
+        for (auto& [key, url] : config.serviceUrls) {
+            if (key != L"message")
+                url = L"http://127.0.0.1:1";
+        }
+    });
+    server.expect("GET", unread).reply(200, R"({"data":[]})");
+    EXPECT_TRUE(fetch());
+    server.expect("PUT", markRead).reply(200, R"({"code":10000})");
+    EXPECT_TRUE(manager.MarkMessageRead(7, EMessageType::BUSINESS, error));
+    expectQuiet();
+}
+
+TEST_F(MessageWireTest, anEarlierErrorIsLoggedUnderTheNameOfTheOperationAndWiped)
+{
+    server.expect("GET", "/messages?projectId=p").reply(200, R"({"data":[]})");
+    server.expect("PUT", markRead).reply(200, R"({"code":10000})");
+    error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
+    EXPECT_TRUE(manager.GetMessagesInProject(EMessageStatus::ALL, L"p", out, error));
+    expectClear(error);
+    error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
+    EXPECT_TRUE(manager.MarkMessageRead(7, EMessageType::BUSINESS, error));
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::MessageManager::GetMessages 传入的ErrorCode，已有错误存在:earlier",
+                                         L"E@orlo::MessageManager::MarkMessageByGivenStatus 传入的ErrorCode，已有错误存在:earlier"));
+}
+
 TEST_F(MessageWireTest, withoutAProjectOrADatasetAreNotAskedFor)
 {
     EXPECT_FALSE(manager.GetMessagesInProject(EMessageStatus::ALL, L"", out, error));
     EXPECT_FALSE(manager.GetMessagesInDataset(EMessageStatus::ALL, L"", out, error));
+    EXPECT_FALSE(manager.GetMessagesInProject(EMessageStatus::ALL, L"", out));
+    EXPECT_FALSE(manager.GetMessagesInDataset(EMessageStatus::ALL, L"", out));
     EXPECT_EQ(out.size(), 1u) << "the map stays";
     EXPECT_EQ(server.requestCount(), 0u);
     expectClear(error);
-    EXPECT_THAT(log.lines(), ElementsAre(L"I [ORLOSDK][MessageManager::GetMessagesInProject] projectId is empty",
-                                         L"I [ORLOSDK][MessageManager::GetMessagesInProject] datasetId is empty"));
+    const std::wstring noProject = L"I [ORLOSDK][MessageManager::GetMessagesInProject] projectId is empty";
+    const std::wstring noDataset = L"I [ORLOSDK][MessageManager::GetMessagesInProject] datasetId is empty";
+    EXPECT_THAT(log.lines(), ElementsAre(noProject, noDataset, noProject, noDataset));
+}
+
+TEST_F(MessageWireTest, aFieldThatDoesNotFitKeepsItsDefault)
+{
+    server.expect("GET", unread)
+        .reply(200, R"({"data":[{"messageId":4294967303,"title":null,"content":{"a":[]},"projectId":7,"datasetId":[],"resourceId":true,)"
+                    R"("resourceType":1.5,"senderId":{},"senderAction":null,"sendTime":1700000000123,"messageType":"SYSTEM",)"
+                    R"("messageStatus":"READ"}]})");
+    EXPECT_TRUE(fetch());
+    ASSERT_EQ(out[EMessageType::SYSTEM].size(), 1u);
+    const IMessage& message = *out[EMessageType::SYSTEM][0];
+    EXPECT_EQ(message.GetMessageId(), 0) << "beyond 32 bits";
+    EXPECT_EQ(message.GetTitle() + message.GetContent() + message.GetProjectId() + message.GetDatasetId() + message.GetResourceId() +
+                  message.GetResourceType() + message.GetSenderId() + message.GetSenderAction() + message.GetSendTime(),
+              L"");
 }
 
 TEST_F(MessageWireTest, anAnswerWithoutAListIsASuccessAndOneLine)
@@ -99,7 +173,8 @@ TEST_F(MessageWireTest, oneThatCannotBeUnderstoodEndsTheFetchAndThoseBeforeItSta
 {
     for (const char* odd :
          {R"({"messageType":"SYSTEM","messageStatus":"ALL"})", R"({"messageType":"SYSTEM","messageStatus":"read"})",
-          R"({"messageType":"SYSTEM"})", R"({"messageType":"OTHER","messageStatus":"READ"})", R"({"messageStatus":"READ"})", "7"}) {
+          R"({"messageType":"SYSTEM"})", R"({"messageType":"OTHER","messageStatus":"READ"})", R"({"messageStatus":"READ"})",
+          R"({"messageType":0,"messageStatus":"READ"})", R"({"messageType":"SYSTEM","messageStatus":1})", "null", "7"}) {
         log.clear();
         server.expect("GET", unread)
             .reply(200, R"({"data":[{"messageType":"SYSTEM","messageStatus":"READ"},)" + std::string(odd) +
@@ -137,6 +212,25 @@ TEST_F(MessageWireTest, aMarkThatIsNotTakenIsToldWithoutTheTag)
     expectClear(error);
     EXPECT_THAT(log.lines(), ElementsAre(L"E OrloWebService::GetMessages - response is not normal: {\"code\":10001,\"message\":\"no\"}",
                                          L"E [ORLOSDK][MessageManager::MarkMessageStatus]fail to mark message status"));
+    for (const char* body : {R"({"code":"10000"})", "{}", "[10000]", "10000", "null"}) {
+        log.clear();
+        server.expect("PUT", markRead).reply(200, body);
+        EXPECT_FALSE(manager.MarkMessageRead(7, EMessageType::BUSINESS, error)) << body;
+        expectClear(error);
+        EXPECT_THAT(log.lines(), ElementsAre(L"E OrloWebService::GetMessages - response is not normal: " + utils::toWstring(body),
+                                             L"E [ORLOSDK][MessageManager::MarkMessageStatus]fail to mark message status"));
+    }
+}
+
+TEST_F(MessageWireTest, areMarkedWithAnyStatusByTheManagerItself)
+{
+    MessageManager itself;
+    server.expect("PUT", "/messages/SYSTEM/7/mark/UNREAD").reply(200, R"({"code":10000})");
+    EXPECT_TRUE(itself.MarkMessageByGivenStatus(7, EMessageType::SYSTEM, EMessageStatus::UNREAD, error));
+    server.expect("PUT", "/messages//7/mark/").reply(200, R"({"code":10000})");
+    EXPECT_TRUE(itself.MarkMessageByGivenStatus(7, static_cast<EMessageType>(9), static_cast<EMessageStatus>(9), error));
+    expectQuiet();
+    EXPECT_EQ(virtualSlot(&MessageManager::MarkMessageByGivenStatus), 10u) << "behind the destructor of the interface";
 }
 
 TEST_F(MessageWireTest, theMarkFailsAsEveryRequestingOperationDoesInTheWordsOfTheFetch)

@@ -2,6 +2,7 @@
 #include "support/WireTest.h"
 
 #include <OrloAuth/UserSession.h>
+#include <OrloProjectManager/NetworkProject/Teams/TeamWeb.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>
 #include <OrloProjectManager/Teams/ICollaborationTeamManager.h>
 
@@ -132,7 +133,9 @@ TEST_F(TeamManagerWireTest, anEarlierErrorDoesNotStopTheSearchByDataset)
     error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
     server.expect("GET", "/v2/dataSets/d-1").reply(200, R"({"code":10000,"data":{"id":"d-1","teamId":"t-1"}})");
     EXPECT_EQ(manager.GetTeamByDataset("d-1", error)->GetTeamId(), L"t-1");
-    EXPECT_EQ(log.count(L"E@orlo::CollaborationTeamManager::GetTeamByDataset 传入的ErrorCode，已有错误存在:earlier"), 0u);
+    expectGenericError(error, exceptionValue, L"GenericError", L"earlier");
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::ProjectManager::GetDatasetInfo 传入的ErrorCode，已有错误存在:earlier"))
+        << "the request's own frame tells it, and nobody else";
 }
 
 TEST_F(TeamManagerWireTest, aDatasetThatIsNotFoundGivesATeamWithoutAnId)
@@ -142,6 +145,65 @@ TEST_F(TeamManagerWireTest, aDatasetThatIsNotFoundGivesATeamWithoutAnId)
     ASSERT_NE(team, nullptr);
     EXPECT_EQ(team->GetTeamId(), L"");
     expectHttpError(error, errorStatusValue, L"HttpError", L"no", 404);
+}
+
+TEST_F(TeamManagerWireTest, theSearchByDatasetFailsAsADirectRequestDoesAndGivesATeamAllTheSame)
+{
+    RequestingOperation search{"GET", "/v2/dataSets/d-1", "", L"OrloWebService::GetDatasetInfo - code:", [&](ErrorCode& ec) {
+                                   const auto team = manager.GetTeamByDataset("d-1", ec);
+                                   EXPECT_NE(team, nullptr);
+                                   return team && !team->GetTeamId().empty();
+                               }};
+    search.frame = L"orlo::ProjectManager::GetDatasetInfo";
+    expectFailuresOf(search, server, log);
+}
+
+TEST_F(TeamManagerWireTest, anEarlierErrorIsLoggedAndWipedWhereTheRequestIsRetried)
+{
+    const auto fail = [&] {
+        log.clear();
+        error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
+    };
+    fail();
+    server.expect("POST", "/v2/teams").body(newTeamBody).reply(200, "{}");
+    create();
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::CollaborationTeamManager::CreateTeam 传入的ErrorCode，已有错误存在:earlier"));
+    fail();
+    server.expect("POST", "/teams").body(folderBody).reply(200, "{}");
+    manager.GetTeamByFolder(L"f-1", error);
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::CollaborationTeamManager::GetTeamByFolder 传入的ErrorCode，已有错误存在:earlier",
+                                         L"E@orlo::HttpClient::getTeamIdByFolderId 传入的ErrorCode，已有错误存在:earlier"));
+    fail();
+    server.expect("GET", myTeamsTarget).reply(200, R"({"code":10001})");
+    manager.GetMyTeamsByProject(L"p-1", error);
+    expectGenericError(error, exceptionValue, L"GenericError", L"earlier");
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::CollaborationTeamManager::GetMyTeamsByProject 传入的ErrorCode，已有错误存在:earlier"));
+}
+
+TEST_F(TeamManagerWireTest, lieOnTheProjectService)
+{
+    host.change([](OrloConfig& config) {
+        for (auto& [key, url] : config.serviceUrls) {
+            if (key != L"project")
+                url = L"http://127.0.0.1:1";
+        }
+    });
+    server.expect("POST", "/v2/teams").body(newTeamBody).reply(200, "{}");
+    create();
+    server.expect("POST", "/teams").body(folderBody).reply(200, "{}");
+    manager.GetTeamByFolder(L"f-1", error);
+    server.expect("GET", myTeamsTarget).reply(200, "{}");
+    manager.GetMyTeamsByProject(L"p-1", error);
+    server.expect("POST", memberTarget).reply(200, R"({"code":10000})");
+    EXPECT_TRUE(HttpClient::addUserToTeam(L"t-1", L"u-1"));
+    server.expect("DELETE", memberTarget).reply(200, R"({"code":10000})");
+    EXPECT_TRUE(HttpClient::deleteUserFromTeam(L"t-1", L"u-1"));
+    server.expect("GET", "/projects/p-1/teams").reply(200, "{}");
+    std::vector<CollaborationTeamInfo> teams;
+    EXPECT_TRUE(HttpClient::getTeamInfosInProject(L"p-1", teams));
+    expectQuiet();
 }
 
 TEST_F(TeamManagerWireTest, myTeamsAreListedInTheOrderOfTheAnswer)
@@ -190,6 +252,17 @@ TEST_F(TeamManagerWireTest, theTeamsOfAProjectAreListedWithoutAnObject)
     EXPECT_FALSE(HttpClient::getTeamInfosInProject(L"p-1", teams));
 }
 
+TEST_F(TeamManagerWireTest, theTeamsAreAskedForByAnIdThatOneOfTheListsOwnTeamsHolds)
+{
+    std::vector<CollaborationTeamInfo> teams(1);
+    teams[0].projectId = L"a-project-with-an-id-that-is-too-long-for-a-text-without-memory-of-its-own";
+    const char* const ofProject = "/projects/a-project-with-an-id-that-is-too-long-for-a-text-without-memory-of-its-own/teams";
+    server.expect("GET", ofProject).reply(503);
+    server.expect("GET", ofProject).reply(200, R"({"code":10000,"data":[{"id":"t-1"},{"id":"t-2"}]})");
+    EXPECT_TRUE(HttpClient::getTeamInfosInProject(teams[0].projectId, teams));
+    EXPECT_EQ(teams.size(), 2u);
+}
+
 TEST_F(TeamManagerWireTest, aMemberIsAddedAndTakenAway)
 {
     server.expect("POST", memberTarget).reply(200, R"({"code":10000})");
@@ -218,6 +291,11 @@ TEST_F(TeamManagerWireTest, withoutATeamOrAUserNoMemberIsSent)
     EXPECT_FALSE(HttpClient::addUserToTeam(L"t-1", L""));
     EXPECT_FALSE(HttpClient::deleteUserFromTeam(L"", L"u-1"));
     EXPECT_FALSE(HttpClient::deleteUserFromTeam(L"t-1", L""));
+    EXPECT_FALSE(OrloWebService::DeleteUserFromTeam(error, L"", L"u-1"));
+    expectGenericError(error, badInputValue, L"GenericError", L"DeleteUserFromTeam::参数输入有误");
+    error.Clear();
+    EXPECT_FALSE(OrloWebService::DeleteUserFromTeam(error, L"t-1", L""));
+    expectGenericError(error, badInputValue, L"GenericError", L"DeleteUserFromTeam::参数输入有误");
     EXPECT_EQ(server.requestCount(), 0u);
     EXPECT_THAT(log.lines(), IsEmpty());
 }
@@ -230,6 +308,23 @@ TEST_F(TeamManagerWireTest, addingIsRepeatedAndTakingAwayIsNot)
     EXPECT_FALSE(HttpClient::deleteUserFromTeam(L"t-1", L"u-1"));
     EXPECT_EQ(server.count("POST", memberTarget), 4u);
     EXPECT_EQ(server.count("DELETE", memberTarget), 1u);
+}
+
+TEST_F(TeamManagerWireTest, takingAMemberAwayFailsAsADirectRequestDoes)
+{
+    server.expect("DELETE", memberTarget).reset();
+    EXPECT_FALSE(HttpClient::deleteUserFromTeam(L"t-1", L"u-1"));
+    EXPECT_THAT(log.lines(), IsEmpty());
+    server.expect("DELETE", memberTarget).reply(201, R"({"code":10000})");
+    EXPECT_FALSE(HttpClient::deleteUserFromTeam(L"t-1", L"u-1"));
+    EXPECT_THAT(log.lines(), ElementsAre(L"E [ORLOSDK]OrloWebService::DeleteUserFromTeam - code:201"));
+    log.clear();
+    server.expect("DELETE", memberTarget).reply(200, "<html>");
+    EXPECT_FALSE(HttpClient::deleteUserFromTeam(L"t-1", L"u-1"));
+    ASSERT_EQ(log.lines().size(), 1u);
+    EXPECT_EQ(
+        log.lines()[0].rfind(L"E@orlo::HttpClient::deleteUserFromTeam [END_API_IMPLEMENTATION][A generic exception caught] message[", 0),
+        0u);
 }
 
 } // namespace

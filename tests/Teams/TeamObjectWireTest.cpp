@@ -14,7 +14,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* ownDatasets = "/v2/search/dataSets/byTeams";
 constexpr const char* sharedDatasets = "/v2/teams/t-1/permissionResource?type=TrustBy";
 constexpr const char* sharedFolders = "/teams/t-1/permissionResource?type=TrustBy";
 constexpr const char* oneDataset = R"({"code":10000,"data":[{"id":"d-1","name":"模型","type":"workunit","teamId":"t-1"}]})";
@@ -108,6 +107,8 @@ TEST_F(TeamObjectWireTest, listsOnesOwnDatasetsWhereAnyMeansDrafts)
     server.expect("POST", "/v2/search/dataSets/byTeams?status=draft").body(R"(["t-1"])").times(2).reply(200, oneDataset);
     EXPECT_TRUE(team->GetUserOwnsDatasetsInTeam(DatasetStatus::Any, out, error));
     EXPECT_TRUE(team->GetUserOwnsDatasetsInTeam(DatasetStatus::Draft, out));
+    server.expect("POST", "/v2/search/dataSets/byTeams?status=").body(R"(["t-1"])").reply(200, oneDataset);
+    EXPECT_TRUE(team->GetUserOwnsDatasetsInTeam(static_cast<DatasetStatus>(9), out, error));
     expectQuiet();
 }
 
@@ -117,6 +118,85 @@ TEST_F(TeamObjectWireTest, ofATeamWithoutAnIdOnesOwnDatasetsAreNotAskedFor)
     EXPECT_EQ(out.size(), 2u);
     EXPECT_EQ(server.requestCount(), 0u);
     expectQuiet();
+}
+
+TEST_F(TeamObjectWireTest, aTeamWithoutAnIdAsksForEverythingElseWithAnEmptyOne)
+{
+    const char* const none = R"({"code":10000,"data":[]})";
+    server.expect("GET", "/teams//dataSets/byStatus").reply(200, none);
+    EXPECT_THAT(nameless->GetTeamDatasetInfos(DatasetStatus::Any, error), IsEmpty());
+    server.expect("GET", "/v2/teams//permissionResource?type=TrustBy").reply(200, none);
+    EXPECT_THAT(nameless->GetTeamSharedDatasets(error), IsEmpty());
+    server.expect("GET", "/teams//permissionResource?type=TrustBy").reply(200, none);
+    EXPECT_THAT(nameless->GetTeamSharedFolders(error), IsEmpty());
+    server.expect("POST", "/share/records").body(R"({"consumedId":""})").reply(200, none);
+    EXPECT_THAT(nameless->GetCollaborationSharedRecords(error), IsEmpty());
+    expectQuiet();
+}
+
+TEST_F(TeamObjectWireTest, lieOnTheProjectService)
+{
+    host.change([](OrloConfig& config) {
+        for (auto& [key, url] : config.serviceUrls) {
+            if (key != L"project")
+                url = L"http://127.0.0.1:1";
+        }
+    });
+    const char* const none = R"({"code":10000,"data":[]})";
+    server.expect("GET", "/teams/t-1").reply(200, R"({"code":10000,"data":{}})");
+    team->GetTeamInfo(error);
+    server.expect("GET", "/teams/t-1/dataSets/byStatus").reply(200, none);
+    team->GetTeamDatasetInfos(DatasetStatus::Any, error);
+    server.expect("GET", sharedDatasets).reply(200, none);
+    team->GetTeamSharedDatasets(error);
+    server.expect("GET", sharedFolders).reply(200, none);
+    team->GetTeamSharedFolders(error);
+    server.expect("POST", "/v2/search/dataSets/byTeams?status=draft").body(R"(["t-1"])").reply(200, none);
+    EXPECT_TRUE(team->GetUserOwnsDatasetsInTeam(DatasetStatus::Draft, out, error));
+    server.expect("POST", "/share/records").body(R"({"consumedId":"t-1"})").reply(200, none);
+    team->GetCollaborationSharedRecords(error);
+    server.expect("POST", "/share/contents").body(R"(["r-1"])").reply(200, none);
+    HttpClient::getShareContentById(L"r-1", error);
+    server.expect("POST", "/permission/query").body(R"({"visitor":"t-1","visitorType":"Team"})").reply(200, none);
+    HttpClient::getResourceId(L"t-1", ORLOSubjectType::Team, ORLOResourceType::Folder, error);
+    expectQuiet();
+}
+
+TEST_F(TeamObjectWireTest, anEarlierErrorIsLoggedAndWipedWhereTheRequestIsRetried)
+{
+    const std::wstring words = L" 传入的ErrorCode，已有错误存在:earlier";
+    const auto fail = [&] {
+        log.clear();
+        error.Assign(0xE8000002, std::make_shared<GenericError>(L"earlier"));
+    };
+    fail();
+    server.expect("POST", "/teams/t-1/users/u-1").reply(200, R"({"code":10000})");
+    EXPECT_TRUE(team->AddMember(L"u-1", error));
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::CollaborationTeam::AddMember" + words));
+    fail();
+    server.expect("POST", "/share/records").body(R"({"consumedId":"t-1"})").reply(200, R"({"data":[{"id":"r-1"}]})");
+    const auto records = team->GetCollaborationSharedRecords(error);
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::CollaborationTeam::GetCollaborationSharedRecords" + words,
+                                         L"E@orlo::HttpClient::getShareRecordByTeamId" + words));
+    ASSERT_EQ(records.size(), 1u);
+    fail();
+    server.expect("POST", "/share/contents").body(R"(["r-1"])").reply(200, "{}");
+    EXPECT_THAT(records[0]->GetSharedDataSets(error), IsEmpty());
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::CollaborationSharedRecord::GetSharedDataSets" + words,
+                                         L"E@orlo::HttpClient::getShareContentById" + words));
+    fail();
+    server.expect("POST", "/permission/query").body(R"({"visitor":"t-1","visitorType":"Team"})").reply(200, "{}");
+    EXPECT_THAT(HttpClient::getResourceId(L"t-1", ORLOSubjectType::Team, ORLOResourceType::Folder, error), IsEmpty());
+    expectClear(error);
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::HttpClient::getResourceId" + words));
+    fail();
+    server.expect("GET", "/teams/t-1").reply(200, R"({"code":10000})");
+    EXPECT_EQ(team->GetTeamInfo(error).id, L"");
+    expectGenericError(error, exceptionValue, L"GenericError", L"earlier");
+    EXPECT_THAT(log.lines(), ElementsAre(L"E@orlo::CollaborationTeam::GetTeamInfo" + words));
 }
 
 TEST_F(TeamObjectWireTest, listsOnesOwnDatasetsOfSeveralTeamsInTheOrderOfTheCaller)
@@ -272,6 +352,38 @@ TEST_F(TeamObjectWireTest, listsTheRecordsOfWhatItReceived)
     expectQuiet();
 }
 
+TEST_F(TeamObjectWireTest, sharesAreReadFieldByField)
+{
+    server.expect("POST", "/share/records")
+        .body(R"({"consumedId":"t-1"})")
+        .reply(200, R"({"data":[{"id":"r-1","shareId":"t-2","consumedId":"t-1","name":"一审","status":"Lost"},)"
+                    R"({"id":null,"shareId":7,"consumedId":[],"name":{},"status":true},null]})");
+    const auto records = HttpClient::getShareRecordByTeamId(L"t-1", error);
+    ASSERT_EQ(records.size(), 3u);
+    EXPECT_EQ(records[0]->getId() + L"|" + records[0]->getShareId() + L"|" + records[0]->getConsumedId() + L"|" + records[0]->getName() +
+                  L"|" + records[0]->getStatus(),
+              L"r-1|t-2|t-1|一审|Lost")
+        << "the status as it came";
+    for (std::size_t i = 1; i < 3; ++i)
+        EXPECT_EQ(records[i]->getId() + records[i]->getShareId() + records[i]->getConsumedId() + records[i]->getName() +
+                      records[i]->getStatus(),
+                  L"");
+    server.expect("POST", "/share/contents")
+        .body(R"(["r-1"])")
+        .reply(200,
+               R"({"code":500,"data":[{"dataSet":{"id":"d-1","name":"模型"},"versions":[{"version":3},{"version":4294967299},)"
+               R"({"version":1.5},{"version":null},{"version":-1}]},{"dataSet":{"id":7,"name":null},"versions":{"version":3}},null]})");
+    const auto contents = HttpClient::getShareContentById(L"r-1", error);
+    ASSERT_EQ(contents.size(), 3u);
+    EXPECT_EQ(contents[0]->getId() + L"|" + contents[0]->getName(), L"d-1|模型");
+    EXPECT_THAT(contents[0]->getVersions(), ElementsAre(3, -1));
+    for (std::size_t i = 1; i < 3; ++i) {
+        EXPECT_EQ(contents[i]->getId() + contents[i]->getName(), L"");
+        EXPECT_THAT(contents[i]->getVersions(), IsEmpty());
+    }
+    expectQuiet();
+}
+
 TEST_F(TeamObjectWireTest, sharesThatAreNoListAreNone)
 {
     server.expect("POST", "/share/records").body(R"({"consumedId":"t-1"})").reply(200, R"({"data":{}})");
@@ -304,6 +416,15 @@ TEST_F(TeamObjectWireTest, theResourcesOfAVisitorAreThoseOfOneType)
     EXPECT_THAT(HttpClient::getResourceId(L"u-1", ORLOSubjectType::Personal, ORLOResourceType::Folder, error), ElementsAre(L"f-1"));
     server.expect("POST", "/permission/query").body(R"({"visitor":"r-1","visitorType":"Role"})").reply(200, mixed);
     EXPECT_THAT(HttpClient::getResourceId(L"r-1", ORLOSubjectType::Role, ORLOResourceType::Version, error), IsEmpty());
+    server.expect("POST", "/permission/query").body(R"({"visitor":"t-1","visitorType":"Team"})").times(2).reply(200, mixed);
+    EXPECT_THAT(HttpClient::getResourceId(L"t-1", ORLOSubjectType::Team, ORLOResourceType::Project, error), IsEmpty());
+    EXPECT_THAT(HttpClient::getResourceId(L"t-1", ORLOSubjectType::Team, static_cast<ORLOResourceType>(9), error), IsEmpty());
+    server.expect("POST", "/permission/query")
+        .body(R"({"visitor":"t-1","visitorType":"Team"})")
+        .times(2)
+        .reply(200, R"({"data":[{"resourceType":"Version","resourceId":"v-1"},{"resourceType":"Project","resourceId":"p-1"}]})");
+    EXPECT_THAT(HttpClient::getResourceId(L"t-1", ORLOSubjectType::Team, ORLOResourceType::Version, error), ElementsAre(L"v-1"));
+    EXPECT_THAT(HttpClient::getResourceId(L"t-1", ORLOSubjectType::Team, ORLOResourceType::Project, error), ElementsAre(L"p-1"));
     server.expect("POST", "/permission/query").body(R"({"visitor":"","visitorType":""})").reply(200, R"({"data":{}})");
     EXPECT_THAT(HttpClient::getResourceId(L"", static_cast<ORLOSubjectType>(9), ORLOResourceType::Project, error), IsEmpty());
     expectQuiet();

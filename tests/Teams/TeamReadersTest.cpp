@@ -39,5 +39,15 @@ TEST(TeamReaders, theStatusIsComparedExactlyAndAnUnknownOneReadsAsWorkingEveryTi
     EXPECT_EQ(static_cast<int>(teamOf(R"({"status":"Paused"})").status), 1);
 }
 
+TEST(TeamReaders, aStatusThatIsMissingIsAsItWasAndOneThatIsUnknownIsWorking)
+{
+    CollaborationTeamInfo team;
+    team.status = CollaborationTeamStatus::Paused;
+    OrloPayloadProcessor::teamFields().read(web::json::value::parse(R"({"id":"t","status":null})"), team);
+    EXPECT_EQ(team.status, CollaborationTeamStatus::Paused);
+    OrloPayloadProcessor::teamFields().read(web::json::value::parse(R"({"status":"Lost"})"), team);
+    EXPECT_EQ(team.status, CollaborationTeamStatus::Working);
+}
+
 } // namespace
 } // namespace orlo::test

@@ -51,6 +51,27 @@ TEST_F(ExportedSymbolsTest, theEntriesOfTheFaceAreThere)
         EXPECT_TRUE(exportsAny(entry)) << entry;
 }
 
+TEST_F(ExportedSymbolsTest, theEntriesOfTeamsIssuesAndMessagesAreThere)
+{
+    for (const char* entry :
+         {"orlo::ICollaborationTeamManager::Get()", "orlo::HttpClient::createTeam(std::", "orlo::HttpClient::getTeamInfosInProject(std::",
+          "orlo::HttpClient::addUserToTeam(std::", "orlo::HttpClient::deleteUserFromTeam(std::",
+          "orlo::HttpClient::getTeamIdByFolderId(std::", "orlo::HttpClient::getShareRecordByTeamId(std::",
+          "orlo::HttpClient::getShareContentById(std::", "orlo::HttpClient::getResourceId(std::", "orlo::ShareRecord::ShareRecord(std::",
+          "orlo::ShareContents::ShareContents(std::", "orlo::IIssueManager::Get()",
+          "orlo::IIssue::Create(std::", "orlo::IMessageManager::Get()", "orlo::IMessage::CreateMessage(int, "})
+        EXPECT_TRUE(exportsAny(entry)) << entry;
+    for (const char* face : {"ICollaborationTeamManager", "ICollaborationTeam", "ICollaborationSharedRecord", "IIssueManager", "IIssue",
+                             "IMessageManager", "IMessage"}) {
+        EXPECT_EQ(std::count(names.begin(), names.end(), "vtable for orlo::" + std::string(face)), 1) << face;
+        EXPECT_EQ(std::count(names.begin(), names.end(), "typeinfo for orlo::" + std::string(face)), 1) << face;
+    }
+    EXPECT_EQ(
+        std::count_if(names.begin(), names.end(),
+                      [](const std::string& name) { return startsWith(name, "orlo::ICollaborationTeam::GetUserOwnsDatasetsInTeams("); }),
+        2);
+}
+
 TEST_F(ExportedSymbolsTest, bothFormsOfLoadAreThere)
 {
     EXPECT_EQ(std::count_if(names.begin(), names.end(),
@@ -72,6 +93,13 @@ TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
                                "orlo::CallFrame",
                                "orlo::ProjectManager::",
                                "orlo::Project::",
+                               "orlo::CollaborationTeam::",
+                               "orlo::CollaborationTeamManager::",
+                               "orlo::CollaborationSharedRecord::",
+                               "orlo::Issue::",
+                               "orlo::IssueManager::",
+                               "orlo::Message::",
+                               "orlo::MessageManager::",
                                "orlo::log::",
                                "orlo::http::",
                                "orlo::utils::",

@@ -34,7 +34,7 @@ public:
     static std::shared_ptr<IIssue> Create(const std::wstring& teamId, const std::wstring& userId, const std::wstring& title,
                                           const std::wstring& description, const std::vector<IssuedDataSet>& datasets, EORLOIssueType type);
 
-    /// 0 before it is posted.
+    /// 0 for one that this process made: posting tells no id, the next list does.
     virtual int GetId() const = 0;
     virtual std::wstring GetTeamId() const = 0;
     virtual void SetTeamId(const std::wstring& teamId) = 0;

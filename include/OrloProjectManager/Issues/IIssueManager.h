@@ -11,7 +11,8 @@ namespace orlo {
 
 class ErrorCode;
 
-/// Issues on the platform. Lists show the platform's first page, in its order, in place of what the list held.
+/// Issues on the platform. Lists show the platform's first page, in its order, in place of what the list held. An id may be one that the
+/// list's own issues hold.
 /// The form without an ErrorCode does the same and drops the reason of a failure.
 /// Errors: 0xE8000001 bad input, or a change that the platform refuses, in its words; 0xE8000002 transport or exception; a negative value
 /// for an error status.   Threads: any; blocks the caller.

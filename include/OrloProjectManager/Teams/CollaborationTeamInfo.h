@@ -14,7 +14,7 @@ struct CollaborationTeamInfo
     std::wstring name;
     std::wstring linkedFolderId;
     std::wstring projectId;
-    CollaborationTeamStatus status = CollaborationTeamStatus::Working;
+    CollaborationTeamStatus status = CollaborationTeamStatus::Working; ///< Working too where the platform's word isn't known
 };
 
 } // namespace orlo

@@ -36,6 +36,7 @@ public:
     /// the caller.
     virtual std::vector<CollaborationSharedDatasetInfo> GetSharedDataSets(ErrorCode& error) = 0;
     virtual std::vector<CollaborationSharedDatasetInfo> GetSharedDataSets() = 0;
+    /// Temporary too where the platform's word isn't known.
     virtual CollaborationShareStatus GetStatus() const = 0;
     virtual std::wstring GetName() const = 0;
     /// The team that shared.

@@ -61,7 +61,7 @@ public:
     virtual std::vector<DatasetInfo> GetTeamDatasetInfos(DatasetStatus status, ErrorCode& error) = 0;
     virtual std::vector<DatasetInfo> GetTeamDatasetInfos(DatasetStatus status) = 0;
     /// The signed-in user's own datasets in the team, in place of what the list held; `Any` lists the drafts here. False, with the list as
-    /// it was, for a team without an id and on failure.   Requests: one.
+    /// it was, for a team without an id and on failure; with an empty one for a success that holds no list.   Requests: one.
     virtual bool GetUserOwnsDatasetsInTeam(const DatasetStatus& status, std::vector<DatasetInfo>& out, ErrorCode& error) = 0;
     virtual bool GetUserOwnsDatasetsInTeam(const DatasetStatus& status, std::vector<DatasetInfo>& out) = 0;
     /// Requests: one.

@@ -53,7 +53,7 @@ namespace HttpClient {
 
 /// Returns: the new team's id; empty on failure.   Requests: one, retried.
 ORLO_PROJECT_API std::wstring createTeam(const std::wstring& name, const std::wstring& projectId);
-/// Empties the list first.   Returns: true for every answer with status 200.   Requests: one, retried.
+/// Empties the list first; the id may be one that it holds.   Returns: true for every answer with status 200.   Requests: one, retried.
 ORLO_PROJECT_API bool getTeamInfosInProject(const std::wstring& projectId, std::vector<CollaborationTeamInfo>& out);
 /// Requests: one, retried.
 ORLO_PROJECT_API bool addUserToTeam(const std::wstring& teamId, const std::wstring& userId);

@@ -11,6 +11,7 @@
 #include <BaseCommon/NeverDestroyed.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace orlo {
 
@@ -50,7 +51,7 @@ bool IssueManager::GetIssueListByDatasetId(const std::string& datasetId, Issues&
     return CallFrame(ORLO_HERE("orlo::IssueManager::GetIssueListByDatasetId")).runDirect(error, [&] {
         if (datasetId.empty())
             return false;
-        out.clear();
+        const Issues before = std::exchange(out, {}); // one of these may hold the id
         web::json::value json;
         return OrloWebService::GetIssuesListByDataSetId(error, json, datasetId, 1) && toIssues(json, out);
     });
@@ -59,7 +60,7 @@ bool IssueManager::GetIssueListByDatasetId(const std::string& datasetId, Issues&
 bool IssueManager::GetIssueListByTeamId(const std::string& teamId, Issues& out, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::IssueManager::GetIssueListByTeamId")).run(error, [&] {
-        out.clear();
+        const Issues before = std::exchange(out, {}); // one of these may hold the id
         const auto json = fetched(&OrloWebService::GetIssuesListByTeamId, error, teamId, 1, false);
         return json && toIssues(*json, out);
     });

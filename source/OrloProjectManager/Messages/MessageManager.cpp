@@ -32,7 +32,7 @@ bool fetchMessages(const CallSite& site, EMessageStatus status, const std::wstri
                    ErrorCode& error)
 {
     return CallFrame(site).run(error, [&] {
-        out.clear();
+        const Messages before = std::exchange(out, {}); // one of these may hold the id
         auto records = fetched(&OrloWebService::GetMessages, error, textOf(status), projectId, datasetId);
         if (!records) {
             log::error(L"fail to get messages");

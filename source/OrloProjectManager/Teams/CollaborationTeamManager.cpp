@@ -9,6 +9,8 @@
 #include <OrloNetwork/WebRequest.h>
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
 
+#include <utility>
+
 namespace orlo {
 
 using Team = ICollaborationTeamManager::Team;
@@ -75,6 +77,7 @@ std::wstring HttpClient::createTeam(const std::wstring& name, const std::wstring
 bool HttpClient::getTeamInfosInProject(const std::wstring& projectId, std::vector<CollaborationTeamInfo>& out)
 {
     return CallFrame(ORLO_HERE("orlo::HttpClient::getTeamInfosInProject")).runAlone([&](ErrorCode& error) {
+        const auto before = std::exchange(out, {}); // one of these may hold the id
         return retried(&OrloWebService::GetTeamsInProject, error, out, projectId);
     });
 }
