@@ -3,12 +3,12 @@
 #include <BaseCommon/Text.h>
 
 #include <rapidjson/reader.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 namespace orlo {
@@ -57,6 +57,11 @@ bool readDouble(std::string_view text, double& number)
     return std::isfinite(number);
 }
 
+bool isWholeNumber(std::string_view text)
+{
+    return std::none_of(text.begin(), text.end(), [](char c) { return c == '.' || c == 'e' || c == 'E'; });
+}
+
 // Stands between the parser and the document: refuses what is nested too deep, for others that read the text after us, repairs the
 // lone surrogates that the parser lets through as escapes, and reads the numbers, which the parser at its full precision gets wrong.
 class ParseGuard : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, ParseGuard>
@@ -73,6 +78,8 @@ public:
         std::int64_t negative = 0;
         std::uint64_t natural = 0;
         double fraction = 0;
+        if (!isWholeNumber(number))
+            return readDouble(number, fraction) && m_target.Double(fraction);
         if (readWhole(number, natural) == std::errc())
             return m_target.Uint64(natural);
         if (readWhole(number, negative) == std::errc())
@@ -86,6 +93,9 @@ public:
     bool EndArray(SizeType count) { return leave() && m_target.EndArray(count); }
     bool String(const char* text, SizeType size, bool /*copy*/)
     {
+        constexpr char firstOfSurrogates = '\xED'; // the text itself is sound, its escapes needn't be
+        if (std::memchr(text, firstOfSurrogates, size) == nullptr)
+            return m_target.String(text, size, false);
         const ValidText valid(text, size);
         return m_target.String(valid.data(), valid.size(), true);
     }
@@ -133,6 +143,8 @@ private:
             m_open.push_back({&value, 0});
         else if (value.IsDouble() && !std::isfinite(value.GetDouble()))
             m_handler.Null(); // only a document made elsewhere can hold one
+        else if (value.IsString())
+            m_handler.String(value.GetString(), value.GetStringLength(), true); // its memory may be that of another document
         else
             value.Accept(m_handler);
     }
@@ -182,17 +194,46 @@ void ValidText::repair()
     m_view = m_repaired;
 }
 
+bool TextWriter::Double(double number)
+{
+    std::array<char, 32> digits;
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    const std::string_view text(digits.data(), static_cast<std::size_t>(end - digits.data()));
+    Prefix(rapidjson::kNumberType);
+    append(text);
+    if (isWholeNumber(text)) // it stays a fraction for those who tell the two apart
+        append(".0");
+    return true;
+}
+
+void TextWriter::raw(std::string_view json)
+{
+    Prefix(rapidjson::kObjectType);
+    append(json);
+}
+
+void TextWriter::append(std::string_view text)
+{
+    std::copy(text.begin(), text.end(), os_->Push(text.size()));
+}
+
 bool parseJson(const std::string& text, Document& out)
 {
-    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+    constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
     // The stream ends at the first NUL, so one inside would hide what follows it. The parser's own check of the encoding reads past the
     // end of a text that stops within a character.
     if (text.size() >= std::numeric_limits<SizeType>::max() || text.find('\0') != std::string::npos || !utils::isValidUtf8(text))
         return false;
+    // The document's texts stay where they are in a copy of the whole; the parser looks at sixteen bytes at a time.
+    constexpr std::size_t beyond = 16;
+    auto* const copy = static_cast<char*>(out.GetAllocator().Malloc(text.size() + beyond));
+    if (copy == nullptr)
+        return false;
+    std::fill_n(std::copy(text.begin(), text.end(), copy), beyond, '\0');
     bool isGood = false;
     auto generate = [&](Document& document) {
         rapidjson::Reader reader;
-        rapidjson::StringStream stream(text.c_str());
+        rapidjson::InsituStringStream stream(copy);
         ParseGuard guard(document);
         isGood = !reader.Parse<flags>(stream, guard).IsError();
         return isGood;
@@ -204,7 +245,7 @@ bool parseJson(const std::string& text, Document& out)
 std::string jsonText(const Value* value)
 {
     rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    TextWriter writer(buffer);
     if (value == nullptr)
         writer.Null();
     else

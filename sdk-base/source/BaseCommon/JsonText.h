@@ -1,6 +1,8 @@
 #pragma once
 
 #include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
 
 #include <limits>
 #include <string>
@@ -28,6 +30,20 @@ private:
 
     std::string_view m_view;
     std::string m_repaired;
+};
+
+/// Writes doubles with the fewest digits that read back as the same value, which the library's own way misses at times.
+class TextWriter : public rapidjson::Writer<rapidjson::StringBuffer>
+{
+public:
+    using Writer::Writer;
+
+    bool Double(double number);
+    /// A value that is JSON already.
+    void raw(std::string_view json);
+
+private:
+    void append(std::string_view text);
 };
 
 /// Reads JSON into the document's memory; the document holds the value only if it returns true. Refuses what is nested deeper than 1000.

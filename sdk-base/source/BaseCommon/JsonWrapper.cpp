@@ -5,6 +5,7 @@
 #include <rapidjson/document.h>
 
 #include <cmath>
+#include <optional>
 
 namespace orlo {
 
@@ -50,37 +51,40 @@ bool findMember(const Value* object, const std::string& key, SizeType& index)
 
 struct JsonWrapper::Root
 {
-    std::unique_ptr<Allocator> ownMemory;
-    Allocator* memory = nullptr;
+    explicit Root(Allocator* given) : memory(given)
+    {
+        if (memory == nullptr)
+            memory = &ownMemory.emplace(poolChunk);
+    }
+
+    std::optional<Allocator> ownMemory;
+    Allocator* memory;
     Value ownValue;
     Value* value = &ownValue;
+    unsigned long long changes = 0;
+
+    /// A document of the caller's may change without our knowledge.
+    bool isOwn() const { return value == &ownValue; }
 };
 
-JsonWrapper::JsonWrapper() : m_root(std::make_shared<Root>())
-{
-    m_root->ownMemory = std::make_unique<Allocator>(poolChunk);
-    m_root->memory = m_root->ownMemory.get();
-}
+JsonWrapper::JsonWrapper() : JsonWrapper(nullptr, rapidjson::kNullType)
+{}
 
 JsonWrapper::JsonWrapper(Document* document)
 {
     if (document == nullptr)
         return;
-    m_root = std::make_shared<Root>();
-    m_root->memory = &document->GetAllocator();
+    m_root = std::make_shared<Root>(&document->GetAllocator());
     m_root->value = document;
 }
 
-JsonWrapper::JsonWrapper(Allocator* allocator, rapidjson::Type type) : JsonWrapper()
+JsonWrapper::JsonWrapper(Allocator* allocator, rapidjson::Type type) : m_root(std::make_shared<Root>(allocator))
 {
-    if (allocator != nullptr) {
-        m_root->ownMemory.reset();
-        m_root->memory = allocator;
-    }
     m_root->ownValue = Value(type);
 }
 
-JsonWrapper::JsonWrapper(const JsonWrapper& parent, unsigned index) : m_root(parent.m_root), m_path(parent.m_path)
+JsonWrapper::JsonWrapper(const JsonWrapper& parent, Value* value, unsigned index)
+    : m_root(parent.m_root), m_path(parent.m_path), m_value(m_root->isOwn() ? value : nullptr), m_changes(m_root->changes)
 {
     m_path.push_back(index);
 }
@@ -93,9 +97,13 @@ JsonWrapper::~JsonWrapper() = default;
 
 Value* JsonWrapper::value() const
 {
-    Value* at = m_root ? m_root->value : nullptr;
-    for (const unsigned index : m_path)
-        at = childAt(at, index);
+    if (m_root == nullptr)
+        return nullptr;
+    if (m_value != nullptr && m_changes == m_root->changes)
+        return m_value;
+    Value* at = m_root->value;
+    for (unsigned i = 0; i < m_path.size(); ++i)
+        at = childAt(at, m_path[i]);
     return at;
 }
 
@@ -112,6 +120,7 @@ bool JsonWrapper::Parse(const std::string& text)
     Document parsed(GetAllocator());
     if (!parseJson(text, parsed))
         return false;
+    ++m_root->changes;
     *target = static_cast<Value&>(parsed);
     return true;
 }
@@ -131,13 +140,14 @@ const Value* JsonWrapper::member(const std::string& key) const
 JsonWrapper JsonWrapper::operator[](const std::string& key) const
 {
     SizeType index = 0;
-    return findMember(value(), key, index) ? JsonWrapper(*this, index) : JsonWrapper(nullptr);
+    Value* const object = value();
+    return findMember(object, key, index) ? JsonWrapper(*this, childAt(object, index), index) : JsonWrapper(nullptr);
 }
 
 bool JsonWrapper::isMovableInto(const JsonWrapper& target) const
 {
-    return m_root != nullptr && target.m_root != nullptr && m_root != target.m_root && m_path.empty() &&
-           m_root->value == &m_root->ownValue && m_root->memory == target.m_root->memory;
+    return m_root != nullptr && target.m_root != nullptr && m_root != target.m_root && m_path.size() == 0 && m_root->isOwn() &&
+           m_root->memory == target.m_root->memory;
 }
 
 bool JsonWrapper::setMember(const std::string& key, Value& newValue)
@@ -146,6 +156,7 @@ bool JsonWrapper::setMember(const std::string& key, Value& newValue)
     Value* object = value();
     if (!name.fits() || object == nullptr || !(object->IsNull() || object->IsObject()))
         return false;
+    ++m_root->changes;
     if (object->IsNull())
         object->SetObject();
     const auto found = object->FindMember(name.reference());
@@ -163,6 +174,7 @@ bool JsonWrapper::append(Value& element)
     Value* array = value();
     if (array == nullptr || !(array->IsNull() || array->IsArray()))
         return false;
+    ++m_root->changes;
     if (array->IsNull())
         array->SetArray();
     array->PushBack(element, *m_root->memory);
@@ -190,7 +202,10 @@ bool JsonWrapper::Add(const std::string& key, const JsonWrapper& other)
 
 bool JsonWrapper::Add(const std::string& key, JsonWrapper&& other)
 {
-    return other.isMovableInto(*this) ? setMember(key, *other.value()) : Add(key, static_cast<const JsonWrapper&>(other));
+    if (!other.isMovableInto(*this))
+        return Add(key, static_cast<const JsonWrapper&>(other));
+    ++other.m_root->changes;
+    return setMember(key, *other.value());
 }
 
 bool JsonWrapper::Add(const JsonWrapper& other)
@@ -200,7 +215,10 @@ bool JsonWrapper::Add(const JsonWrapper& other)
 
 bool JsonWrapper::Add(JsonWrapper&& other)
 {
-    return other.isMovableInto(*this) ? append(*other.value()) : Add(static_cast<const JsonWrapper&>(other));
+    if (!other.isMovableInto(*this))
+        return Add(static_cast<const JsonWrapper&>(other));
+    ++other.m_root->changes;
+    return append(*other.value());
 }
 
 bool JsonWrapper::Add(const std::string& key, int number)
@@ -278,12 +296,18 @@ bool JsonWrapper::GetValueAsString(const std::string& key, std::string& out) con
 bool JsonWrapper::Get(const std::string& key, JsonWrapper& out) const
 {
     SizeType index = 0;
-    return findMember(value(), key, index) && (out = JsonWrapper(*this, index), true);
+    Value* const object = value();
+    return findMember(object, key, index) && (out = JsonWrapper(*this, childAt(object, index), index), true);
 }
 
 bool JsonWrapper::Get(int index, JsonWrapper& out) const
 {
-    return index >= 0 && index < GetArraySize() && (out = JsonWrapper(*this, static_cast<unsigned>(index)), true);
+    Value* const array = value();
+    if (index < 0 || array == nullptr || !array->IsArray())
+        return false;
+    const auto place = static_cast<unsigned>(index);
+    Value* const element = childAt(array, place);
+    return element != nullptr && (out = JsonWrapper(*this, element, place), true);
 }
 
 int JsonWrapper::GetArraySize() const

@@ -4,6 +4,7 @@
 
 #include <rapidjson/fwd.h>
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -88,7 +89,28 @@ public:
 private:
     struct Root;
 
-    JsonWrapper(const JsonWrapper& parent, unsigned index);
+    // Steps from the root, as positions. Most places are near it.
+    class Path
+    {
+    public:
+        unsigned size() const { return m_size; }
+        unsigned operator[](unsigned i) const { return i < m_near.size() ? m_near[i] : m_far[i - m_near.size()]; }
+        void push_back(unsigned step)
+        {
+            if (m_size < m_near.size())
+                m_near[m_size] = step;
+            else
+                m_far.push_back(step);
+            ++m_size;
+        }
+
+    private:
+        unsigned m_size = 0;
+        std::array<unsigned, 7> m_near{};
+        std::vector<unsigned> m_far;
+    };
+
+    JsonWrapper(const JsonWrapper& parent, rapidjson::Value* value, unsigned index);
     rapidjson::Value* value() const;
     const rapidjson::Value* member(const std::string& key) const;
     bool isMovableInto(const JsonWrapper& target) const;
@@ -96,8 +118,11 @@ private:
     bool append(rapidjson::Value& element);
 
     std::shared_ptr<Root> m_root;
-    // Steps from the root, as positions. Pointers would go stale when an object or array grows; positions don't, as nothing is removed.
-    std::vector<unsigned> m_path;
+    // Pointers go stale when an object or array grows; positions don't, as nothing is removed.
+    Path m_path;
+    // What they lead to, for as long as nothing has changed since then.
+    rapidjson::Value* m_value = nullptr;
+    unsigned long long m_changes = 0;
 };
 
 } // namespace orlo

@@ -1,13 +1,8 @@
 #include "AxisCurve.h"
 
 #include "../NetworkProject/Design/ConfigTexts.h"
+#include "JsonSink.h"
 #include "Point3dMath.h"
-
-#include <BaseCommon/JsonWrapper.h>
-
-#include <rapidjson/rapidjson.h>
-
-#include <utility>
 
 namespace orlo {
 
@@ -89,11 +84,10 @@ double readNumberOr(const JsonWrapper& in, const std::string& key, double otherw
     return readOr<double>(&JsonWrapper::Get, in, key, otherwise);
 }
 
-void addPoint(JsonWrapper& out, const std::string& key, const Point3d& point)
+template <class Out>
+void addPoint(Out& out, const std::string& key, const Point3d& point)
 {
-    JsonWrapper object(out.GetAllocator(), rapidjson::kObjectType);
-    point.SerializeToJson(object);
-    out.Add(key, std::move(object));
+    addObject(out, key, [&](Out& object) { addCoordinates(object, point); });
 }
 
 /// What a point lacks stays as it was.   Returns: false if there is no such member.
@@ -114,7 +108,8 @@ CurveType storedCurveType(const JsonWrapper& in)
     return readText(in, curveTypeKey, text) ? curveTypeTexts().valueOf(text) : CurveType::Line;
 }
 
-bool AxisCurveState::write(JsonWrapper& out, CurveType type) const
+template <class Out>
+bool AxisCurveState::write(Out& out, CurveType type) const
 {
     out.Add(curveTypeKey, utils::toString(curveTypeTexts().textOf(type)));
     out.Add(curveIdKey, utils::toString(id));
@@ -142,7 +137,8 @@ bool AxisCurveState::read(const JsonWrapper& in, CurveType type)
     return true;
 }
 
-bool AxisLine::SerializeToJson(JsonWrapper& out)
+template <class Out>
+bool AxisLine::tell(Out& out) const
 {
     const bool isWhole = writeShared(out) && isFinite(m_startPt) && isFinite(m_endPt);
     // Both are told as the points give them, whatever direction the line was given.
@@ -150,10 +146,10 @@ bool AxisLine::SerializeToJson(JsonWrapper& out)
     out.Add(lenKey, dir.length());
     dir.normalize();
     addPoint(out, dirKey, dir);
-    JsonWrapper curve(out.GetAllocator(), rapidjson::kObjectType);
-    addPoint(curve, startPtKey, m_startPt);
-    addPoint(curve, endPtKey, m_endPt);
-    out.Add(curveKey, std::move(curve));
+    addObject(out, curveKey, [this](Out& curve) {
+        addPoint(curve, startPtKey, m_startPt);
+        addPoint(curve, endPtKey, m_endPt);
+    });
     return isWhole;
 }
 
@@ -168,14 +164,15 @@ bool AxisLine::DeserializeFromJson(const JsonWrapper& in)
     return true;
 }
 
-bool AxisArc::SerializeToJson(JsonWrapper& out)
+template <class Out>
+bool AxisArc::tell(Out& out) const
 {
     const bool isWhole = writeShared(out) && isFinite(m_startPt) && isFinite(m_endPt) && isFinite(m_middlePt);
-    JsonWrapper curve(out.GetAllocator(), rapidjson::kObjectType);
-    addPoint(curve, startPtKey, m_startPt);
-    addPoint(curve, endPtKey, m_endPt);
-    addPoint(curve, middlePtKey, m_middlePt);
-    out.Add(curveKey, std::move(curve));
+    addObject(out, curveKey, [this](Out& curve) {
+        addPoint(curve, startPtKey, m_startPt);
+        addPoint(curve, endPtKey, m_endPt);
+        addPoint(curve, middlePtKey, m_middlePt);
+    });
     return isWhole;
 }
 
@@ -191,5 +188,10 @@ bool AxisArc::DeserializeFromJson(const JsonWrapper& in)
     }
     return true;
 }
+
+template bool AxisLine::tell(JsonWrapper& out) const;
+template bool AxisLine::tell(JsonWriter& out) const;
+template bool AxisArc::tell(JsonWrapper& out) const;
+template bool AxisArc::tell(JsonWriter& out) const;
 
 } // namespace orlo

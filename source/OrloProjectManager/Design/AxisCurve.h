@@ -7,10 +7,24 @@
 
 namespace orlo {
 
+class JsonWriter;
+
+/// What the library's own curves offer beside their interface.
+class IStoredCurve
+{
+public:
+    /// The members of the stored form, as SerializeToJson adds them, as text at once.
+    virtual bool write(JsonWriter& out) const = 0;
+
+protected:
+    ~IStoredCurve() = default;
+};
+
 /// What lines and arcs have in common, with its stored form.
 struct AxisCurveState
 {
-    bool write(JsonWrapper& out, CurveType type) const;
+    template <class Out>
+    bool write(Out& out, CurveType type) const;
     /// Returns: false for a curve of another type, and without an id or a name. Every other member has a value for where it is missing.
     bool read(const JsonWrapper& in, CurveType type);
 
@@ -35,7 +49,7 @@ CurveType storedCurveType(const JsonWrapper& in);
 
 /// Everything of a curve that lines and arcs have alike.
 template <class Interface>
-class AxisCurve : public Interface
+class AxisCurve : public Interface, public IStoredCurve
 {
 public:
     std::wstring GetId() override
@@ -71,7 +85,11 @@ public:
     void SetMax(double value) override { m_state.max = value; }
 
 protected:
-    bool writeShared(JsonWrapper& out) const { return m_state.write(out, this->GetCurveType()); }
+    template <class Out>
+    bool writeShared(Out& out) const
+    {
+        return m_state.write(out, this->GetCurveType());
+    }
     bool readShared(const JsonWrapper& in) { return m_state.read(in, this->GetCurveType()); }
     double startExt() const { return m_state.startExt; }
 
@@ -89,10 +107,14 @@ public:
     const Point3d& GetDir() const override { return m_dir; }
     void SetDir(const Point3d& direction) override { m_dir = direction; }
     double GetExt() const override { return startExt(); }
-    bool SerializeToJson(JsonWrapper& out) override;
+    bool SerializeToJson(JsonWrapper& out) override { return tell(out); }
+    bool write(JsonWriter& out) const override { return tell(out); }
     bool DeserializeFromJson(const JsonWrapper& in) override;
 
 private:
+    template <class Out>
+    bool tell(Out& out) const;
+
     Point3d m_startPt;
     Point3d m_endPt;
     Point3d m_dir;
@@ -108,10 +130,14 @@ public:
     void SetEndPt(const Point3d& point) override { m_endPt = point; }
     const Point3d& GetMiddlePt() const override { return m_middlePt; }
     void SetMiddlePt(const Point3d& point) override { m_middlePt = point; }
-    bool SerializeToJson(JsonWrapper& out) override;
+    bool SerializeToJson(JsonWrapper& out) override { return tell(out); }
+    bool write(JsonWriter& out) const override { return tell(out); }
     bool DeserializeFromJson(const JsonWrapper& in) override;
 
 private:
+    template <class Out>
+    bool tell(Out& out) const;
+
     Point3d m_startPt;
     Point3d m_endPt;
     Point3d m_middlePt;

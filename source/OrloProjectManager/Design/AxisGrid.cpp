@@ -1,12 +1,10 @@
 #include "AxisGrid.h"
 
 #include "AxisCurve.h"
+#include "JsonSink.h"
 #include "Point3dMath.h"
 
-#include <BaseCommon/JsonWrapper.h>
 #include <OrloLogging/Log.h>
-
-#include <rapidjson/rapidjson.h>
 
 #include <cmath>
 #include <utility>
@@ -41,7 +39,7 @@ void AxisGrid::AddCurve(std::shared_ptr<IAxisCurve> curve)
     if (!curve)
         return;
     std::wstring id = curve->GetId();
-    m_curves.insert_or_assign(std::move(id), std::move(curve));
+    m_curves.insert_or_assign(m_curves.end(), std::move(id), std::move(curve)); // stored grids are in this order
 }
 
 void AxisGrid::RemoveCurve(const std::wstring& id)
@@ -131,35 +129,62 @@ bool AxisGrid::LoadLinesAndArcs(const JsonWrapper& data)
     return hasLines && hasArcs && !isFull();
 }
 
-bool AxisGrid::SerializeToJson(JsonWrapper& out)
+namespace {
+
+bool addCurve(JsonWrapper& array, IAxisCurve& curve)
 {
+    JsonWrapper object(array.GetAllocator(), rapidjson::kObjectType);
+    const bool isWhole = curve.SerializeToJson(object);
+    array.Add(std::move(object));
+    return isWhole;
+}
+
+bool addCurve(JsonWriter& array, IAxisCurve& curve)
+{
+    const auto* const own = dynamic_cast<const IStoredCurve*>(&curve);
+    if (!own) { // a class of the host's
+        JsonWrapper object(nullptr, rapidjson::kObjectType);
+        const bool isWhole = curve.SerializeToJson(object);
+        array.Add(object);
+        return isWhole;
+    }
+    array.StartObject();
+    const bool isWhole = own->write(array);
+    array.EndObject();
+    return isWhole;
+}
+
+} // namespace
+
+template <class Out>
+bool AxisGrid::tell(Out& out)
+{
+    if (m_id.empty())
+        m_id = utils::toString(utils::generateGuid());
+    std::map<CurveType, std::vector<IAxisCurve*>> curves;
+    for (IAxisCurve* const curve : GetCurves())
+        curves[curve->GetCurveType()].push_back(curve);
+    bool areWhole = true;
+    const auto addCurves = [&](Out& axis, const char* key, CurveType type) {
+        addArray(axis, key, [&](Out& array) {
+            for (IAxisCurve* const curve : curves[type])
+                areWhole = addCurve(array, *curve) && areWhole;
+        });
+    };
     out.Add("appKey", "BIM-MODEL");
     out.Add("schemaVersion", 3);
     out.Add("schemaKey", "GridConfig");
-
-    const auto fresh = [&out](rapidjson::Type type) { return JsonWrapper(out.GetAllocator(), type); };
-    JsonWrapper lines = fresh(rapidjson::kArrayType);
-    JsonWrapper arcs = fresh(rapidjson::kArrayType);
-    bool isWhole = true;
-    for (const auto& [id, curve] : m_curves) {
-        JsonWrapper object = fresh(rapidjson::kObjectType);
-        isWhole = curve->SerializeToJson(object) && isWhole;
-        const CurveType type = curve->GetCurveType();
-        if (type == CurveType::Line)
-            lines.Add(std::move(object));
-        else if (type == CurveType::Arc)
-            arcs.Add(std::move(object));
-    }
-    JsonWrapper axis = fresh(rapidjson::kObjectType);
-    axis.Add("lines", std::move(lines));
-    axis.Add("arcs", std::move(arcs));
-    if (m_id.empty())
-        m_id = utils::toString(utils::generateGuid());
-    JsonWrapper data = fresh(rapidjson::kObjectType);
-    data.Add("axis", std::move(axis));
-    data.Add("id", m_id);
-    out.Add("data", std::move(data));
-    return isWhole;
+    addObject(out, "data", [&](Out& data) {
+        addObject(data, "axis", [&](Out& axis) {
+            addCurves(axis, "lines", CurveType::Line);
+            addCurves(axis, "arcs", CurveType::Arc);
+        });
+        data.Add("id", m_id);
+    });
+    return areWhole;
 }
+
+template bool AxisGrid::tell(JsonWrapper& out);
+template bool AxisGrid::tell(JsonWriter& out);
 
 } // namespace orlo

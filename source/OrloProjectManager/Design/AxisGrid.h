@@ -11,6 +11,8 @@
 
 namespace orlo {
 
+class JsonWriter;
+
 class AxisGrid final : public IAxisGrid
 {
 public:
@@ -24,7 +26,9 @@ public:
     double GetDistance(const std::wstring& a, const std::wstring& b) const override;
     int GetVersion() const override { return m_version; }
     std::string GetId() const override { return m_id; }
-    bool SerializeToJson(JsonWrapper& out) override;
+    bool SerializeToJson(JsonWrapper& out) override { return tell(out); }
+    /// The same as text at once.
+    bool write(JsonWriter& out) { return tell(out); }
     bool LoadLinesAndArcs(const JsonWrapper& data) override;
 
     /// Adds the curves of an array, each of the kind that it tells itself. One that breaks off half way is there with what it got.
@@ -35,6 +39,8 @@ public:
 
 private:
     bool loadCurve(const JsonWrapper& in);
+    template <class Out>
+    bool tell(Out& out);
 
     std::map<std::wstring, std::shared_ptr<IAxisCurve>> m_curves;
     int m_version = 0;

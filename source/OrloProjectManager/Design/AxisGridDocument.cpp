@@ -1,6 +1,7 @@
 #include "AxisGrid.h"
 
 #include <BaseCommon/JsonWrapper.h>
+#include <BaseCommon/JsonWriter.h>
 #include <BaseCommon/Text.h>
 #include <OrloLogging/Log.h>
 
@@ -98,9 +99,12 @@ std::shared_ptr<IAxisGrid> parseAxisGrid(const std::string& answer)
 
 std::optional<std::string> axisGridDocument(IAxisGrid& grid)
 {
+    if (auto* const own = dynamic_cast<AxisGrid*>(&grid)) {
+        JsonWriter text;
+        return own->write(text) ? std::optional(text.Done()) : std::nullopt;
+    }
     JsonWrapper document;
-    const bool isWhole = grid.SerializeToJson(document);
-    return isWhole ? std::optional(document.ToString()) : std::nullopt;
+    return grid.SerializeToJson(document) ? std::optional(document.ToString()) : std::nullopt;
 }
 
 } // namespace orlo

@@ -1,6 +1,7 @@
 #include "Point3dMath.h"
 
 #include <BaseCommon/JsonWrapper.h>
+#include <BaseCommon/JsonWriter.h>
 #include <OrloProjectManager/Design/Point3d.h>
 
 #include <cmath>
@@ -38,11 +39,20 @@ void Point3d::normalize()
 
 bool Point3d::SerializeToJson(JsonWrapper& out) const
 {
-    out.Add(xKey, x);
-    out.Add(yKey, y);
-    out.Add(zKey, z);
+    addCoordinates(out, *this);
     return true;
 }
+
+template <class Out>
+void addCoordinates(Out& out, const Point3d& point)
+{
+    out.Add(xKey, point.x);
+    out.Add(yKey, point.y);
+    out.Add(zKey, point.z);
+}
+
+template void addCoordinates(JsonWrapper& out, const Point3d& point);
+template void addCoordinates(JsonWriter& out, const Point3d& point);
 
 bool Point3d::DeserializeFromJson(const JsonWrapper& in)
 {
