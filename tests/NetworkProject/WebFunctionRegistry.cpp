@@ -139,6 +139,9 @@ const std::vector<WebFunction>& webFunctions()
         {"UpdateProjectConfig", L"", plain(&UpdateProjectConfig, L"{}", L"project", ConfigType::GridConfig), Body::unread},
         {"GetSpaceConfig", L"E [ORLOSDK]Project::GetSpaceConfig - code:", into(&GetSpaceConfig, L"project", 1)},
         {"GetSpaceConfigVersions", L"E [ORLOSDK]Project::GetSpaceConfigVersions - code:", into(&GetSpaceConfigVersions, L"project")},
+        {"GetAxisGridConfig", L"E [ORLOSDK]Project::GetAxisGridConfig - code:", into(&GetAxisGridConfig, L"project", 1), Body::unread},
+        {"GetAxisGridConfigVersions", L"E [ORLOSDK]Project::GetAxisGridConfigVersions - code:",
+         into(&GetAxisGridConfigVersions, L"project")},
         // Files
         {"CreateFileDatasetRelationship", L"E [ORLOSDK]OrloWebService::CreateFileDatasetRelationship - code:",
          plain(&CreateFileDatasetRelationship, "dataset", 1, "drawing", 1), Body::unread, Way::tellsMessage},

@@ -300,6 +300,49 @@ TEST(SlotOrder, ofAProjectsItemConfigurationsAndComponents)
     EXPECT_EQ(virtualSlot<bool (P::*)(Ids)>(&P::AddComponentsWithIds), 67u);
 }
 
+TEST(SlotOrder, ofAnAxisCurve)
+{
+    using C = IAxisCurve;
+    expectSlotsBehindDestructor(&C::GetCurveType, &C::SerializeToJson, &C::DeserializeFromJson, &C::GetId, &C::SetId, &C::GetName,
+                                &C::SetName, &C::GetStartTagVis, &C::SetStartTagVis, &C::GetEndTagVis, &C::SetEndTagVis, &C::GetStartExt,
+                                &C::SetStartExt, &C::GetEndExt, &C::SetEndExt, &C::GetStartElbowLength, &C::SetStartElbowLength,
+                                &C::GetEndElbowLength, &C::SetEndElbowLength, &C::GetVerticalMin, &C::SetVerticalMin, &C::GetVerticalMax,
+                                &C::SetVerticalMax, &C::GetDiameter, &C::SetDiameter, &C::GetMin, &C::SetMin, &C::GetMax, &C::SetMax);
+}
+
+// Lines and arcs share the table of their virtual base, and their own operations stand behind its 31 places.
+
+TEST(SlotOrder, ofAnAxisLine)
+{
+    using L = IAxisLine;
+    EXPECT_EQ(virtualSlot(&IAxisCurve::SetMax), 30u);
+    EXPECT_EQ(virtualSlot(&L::GetStartPt), 31u);
+    EXPECT_EQ(virtualSlot(&L::SetStartPt), 32u);
+    EXPECT_EQ(virtualSlot(&L::GetEndPt), 33u);
+    EXPECT_EQ(virtualSlot(&L::SetEndPt), 34u);
+    EXPECT_EQ(virtualSlot(&L::GetDir), 35u);
+    EXPECT_EQ(virtualSlot(&L::SetDir), 36u);
+    EXPECT_EQ(virtualSlot(&L::GetExt), 37u);
+}
+
+TEST(SlotOrder, ofAnAxisArc)
+{
+    using A = IAxisArc;
+    EXPECT_EQ(virtualSlot(&A::GetStartPt), 31u);
+    EXPECT_EQ(virtualSlot(&A::SetStartPt), 32u);
+    EXPECT_EQ(virtualSlot(&A::GetEndPt), 33u);
+    EXPECT_EQ(virtualSlot(&A::SetEndPt), 34u);
+    EXPECT_EQ(virtualSlot(&A::GetMiddlePt), 35u);
+    EXPECT_EQ(virtualSlot(&A::SetMiddlePt), 36u);
+}
+
+TEST(SlotOrder, ofAnAxisGrid)
+{
+    using G = IAxisGrid;
+    expectSlotsBehindDestructor(&G::GetCurves, &G::GetCurve, &G::AddCurve, &G::RemoveCurve, &G::GetDistance, &G::GetVersion, &G::GetId,
+                                &G::SerializeToJson, &G::LoadLinesAndArcs);
+}
+
 TEST(SlotOrder, ofACollaborationFile)
 {
     using F = ICollaborationFile;
