@@ -12,7 +12,7 @@ const char* const UploadFileJobEntity::jobTypeKey = "E6FDB37F - 39D1 - 4BDD - A8
 
 namespace {
 
-const JobEntityRegistration registration(UploadFileJobEntity::jobTypeKey, [] { return std::make_shared<UploadFileJobEntity>(); });
+const JobEntityRegistration fileJobRegistration(UploadFileJobEntity::jobTypeKey, [] { return std::make_shared<UploadFileJobEntity>(); });
 
 constexpr const wchar_t* className = L"UploadFileJobEntity";
 

@@ -12,7 +12,8 @@ const char* const UploadModuleJobEntity::jobTypeKey = "0F9C4B72 - B885 - BCD8 - 
 
 namespace {
 
-const JobEntityRegistration registration(UploadModuleJobEntity::jobTypeKey, [] { return std::make_shared<UploadModuleJobEntity>(); });
+const JobEntityRegistration moduleJobRegistration(UploadModuleJobEntity::jobTypeKey,
+                                                  [] { return std::make_shared<UploadModuleJobEntity>(); });
 
 constexpr int moduleUploaded = 4;
 
