@@ -51,6 +51,15 @@ TEST(ConfigTypeTexts, readFourTextsBack)
     EXPECT_EQ(static_cast<int>(configTypeTexts().valueOf(L"Coordinate")), 5);
 }
 
+TEST(SchemaKeyTexts, areThoseOfTheConfigurationsOfItems)
+{
+    const wchar_t* const texts[] = {L"SubItem", L"ElevationSet", L"GridConfig", L"Coordinate"};
+    for (int value = 2; value < 6; ++value)
+        EXPECT_EQ(schemaKeyTexts().textOf(static_cast<ConfigType>(value)), texts[value - 2]) << value;
+    for (const int value : {-1, 0, 1, 6})
+        EXPECT_FALSE(schemaKeyTexts().knows(static_cast<ConfigType>(value))) << value;
+}
+
 TEST(ConfigTypes, haveTheNumbersThatHostsStore)
 {
     EXPECT_EQ(static_cast<int>(ConfigType::SpaceConfig), 0);

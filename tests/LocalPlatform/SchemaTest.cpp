@@ -28,7 +28,7 @@ TEST(Schema, ItsVersionStandsInTheFile)
     {
         const LocalPlatform platform(Options{data, 0, false});
     }
-    EXPECT_EQ(schemaVersion(data + "/platform.db"), 6);
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 7);
 }
 
 TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
@@ -46,8 +46,9 @@ TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
         EXPECT_EQ(jsonText(demo.get("/v2/datasets/d1/version/1").body, "data.dataSetSourceFile"), "old.zok");
         platform.change(addFile, "new.zok", "bytes");
         EXPECT_EQ(demo.put("/dataset/d1/version?sourceFile=new.zok", "{}").status, 200);
+        EXPECT_EQ(demo.post("/v2/p1/sub_item/0", "{}").status, 200);
     }
-    EXPECT_EQ(schemaVersion(data + "/platform.db"), 6);
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 7);
 }
 
 TEST(Schema, DataOfANewerProgramIsLeftAlone)

@@ -85,5 +85,33 @@ TEST_F(VersionRoutes, AVersionIsMarkedAsPublished)
     EXPECT_EQ(demo().post("/datasets/none/1/markPublish", R"({"description":""})").status, 404);
 }
 
+TEST_F(VersionRoutes, AVersionKeepsAValueForEachKey)
+{
+    demo().put("/dataset/d1/version?sourceFile=a", "{}");
+    EXPECT_EQ(demo().get("/version/1/meta?key=SpaceConfigVersion").status, 404);
+    EXPECT_THAT(demo().post("/version/1/meta", R"({"SpaceConfigVersion":"3"})").body, IsJson(enveloped("null")));
+    EXPECT_EQ(demo().post("/version/1/meta", R"({"AxisGridVersions":"{\"轴\":[1,2]}"})").status, 200);
+    EXPECT_EQ(demo().get("/version/1/meta?key=SpaceConfigVersion").body, "3") << "the bare text";
+    EXPECT_EQ(demo().get("/version/1/meta?key=AxisGridVersions").body, R"({"轴":[1,2]})");
+    EXPECT_EQ(demo().post("/version/1/meta", R"({"SpaceConfigVersion":""})").status, 200);
+    EXPECT_EQ(demo().get("/version/1/meta?key=SpaceConfigVersion").status, 200);
+    EXPECT_EQ(demo().get("/version/1/meta?key=SpaceConfigVersion").body, "");
+}
+
+TEST_F(VersionRoutes, MetadataOfNoVersionOrOfMoreThanOneMemberIsRefused)
+{
+    demo().put("/dataset/d1/version?sourceFile=a", "{}");
+    for (const char* body : {"", "{}", "[]", "7", R"({"a":1})", R"({"a":null})", R"({"a":{}})", R"({"a":"1","b":"2"})",
+                             R"({"a":"1","a":"2"})", R"({"":"1"})", R"(["a"])"})
+        EXPECT_EQ(demo().post("/version/1/meta", body).status, 400) << body;
+    EXPECT_EQ(demo().get("/version/1/meta?key=a").status, 404);
+    EXPECT_EQ(demo().get("/version/1/meta?key=").status, 400);
+    EXPECT_EQ(demo().get("/version/1/meta").status, 400);
+    EXPECT_EQ(demo().get("/version/2/meta?key=a").status, 404);
+    EXPECT_EQ(demo().post("/version/2/meta", R"({"a":"1"})").status, 404);
+    EXPECT_EQ(demo().get("/version/x/meta?key=a").status, 400);
+    EXPECT_EQ(nobody().get("/version/1/meta?key=a").status, 401);
+}
+
 } // namespace
 } // namespace orlo::platform::test

@@ -1,5 +1,6 @@
 #include "WebFunctionRegistry.h"
 
+#include <OrloProjectManager/NetworkProject/Design/BuildingItemWeb.h>
 #include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
 #include <OrloProjectManager/NetworkProject/Issues/IssueWeb.h>
 #include <OrloProjectManager/NetworkProject/Messages/MessageWeb.h>
@@ -61,6 +62,13 @@ bool applyToRead(ErrorCode& error)
     DatasetPermissionFailure failure;
     std::string token;
     return ApplyForReadDataset(error, failure, token, "dataset");
+}
+
+bool latestConfig(ErrorCode& error)
+{
+    std::vector<ProjectItemConfig> items;
+    int revision = 0;
+    return GetLatestConfigByProjectIdAndOwnerId(error, items, &revision, L"item", L"project", ConfigType::Coordinate);
 }
 
 } // namespace
@@ -142,6 +150,28 @@ const std::vector<WebFunction>& webFunctions()
         {"GetAxisGridConfig", L"E [ORLOSDK]Project::GetAxisGridConfig - code:", into(&GetAxisGridConfig, L"project", 1), Body::unread},
         {"GetAxisGridConfigVersions", L"E [ORLOSDK]Project::GetAxisGridConfigVersions - code:",
          into(&GetAxisGridConfigVersions, L"project")},
+        // Building items
+        {"AddBuildingItem", L"E [ORLOSDK]Project::AddBuildingItem - code:", into(&AddBuildingItem, L"project", 1, L"{}")},
+        {"UpdateBuildingItem", L"E [ORLOSDK]Project::UpdateBuildingItem - code:", plain(&UpdateBuildingItem, L"project", 1, L"item", L"{}"),
+         Body::unread},
+        {"DeleteBuildingItem", L"E [ORLOSDK]Project::DeleteBuildingItem - code:", plain(&DeleteBuildingItem, L"project", 1, L"item"),
+         Body::unread},
+        {"GetBuildingItems", L"E [ORLOSDK]Project::GetBuildingItems - code:", into(&GetBuildingItems, L"project", 1)},
+        {"GetBuildingItem", L"E [ORLOSDK]Project::GetBuildingItem - code:", into(&GetBuildingItem, L"project", L"item", 1)},
+        {"GetLatestBuildingItem", L"E [ORLOSDK]Project::GetLatestBuildingItem - code:", into(&GetLatestBuildingItem, L"project", L"item")},
+        {"GetLatestConfigByProjectIdAndOwnerId", L"E [ORLOSDK]Project::GetLatestConfigByProjectIdAndOwnerId - code:", latestConfig},
+        {"GetProjectItemConfig", L"E [ORLOSDK]Project::GetProjectItemConfig - code:",
+         into(&GetProjectItemConfig, L"project", L"item", ConfigType::Coordinate, 1)},
+        {"CreateProjectItemConfig", L"E [ORLOSDK]Project::CreateProjectItemConfig - code:",
+         plain(&CreateProjectItemConfig, L"project", L"item", ConfigType::Coordinate, L"{}"), Body::unread},
+        {"UpdateProjectItemConfig", L"E [ORLOSDK]Project::UpdateProjectItemConfig - code:",
+         plain(&UpdateProjectItemConfig, L"project", L"item", ConfigType::Coordinate, 1, L"{}"), Body::unread},
+        {"AssociateDatasetAndBuildingItem", L"E [ORLOSDK]Project::AssociateDatasetAndBuildingItem - code:",
+         plain(&AssociateDatasetAndBuildingItem, L"project", L"dataset", L"item"), Body::unread},
+        {"GetBuildingItemIdsByDatasetId", L"E [ORLOSDK]Project::GetBuildingItemIdsByDatasetId - code:",
+         into(&GetBuildingItemIdsByDatasetId, L"project", L"dataset")},
+        {"GetDatasetIdsByBuildingItemId", L"E [ORLOSDK]Project::GetDatasetIdsByBuildingItemId - code:",
+         into(&GetDatasetIdsByBuildingItemId, L"project", L"item")},
         // Files
         {"CreateFileDatasetRelationship", L"E [ORLOSDK]OrloWebService::CreateFileDatasetRelationship - code:",
          plain(&CreateFileDatasetRelationship, "dataset", 1, "drawing", 1), Body::unread, Way::tellsMessage},

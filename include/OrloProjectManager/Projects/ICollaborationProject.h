@@ -133,33 +133,63 @@ public:
     virtual DatasetInfo CreateDatasetById(const std::wstring& name, const std::wstring& teamId, const std::wstring& specialtyId,
                                           const std::wstring& ownerId, const std::string& datasetId) = 0;
 
+    // Building items: parts of the project's design, each with versions of its own and up to three configurations. All items of a project
+    // move under one revision. A writer names the one that it has read, from GetLatestBuildingItems; a stale one the platform refuses.
+    // An item's ids are the platform's and opaque, contents are the host's JSON.
+    //
+    // All that follow: Returns: false on failure, with what they would fill left as it was.   Errors: 0xE8000002 transport or exception; a
+    // negative value with the platform's answer as message for an error status; none for another status than 200 and for an answer
+    // without its data.   Requests: one, retried.   Threads: one at a time.
+    //
+    // Forms with an HttpMessage, in place of an ErrorCode, fill it with the platform's code and words, as for a stale revision; it stays
+    // as it was where the platform says nothing.
+
+    /// The items as they are now, with the revision for the next writer; 0 where there is none.
+    /// Returns: false too where the platform tells no revision. After a failure there are no items, and the revision is -1.
     virtual bool GetLatestBuildingItems(std::vector<ProjectItemConfig>& items, int& revision, ErrorCode& error) = 0;
     virtual bool GetLatestBuildingItems(std::vector<ProjectItemConfig>& items, int& revision) = 0;
+    /// Appends the items as they were at a revision.
     virtual bool GetBuildingItems(std::vector<ProjectItemConfig>& items, int revision, ErrorCode& error) = 0;
     virtual bool GetBuildingItems(std::vector<ProjectItemConfig>& items, int revision) = 0;
-    /// The forms of the writing operations without an ErrorCode hand over the platform's words instead.
+    /// Adds an item.
+    /// subItemId: filled with the new item's.   Returns: false too where the platform doesn't tell it.
+    /// Errors: also 0xE8000001 a content that is no JSON or nested deeper than 1000, nothing is sent. An attempt whose answer was lost
+    /// may have been carried out; its repetition is refused then, since the revision is another.
     virtual bool AddBuildingItem(std::wstring& subItemId, int revision, const std::wstring& content, ErrorCode& error) = 0;
     virtual bool AddBuildingItem(http::HttpMessage& message, std::wstring& subItemId, int revision, const std::wstring& content) = 0;
+    /// Gives an item a new version.   Errors: as AddBuildingItem.
     virtual bool UpdateBuildingItem(int revision, const std::wstring& subItemId, const std::wstring& content, ErrorCode& error) = 0;
     virtual bool UpdateBuildingItem(http::HttpMessage& message, int revision, const std::wstring& subItemId,
                                     const std::wstring& content) = 0;
+    /// Takes an item out of the project.
     virtual bool DeleteBuildingItem(int revision, const std::wstring& subItemId, ErrorCode& error) = 0;
     virtual bool DeleteBuildingItem(http::HttpMessage& message, int revision, const std::wstring& subItemId) = 0;
+    /// Binds a dataset to an item.
     virtual bool AssociateDatasetAndBuildingItem(const std::wstring& datasetId, const std::wstring& subItemId, ErrorCode& error) = 0;
     virtual bool AssociateDatasetAndBuildingItem(const std::wstring& datasetId, const std::wstring& subItemId) = 0;
+    /// Appends the ids of the items to which a dataset is bound.
     virtual bool GetBuildingItemIdsByDatasetId(std::vector<std::wstring>& ids, const std::wstring& datasetId, ErrorCode& error) = 0;
     virtual bool GetBuildingItemIdsByDatasetId(std::vector<std::wstring>& ids, const std::wstring& datasetId) = 0;
+    /// Appends the ids of the datasets that are bound to an item.
     virtual bool GetDatasetIdsByBuildingItemId(std::vector<std::wstring>& ids, const std::wstring& subItemId, ErrorCode& error) = 0;
     virtual bool GetDatasetIdsByBuildingItemId(std::vector<std::wstring>& ids, const std::wstring& subItemId) = 0;
+    /// The newest version of an item, for the type SubItem, or of one of its configurations.
+    /// Returns: false too where the platform knows no such configuration, or several.
     virtual bool GetLatestProjectItemConfig(ProjectItemConfig& config, const std::wstring& subItemId, ConfigType type,
                                             ErrorCode& error) = 0;
     virtual bool GetLatestProjectItemConfig(ProjectItemConfig& config, const std::wstring& subItemId, ConfigType type) = 0;
+    /// One version of an item, for the type SubItem, or of one of its configurations.
     virtual bool GetProjectItemConfig(ProjectItemConfig& config, const std::wstring& subItemId, ConfigType type, int version,
                                       ErrorCode& error) = 0;
     virtual bool GetProjectItemConfig(ProjectItemConfig& config, const std::wstring& subItemId, ConfigType type, int version) = 0;
+    /// Gives an item its first configuration of a type: ItemElevationSet, ItemGridConfig or Coordinate.
+    /// Errors: also 0xE8000001 a content that is no JSON or nested deeper than 1000, nothing is sent.
     virtual bool CreateProjectItemConfig(const std::wstring& subItemId, ConfigType type, const std::wstring& content, ErrorCode& error) = 0;
     virtual bool CreateProjectItemConfig(http::HttpMessage& message, const std::wstring& subItemId, ConfigType type,
                                          const std::wstring& content) = 0;
+    /// Gives a configuration of an item a new version.
+    /// version: the one that was read.   Errors: as CreateProjectItemConfig, and 0xE8000001 for SubItem and the types of a project itself,
+    /// nothing is sent. Items are written by UpdateBuildingItem.
     virtual bool UpdateProjectItemConfig(const std::wstring& subItemId, ConfigType type, int version, const std::wstring& content,
                                          ErrorCode& error) = 0;
     virtual bool UpdateProjectItemConfig(http::HttpMessage& message, const std::wstring& subItemId, ConfigType type, int version,

@@ -24,6 +24,7 @@ void addRoutes(Router& router)
     addShareControls(router);
     addShareRoutes(router);
     addIssueRoutes(router);
+    addItemRoutes(router);
     addMessageRoutes(router);
     addTranslationRoutes(router);
     addServerControls(router);

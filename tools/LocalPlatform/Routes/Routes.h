@@ -30,6 +30,7 @@ void addTeamRoutes(Router& router);
 void addShareControls(Router& router);
 void addShareRoutes(Router& router);
 void addIssueRoutes(Router& router);
+void addItemRoutes(Router& router);
 void addMessageRoutes(Router& router);
 void addTranslationRoutes(Router& router);
 void addServerControls(Router& router);

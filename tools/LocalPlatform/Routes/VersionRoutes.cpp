@@ -155,6 +155,36 @@ Answer markPublish(const Call& call, World& world)
     return enveloped("true");
 }
 
+/// The id of a version, not its number in its dataset.
+int versionIdOf(const Call& call, World& world)
+{
+    const int id = call.numberPlace("versionId");
+    if (!world.tables.integer("SELECT id FROM version WHERE id = ?", id))
+        throw Refusal(404, "no such version: " + call.place("versionId"));
+    return id;
+}
+
+/// The bare value, which is no JSON.
+Answer versionMeta(const Call& call, World& world)
+{
+    const std::string key = call.filledQuery("key");
+    const auto value = world.tables.text("SELECT value FROM versionMeta WHERE versionId = ? AND name = ?", versionIdOf(call, world), key);
+    if (!value)
+        throw Refusal(404, "the version has no metadata of that key: " + key);
+    return {200, *value, "text/plain; charset=utf-8"};
+}
+
+Answer keepVersionMeta(const Call& call, World& world)
+{
+    const int id = versionIdOf(call, world);
+    if (!json::isJsonObject(call.body) || *world.tables.integer("SELECT COUNT(*) FROM json_each(?)", call.body) != 1 ||
+        world.tables.run("INSERT OR REPLACE INTO versionMeta (versionId, name, value) SELECT ?1, key, atom FROM json_each(?2) "
+                         "WHERE type = 'text' AND key <> ''",
+                         id, call.body) != 1)
+        throw Refusal(400, "the body must be an object with one member, a text");
+    return done();
+}
+
 } // namespace
 
 void addVersionRoutes(Router& router)
@@ -165,6 +195,8 @@ void addVersionRoutes(Router& router)
     router.add("GET", "/v2/datasets/{dsId}/version/{dsVersion}", oneVersion);
     router.add("POST", "/v2/versions/byids", versionsByIds);
     router.add("POST", "/datasets/{dsId}/{version}/markPublish", markPublish);
+    router.add("GET", "/version/{versionId}/meta", versionMeta);
+    router.add("POST", "/version/{versionId}/meta", keepVersionMeta);
 }
 
 } // namespace orlo::platform

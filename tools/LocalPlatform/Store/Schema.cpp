@@ -259,7 +259,51 @@ CREATE TABLE message (
 CREATE INDEX messageByReceiver ON message (receiver);
 )sql";
 
-constexpr std::array steps = {firstSchema, files, tokenEnds, monitors, teams, issues};
+// Building items, whose changes each begin a revision of the project's; their configurations; datasets bound to them. What versions of
+// datasets were built on.
+constexpr const char* buildingItems = R"sql(
+ALTER TABLE project ADD COLUMN itemRevision INTEGER NOT NULL DEFAULT 0;
+
+CREATE TABLE buildingItem (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    projectId TEXT NOT NULL REFERENCES project (id) ON DELETE CASCADE,
+    birthTime TEXT NOT NULL,
+    removedAt INTEGER);
+CREATE INDEX buildingItemByProject ON buildingItem (projectId);
+
+CREATE TABLE buildingItemVersion (
+    itemId INTEGER NOT NULL REFERENCES buildingItem (id) ON DELETE CASCADE,
+    version INTEGER NOT NULL,
+    revision INTEGER NOT NULL,
+    configValue TEXT NOT NULL,
+    author TEXT NOT NULL,
+    creationTime TEXT NOT NULL,
+    PRIMARY KEY (itemId, version));
+
+CREATE TABLE itemConfig (
+    itemId INTEGER NOT NULL REFERENCES buildingItem (id) ON DELETE CASCADE,
+    configType TEXT NOT NULL,
+    version INTEGER NOT NULL,
+    configValue TEXT NOT NULL,
+    author TEXT NOT NULL,
+    creationTime TEXT NOT NULL,
+    PRIMARY KEY (itemId, configType, version));
+
+CREATE TABLE itemBinding (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    itemId INTEGER NOT NULL REFERENCES buildingItem (id) ON DELETE CASCADE,
+    datasetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
+    UNIQUE (itemId, datasetId));
+CREATE INDEX itemBindingByDataset ON itemBinding (datasetId);
+
+CREATE TABLE versionMeta (
+    versionId INTEGER NOT NULL REFERENCES version (id) ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    value TEXT NOT NULL,
+    PRIMARY KEY (versionId, name));
+)sql";
+
+constexpr std::array steps = {firstSchema, files, tokenEnds, monitors, teams, issues, buildingItems};
 
 } // namespace
 

@@ -39,4 +39,14 @@ const TextTable<ConfigType>& configTypeTexts()
     return table;
 }
 
+const TextTable<ConfigType>& schemaKeyTexts()
+{
+    static const auto& table = utils::neverDestroyed(new const TextTable<ConfigType>({{ConfigType::SubItem, L"SubItem"},
+                                                                                      {ConfigType::ItemElevationSet, L"ElevationSet"},
+                                                                                      {ConfigType::ItemGridConfig, L"GridConfig"},
+                                                                                      {ConfigType::Coordinate, L"Coordinate"}},
+                                                                                     ConfigType::SubItem));
+    return table;
+}
+
 } // namespace orlo
