@@ -20,6 +20,21 @@ HttpError::HttpError(const std::wstring& name, const std::wstring& message, int 
 
 HttpError::~HttpError() = default;
 
+std::shared_ptr<GenericError> makeGenericError(const std::wstring& message)
+{
+    return std::make_shared<GenericError>(message);
+}
+
+std::shared_ptr<GenericError> makeGenericError(const std::wstring& name, const std::wstring& message)
+{
+    return std::make_shared<GenericError>(name, message);
+}
+
+std::shared_ptr<HttpError> makeHttpError(const std::wstring& name, const std::wstring& message, int code, int subcode)
+{
+    return std::make_shared<HttpError>(name, message, code, subcode);
+}
+
 ErrorCode::ErrorCode() = default;
 
 ErrorCode::ErrorCode(long long value, std::shared_ptr<ErrorCategory> category) : m_value(value), m_category(std::move(category))

@@ -59,6 +59,11 @@ private:
     int m_subcode;
 };
 
+/// Categories that outlive the library which asks for them: a caller may have the ErrorCode when that is unloaded.
+ORLO_BASE_API std::shared_ptr<GenericError> makeGenericError(const std::wstring& message);
+ORLO_BASE_API std::shared_ptr<GenericError> makeGenericError(const std::wstring& name, const std::wstring& message);
+ORLO_BASE_API std::shared_ptr<HttpError> makeHttpError(const std::wstring& name, const std::wstring& message, int code, int subcode);
+
 /// Values of an ErrorCode. The assigned ones are positive 64-bit numbers, while the second "no error" value is
 /// the sign-extended form; that asymmetry is intended and part of the interface.
 namespace error {

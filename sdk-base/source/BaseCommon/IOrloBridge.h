@@ -35,6 +35,8 @@ public:
     virtual std::wstring GetDatasetMeta(ErrorCode& error, DatasetMetaKey key, const std::wstring& versionId) = 0;
 
     /// The configurations of the project that a modeling id belongs to.
+    /// Returns: false where there is no such project. The lists of versions give true for a project whose list can't be read, too; the
+    /// ErrorCode tells.
     virtual bool GetSpaceConfig(const std::wstring& modelingId, int version, std::wstring& configText, ErrorCode& error) = 0;
     virtual bool GetSpaceConfigAllVersions(const std::wstring& modelingId, std::vector<int>& versions, ErrorCode& error) = 0;
     virtual bool GetAxisGridConfig(const std::wstring& modelingId, int version, std::string& configText, ErrorCode& error) = 0;

@@ -25,6 +25,7 @@
 #include <windows.h>
 #else
 #include <cerrno>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <pwd.h>
 #include <stdlib.h> // secure_getenv
@@ -270,6 +271,13 @@ void FileLock::release()
     m_handle = noHandle;
 }
 
+bool keepLoaded(const void* address)
+{
+    HMODULE library = nullptr;
+    return GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN, static_cast<LPCWSTR>(address),
+                              &library) != 0;
+}
+
 #else
 
 namespace {
@@ -499,6 +507,15 @@ void FileLock::release()
     if (isHeld())
         ::close(static_cast<int>(m_handle));
     m_handle = noHandle;
+}
+
+bool keepLoaded(const void* address)
+{
+    Dl_info library{};
+    if (::dladdr(address, &library) == 0 || library.dli_fname == nullptr)
+        return false;
+    void* const handle = ::dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+    return handle != nullptr && ::dlclose(handle) == 0;
 }
 
 #endif

@@ -22,6 +22,9 @@ ORLO_BASE_API std::size_t memoryLimit();
 /// Says that this much memory is about to be filled: a system that can hands it out in large pages, which is several times faster.
 ORLO_BASE_API void expectFilling(void* memory, std::size_t bytes);
 
+/// Keeps the library that holds an address in the process, whoever unloads it.   Returns: false for an address in none.
+ORLO_BASE_API bool keepLoaded(const void* address);
+
 /// To be called before OpenSSL is used: where nobody has used it before, it is not taken down at the end of the process, while threads may
 /// still ask it for random numbers.
 ORLO_BASE_API void keepOpenSsl();

@@ -225,7 +225,7 @@ JobRunner::Outcome JobRunner::outcomeOf(const Job& job)
     catch (...) {
         const std::wstring words = wordsOfCaught();
         log::error(L"job " + utils::toWstring(job.id) + L" ended with an exception: " + words);
-        return {JobState::Failed, ErrorCode(error::exception, std::make_shared<GenericError>(words))};
+        return {JobState::Failed, ErrorCode(error::exception, makeGenericError(words))};
     }
 }
 

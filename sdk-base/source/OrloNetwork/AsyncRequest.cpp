@@ -75,7 +75,7 @@ void report(const std::shared_ptr<OrloCallbackContext>& context, const std::stri
     const utils::Caught caught = utils::caught();
     const std::wstring text = wordsWithoutAddress(caught);
     const int code = transportCodeOfCaught().value_or(caught.code);
-    errorCode.Assign(error::exception, std::make_shared<HttpError>(L"generic exception", text, code, 0));
+    errorCode.Assign(error::exception, makeHttpError(L"generic exception", text, code, 0));
     log::errorAt(ORLO_HERE(handlesException), utils::toWstring(stage) + L" - exception caught: message[" + text + L"]");
     if (!context)
         return;

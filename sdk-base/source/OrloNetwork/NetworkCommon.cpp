@@ -32,11 +32,11 @@ void attemptOnce(ErrorCode& errorCode, const std::function<void()>& attempt)
     catch (...) {
         const utils::Caught caught = utils::caught();
         if (caught.isUnknown()) {
-            errorCode.Assign(error::exception, std::make_shared<HttpError>(L"unknown exception", L"", caught.code, 0));
+            errorCode.Assign(error::exception, makeHttpError(L"unknown exception", L"", caught.code, 0));
             return logCaught(ORLO_HERE(function), L"unknown exception occurred");
         }
         const int code = transportCodeOfCaught().value_or(caught.code);
-        errorCode.Assign(error::exception, std::make_shared<HttpError>(L"generic exception", caught.text, code, 0));
+        errorCode.Assign(error::exception, makeHttpError(L"generic exception", caught.text, code, 0));
         logCaught(ORLO_HERE(function), L"A generic exception caught: message[" + caught.text + L"]");
     }
 }

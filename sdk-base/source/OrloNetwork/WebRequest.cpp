@@ -163,7 +163,7 @@ http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_req
     http_response response = SendAndWait(client, *request);
 
     if (response.status_code() >= 400)
-        errorCode.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", TextOf(response, *body), response.status_code(), 0));
+        errorCode.Assign(error::errorStatus, makeHttpError(L"HttpError", TextOf(response, *body), response.status_code(), 0));
     // An answer that names no content type is taken for JSON; the type given here fills that gap only.
     response.set_body(std::move(*body), "application/json");
     return response;

@@ -16,7 +16,7 @@ bool JobOutcome::fail(const ErrorCode& error)
 ErrorCode JobOutcome::asErrorCode() const
 {
     const PromiseData outcome = m_future.get();
-    return {error::exception, std::make_shared<HttpError>(L"httpError", outcome.message, outcome.status, 0)};
+    return {error::exception, makeHttpError(L"httpError", outcome.message, outcome.status, 0)};
 }
 
 } // namespace orlo

@@ -1,5 +1,6 @@
 #include "UploadJobEntity.h"
 
+#include "../Frame/StayLoaded.h"
 #include "JobCopy.h"
 #include "JobFields.h"
 
@@ -7,13 +8,16 @@ namespace orlo {
 
 UploadJobEntity::UploadJobEntity(JobType type)
 {
+    stayLoaded(); // the job library has it in its queue
     SetType(type);
 }
 
 UploadJobEntity::UploadJobEntity(JobType type, std::wstring folderId, std::wstring localFilePath, std::wstring fileName)
-    : m_folderId(std::move(folderId)), m_localFilePath(std::move(localFilePath)), m_fileName(std::move(fileName))
+    : UploadJobEntity(type)
 {
-    SetType(type);
+    m_folderId = std::move(folderId);
+    m_localFilePath = std::move(localFilePath);
+    m_fileName = std::move(fileName);
 }
 
 UploadJobEntity::~UploadJobEntity() = default;

@@ -9,7 +9,7 @@ namespace {
 
 void assign(ErrorCode& error, const std::wstring& name, const std::wstring& text, int code)
 {
-    error.Assign(error::exception, std::make_shared<HttpError>(name, text, code, 0));
+    error.Assign(error::exception, makeHttpError(name, text, code, 0));
 }
 
 } // namespace

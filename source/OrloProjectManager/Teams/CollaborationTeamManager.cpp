@@ -13,7 +13,7 @@
 
 namespace orlo {
 
-using Team = ICollaborationTeamManager::Team;
+using TeamPtr = ICollaborationTeamManager::Team;
 
 ICollaborationTeamManager::ICollaborationTeamManager() = default;
 ICollaborationTeamManager::~ICollaborationTeamManager() = default;
@@ -24,28 +24,28 @@ ICollaborationTeamManager* ICollaborationTeamManager::Get()
     return &manager;
 }
 
-Team CollaborationTeamManager::CreateTeam(const std::wstring& name, const std::wstring& projectId, ErrorCode& error)
+TeamPtr CollaborationTeamManager::CreateTeam(const std::wstring& name, const std::wstring& projectId, ErrorCode& error)
 {
-    return CallFrame(ORLO_HERE("orlo::CollaborationTeamManager::CreateTeam")).run(error, [&]() -> Team {
+    return CallFrame(ORLO_HERE("orlo::CollaborationTeamManager::CreateTeam")).run(error, [&]() -> TeamPtr {
         return std::make_shared<CollaborationTeam>(retried(&OrloWebService::CreateTeam, error, name, projectId));
     });
 }
 
-Team CollaborationTeamManager::GetTeam(const std::wstring& teamId)
+TeamPtr CollaborationTeamManager::GetTeam(const std::wstring& teamId)
 {
-    return CallFrame(ORLO_HERE("orlo::CollaborationTeamManager::GetTeam")).runAlone([&](ErrorCode&) -> Team {
+    return CallFrame(ORLO_HERE("orlo::CollaborationTeamManager::GetTeam")).runAlone([&](ErrorCode&) -> TeamPtr {
         return std::make_shared<CollaborationTeam>(teamId);
     });
 }
 
-Team CollaborationTeamManager::GetTeamByFolder(const std::wstring& folderId, ErrorCode& error)
+TeamPtr CollaborationTeamManager::GetTeamByFolder(const std::wstring& folderId, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::CollaborationTeamManager::GetTeamByFolder")).run(error, [&] {
         return GetTeam(HttpClient::getTeamIdByFolderId(folderId, error));
     });
 }
 
-Team CollaborationTeamManager::GetTeamByDataset(const std::string& datasetId, ErrorCode& error)
+TeamPtr CollaborationTeamManager::GetTeamByDataset(const std::string& datasetId, ErrorCode& error)
 {
     // Intended: the frame looks at an ErrorCode of its own, and writes that; the request alone writes the caller's.
     return CallFrame(ORLO_HERE("orlo::CollaborationTeamManager::GetTeamByDataset")).runAlone([&](ErrorCode&) {
@@ -53,13 +53,13 @@ Team CollaborationTeamManager::GetTeamByDataset(const std::string& datasetId, Er
     });
 }
 
-std::vector<Team> CollaborationTeamManager::GetMyTeamsByProject(const std::wstring& projectId, ErrorCode& error)
+std::vector<TeamPtr> CollaborationTeamManager::GetMyTeamsByProject(const std::wstring& projectId, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::CollaborationTeamManager::GetMyTeamsByProject")).runDirect(error, [&] {
         const auto user = OrloWebService::GetCurrentUserInfo();
         std::vector<std::wstring> ids;
         OrloWebService::GetTeamsOfUser(error, ids, user ? user->getAccountId() : std::wstring(), projectId);
-        std::vector<Team> teams;
+        std::vector<TeamPtr> teams;
         teams.reserve(ids.size());
         for (const std::wstring& id : ids)
             teams.push_back(GetTeam(id));

@@ -1,5 +1,7 @@
 #include "TransferChain.h"
 
+#include "../Frame/StayLoaded.h"
+
 #include <BaseCommon/Caught.h>
 #include <BaseCommon/Interruption.h>
 #include <BaseCommon/Platform.h>
@@ -86,11 +88,12 @@ void TransferOutcome::failAsCaught(const CallSite& site)
     const utils::Caught caught = utils::caught();
     log::errorAt(site, endOfPromise + caught.text);
     settle({false, utils::Caught::known, caught.text},
-           ErrorCode(error::exception, std::make_shared<HttpError>(L"HttpError", caught.text, caught.code, 0)), site);
+           ErrorCode(error::exception, makeHttpError(L"HttpError", caught.text, caught.code, 0)), site);
 }
 
 std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, TransferWorker worker)
 {
+    stayLoaded();
     // Asked before the frame, which would wait for itself.
     const auto interruption = Interruption::current();
     std::future<PromiseData> future = CallFrame(site).run(error, [&] {
@@ -104,6 +107,7 @@ std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, T
 
 void startChain(std::shared_ptr<IOrloCallback> handler, FirstStep firstStep)
 {
+    stayLoaded();
     const auto context = std::make_shared<ChainContext>(std::move(handler), true);
     ErrorCode& error = context->error;
     http::launchWithRetry(context, error, [firstStep = std::move(firstStep), context, &error] { firstStep(error, context); });

@@ -31,7 +31,7 @@ void noteStatus(ErrorCode& error, const http_response& response, const std::stri
 {
     const int status = response.status_code();
     if (status >= 400)
-        error.Assign(error::errorStatus, std::make_shared<HttpError>(L"HttpError", OrloWebService::TextOf(response, body), status, 0));
+        error.Assign(error::errorStatus, makeHttpError(L"HttpError", OrloWebService::TextOf(response, body), status, 0));
 }
 
 namespace {

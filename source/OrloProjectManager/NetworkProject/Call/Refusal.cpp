@@ -6,7 +6,7 @@ namespace orlo {
 
 bool refuse(ErrorCode& error, long long value, const std::wstring& message)
 {
-    error.Assign(value, std::make_shared<GenericError>(message));
+    error.Assign(value, makeGenericError(message));
     return false;
 }
 

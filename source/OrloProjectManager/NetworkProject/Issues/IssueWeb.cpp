@@ -47,7 +47,7 @@ bool changeState(ErrorCode& error, const wchar_t* path, const std::wstring& user
         return true;
     std::wstring reason;
     readMember(answer.body(), L"msg", reason);
-    error.Assign(error::badInput, std::make_shared<GenericError>(L"SolveIssue", reason));
+    error.Assign(error::badInput, makeGenericError(L"SolveIssue", reason));
     return false;
 }
 
@@ -88,7 +88,7 @@ bool GetIssuesListByDataSetId(ErrorCode& error, web::json::value& out, const std
 bool GetIssuesListByTeamId(ErrorCode& error, web::json::value& out, const std::string& teamId, int page, bool skipCloudify)
 {
     if (teamId.empty() || page < 0) {
-        error.Assign(error::badInput, std::make_shared<GenericError>(L"GetIssuesListByTeamId", L"参数错误"));
+        error.Assign(error::badInput, makeGenericError(L"GetIssuesListByTeamId", L"参数错误"));
         return false;
     }
     WebCall call(L"OrloWebService::GetIssuesListByTeamId", service::project, methods::GET, issuesOfTeamPath);

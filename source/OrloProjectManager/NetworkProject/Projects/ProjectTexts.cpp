@@ -53,6 +53,19 @@ const TextTable<DatasetStatus>& datasetStatusTexts()
     return table;
 }
 
+const TextTable<DatasetMetaKey>& datasetMetaKeys()
+{
+    static const auto& table = utils::neverDestroyed(
+        new const TextTable<DatasetMetaKey>({{DatasetMetaKey::SpaceConfigVersion, L"SpaceConfigVersion"},
+                                             {DatasetMetaKey::AxisGridVersions, L"AxisGridVersions"},
+                                             {DatasetMetaKey::BuildingItemVersions, L"BuildingItemVersions"},
+                                             {DatasetMetaKey::BuildingItemElevationSetVersions, L"BuildingItemElevationSetVersions"},
+                                             {DatasetMetaKey::BuildingItemAxisGridVersions, L"BuildingItemAxisGridVersions"},
+                                             {DatasetMetaKey::BuildingItemCoordinateVersions, L"BuildingItemCoordinateVersions"}},
+                                            DatasetMetaKey::SpaceConfigVersion));
+    return table;
+}
+
 std::wstring textOf(ProjectScenario scenario)
 {
     switch (scenario) {

@@ -3,6 +3,7 @@
 #include "../Call/Refusal.h"
 #include "../Call/WebCall.h"
 #include "DatasetReaders.h"
+#include "ProjectTexts.h"
 
 #include <BaseCommon/Text.h>
 #include <OrloLogging/Log.h>
@@ -20,6 +21,7 @@ constexpr const wchar_t* newNumberedVersionPath = L"/datasets/{datasetId}/versio
 constexpr const wchar_t* versionPath = L"/v2/datasets/{dsId}/version/{dsVersion}";
 constexpr const wchar_t* versionsByIdsPath = L"/v2/versions/byids";
 constexpr const wchar_t* markPublishPath = L"/datasets/{dsId}/{version}/markPublish";
+constexpr const wchar_t* versionMetaPath = L"/version/{versionId}/meta";
 
 bool readVersion(WebAnswer answer, ORLOHTTPPayloadDatasetVersion& out)
 {
@@ -72,7 +74,7 @@ bool GetDatasetVersionByMvd(ErrorCode& error, ORLOHTTPPayloadDatasetVersion& out
 {
     if (datasetId.empty()) {
         log::error(L"[OrloWebService::GetDatasetVersionByMvd] invalid input");
-        error.Assign(error::exception, std::make_shared<HttpError>(L"Invalid argument", L"datasetId is empty", 0, 0));
+        error.Assign(error::exception, makeHttpError(L"Invalid argument", L"datasetId is empty", 0, 0));
         return false;
     }
     const bool latest = version < 0;
@@ -110,6 +112,21 @@ bool MarkPublish(ErrorCode& error, const std::string& datasetId, const std::wstr
     if (answer.ok())
         readField(answer.data(), published);
     return published;
+}
+
+std::wstring GetDatasetMeta(ErrorCode& error, DatasetMetaKey key, const std::wstring& versionId)
+{
+    WebCall call(L"OrloWebService::GetDatasetMeta", service::project, methods::GET, versionMetaPath);
+    call.place(L"{versionId}", versionId).query(L"key", datasetMetaKeys().textOf(key)).withTimeoutOfFirstUse();
+    const WebAnswer answer = call.failureWords(L"IVersion::GetDatasetMeta - code:").send(error);
+    return answer.ok() ? utils::toWstring(answer.text()) : std::wstring();
+}
+
+bool UpsertDatasetMeta(ErrorCode& error, DatasetMetaKey key, const std::wstring& value, const std::wstring& versionId)
+{
+    WebCall call(L"OrloWebService::UpsertDatasetMeta", service::project, methods::POST, versionMetaPath);
+    call.place(L"{versionId}", versionId).body(JsonBody().add(datasetMetaKeys().textOf(key).c_str(), value).done());
+    return call.withTimeoutOfFirstUse().untaggedFailureWords(L"IVersion::UpsertDatasetMeta - code:").send(error).ok();
 }
 
 } // namespace orlo::OrloWebService

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <BaseCommon/IOrloBridge.h>
 #include <OrloProjectManager/Projects/DatasetVersion.h>
 
 #include <string>
@@ -25,6 +26,10 @@ bool GetDatasetVersionAccordingMVD(ErrorCode& error, std::vector<http::ORLOHTTPP
                                    const std::vector<int>& versionIds, const std::string& mvd);
 /// The platform's own answer, true or false.
 bool MarkPublish(ErrorCode& error, const std::string& datasetId, const std::wstring& version, const std::wstring& description);
+
+/// What a version remembers under a key: the platform's whole answer as text. Empty on failure.
+std::wstring GetDatasetMeta(ErrorCode& error, DatasetMetaKey key, const std::wstring& versionId);
+bool UpsertDatasetMeta(ErrorCode& error, DatasetMetaKey key, const std::wstring& value, const std::wstring& versionId);
 
 } // namespace OrloWebService
 } // namespace orlo

@@ -55,7 +55,7 @@ bool QueryFileRelatedDatasets(ErrorCode& error, std::vector<RelatedDatasetInfo>&
 bool DeleteFileOfProject(ErrorCode& error, const std::wstring& projectId, const std::wstring& fileId)
 {
     if (projectId.empty() || fileId.empty()) {
-        error.Assign(error::emptyParameter, std::make_shared<GenericError>(L"ParameterError", L"projectId or fileId is empty."));
+        error.Assign(error::emptyParameter, makeGenericError(L"ParameterError", L"projectId or fileId is empty."));
         return false;
     }
     WebCall call(L"OrloWebService::DeleteFileByFileId", service::project, methods::DEL, fileOfProjectPath);
