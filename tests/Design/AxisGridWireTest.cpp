@@ -632,5 +632,36 @@ TEST_F(AxisGridWireTest, theVersionsFailAsEveryRetriedOperationDoes)
     expectSuccessAtLast(listing, server, log);
 }
 
+TEST_F(AxisGridWireTest, aFailedListOfVersionsLeavesNoErrorWhereTheTextIsThere)
+{
+    rememberGrid3();
+    server.expect("GET", gridVersions).reply(404, "gone");
+    server.expect("GET", lastGrid).reply(200, answerOfGrid4);
+    EXPECT_EQ(textOf(-1), answerOfGrid4);
+    expectClear(error);
+    EXPECT_EQ(log.lines(), Lines{L"E [ORLOSDK]Project::GetAxisGridConfigVersions - code:404"});
+}
+
+TEST_F(AxisGridWireTest, aFailedListOfVersionsIsNotTheErrorOfWhatIsRemembered)
+{
+    // The platform may have called it -1, and then it is the one that is asked for.
+    server.expect("GET", lastGrid).reply(200, R"({"version":-1,"id":"g","configValue":"{\"schemaVersion\":3,\"data\":{}}"})");
+    const IAxisGrid* const axisGrid = project->GetAxisGridConfig(-1, error);
+    ASSERT_NE(axisGrid, nullptr);
+    server.expect("GET", gridVersions).reply(404, "gone");
+    EXPECT_EQ(project->GetAxisGridConfig(-1, error), axisGrid);
+    expectClear(error);
+}
+
+TEST_F(AxisGridWireTest, theListOfVersionsIsAskedForWithoutTheCallersError)
+{
+    IAxisGrid* const axisGrid = rememberGrid3();
+    error.Assign(badInputValue, std::make_shared<GenericError>(L"earlier"));
+    server.expect("GET", gridVersions).reply(200, "[3]");
+    EXPECT_EQ(project->GetAxisGridConfig(-1, error), axisGrid);
+    expectGenericError(error, badInputValue, L"GenericError", L"earlier");
+    EXPECT_EQ(log.lines(), Lines{L"E@orlo::Project::GetAxisGridConfig 传入的ErrorCode，已有错误存在:earlier"});
+}
+
 } // namespace
 } // namespace orlo::test

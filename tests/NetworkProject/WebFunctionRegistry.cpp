@@ -11,6 +11,7 @@
 #include <OrloProjectManager/NetworkProject/Projects/ProjectWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/SpecialtyWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
+#include <OrloProjectManager/NetworkProject/Resources/ComponentWeb.h>
 #include <OrloProjectManager/NetworkProject/Resources/FontWeb.h>
 #include <OrloProjectManager/NetworkProject/Teams/ShareWeb.h>
 #include <OrloProjectManager/NetworkProject/Teams/TeamWeb.h>
@@ -139,6 +140,12 @@ const std::vector<WebFunction>& webFunctions()
         {"GetDatasetVersionAccordingMVD", L"E [ORLOSDK]OrloWebService::GetDatasetVersionByMVD - code:",
          into(&GetDatasetVersionAccordingMVD, std::vector<int>{1}, "base")},
         {"MarkPublish", L"", plain(&MarkPublish, "dataset", L"1", L"words")},
+        {"GetDatasetMeta", L"E [ORLOSDK]IVersion::GetDatasetMeta - code:",
+         plain(&GetDatasetMeta, DatasetMetaKey::SpaceConfigVersion, L"version"), Body::unread},
+        {"UpsertDatasetMeta", L"E IVersion::UpsertDatasetMeta - code:",
+         plain(&UpsertDatasetMeta, DatasetMetaKey::SpaceConfigVersion, L"value", L"version"), Body::unread},
+        {"GetFamilyFileUrl", L"E [ORLOSDK]OrloWebService::GetFamilyFileUrl - code:",
+         plain(&GetFamilyFileUrl, L"project", L"family", L"version"), Body::told},
         // Configurations
         {"AddDefaultSpaceConfig", L"E [ORLOSDK]OrloWebService::AddDefaultSpaceConfig - code:", plain(&AddDefaultSpaceConfig, L"project"),
          Body::unread},

@@ -15,6 +15,7 @@ namespace orlo::test {
 enum class Body {
     json,   ///< reads it as JSON, and throws where it is none; JSON of any shape gives a result without an exception
     strict, ///< as json, and throws where the JSON lacks what the function needs
+    told,   ///< fails with a line in the log where it is no JSON, or not what the function needs
     unread  ///< succeeds whatever it is
 };
 

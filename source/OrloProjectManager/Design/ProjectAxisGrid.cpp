@@ -31,11 +31,11 @@ std::string documentOf(IAxisGrid* grid)
 
 } // namespace
 
-int Project::wantedAxisGrid(const std::shared_ptr<IAxisGrid>& remembered, int version, ErrorCode& error)
+int Project::wantedAxisGrid(const std::shared_ptr<IAxisGrid>& remembered, int version)
 {
     if (!remembered || version != lastVersion)
         return version;
-    const std::vector<int> versions = GetAxisGridConfigVersions(error);
+    const std::vector<int> versions = GetAxisGridConfigVersions();
     return versions.empty() ? lastVersion : versions.back();
 }
 
@@ -43,13 +43,16 @@ bool Project::GetAxisGridConfig(int version, std::string& configText, ErrorCode&
 {
     const CallFrame frame(ORLO_HERE("orlo::Project::GetAxisGridConfig"));
     const auto remembered = std::atomic_load(&m_axisGrid);
-    const int wanted = wantedAxisGrid(remembered, version, error);
+    const int wanted = wantedAxisGrid(remembered, version);
     if (isOfVersion(remembered, wanted)) {
-        // A host may have put curves of its own into it.
-        return frame.runAlone([&](ErrorCode&) {
-            configText = documentOf(remembered.get());
+        ErrorCode failure; // intended: what came in isn't looked at where nothing is fetched
+        const bool done = frame.run(failure, [&] {
+            configText = documentOf(remembered.get()); // a host may have put curves of its own into it
             return true;
         });
+        if (!done)
+            error = failure;
+        return done;
     }
     return frame.run(error, [&] {
         auto answer = fetched(&OrloWebService::GetAxisGridConfig, error, m_id, wanted);
@@ -64,10 +67,10 @@ IAxisGrid* Project::GetAxisGridConfig(int version, ErrorCode& error)
 {
     return CallFrame(ORLO_HERE("orlo::Project::GetAxisGridConfig")).run(error, [&]() -> IAxisGrid* {
         const auto remembered = std::atomic_load(&m_axisGrid);
-        const int wanted = wantedAxisGrid(remembered, version, error);
+        const int wanted = wantedAxisGrid(remembered, version);
         if (isOfVersion(remembered, wanted))
             return remembered.get();
-        std::atomic_store(&m_axisGrid, std::shared_ptr<IAxisGrid>());
+        std::atomic_store(&m_axisGrid, std::shared_ptr<IAxisGrid>()); // stays so if what comes can't be parsed
         const auto answer = fetched(&OrloWebService::GetAxisGridConfig, error, m_id, wanted);
         const auto grid = answer ? parseAxisGrid(*answer) : nullptr;
         std::atomic_store(&m_axisGrid, grid);

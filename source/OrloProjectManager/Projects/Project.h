@@ -132,7 +132,7 @@ public:
 
 private:
     /// The version that -1 asks for: the last in the platform's list, where there is a grid to compare with.
-    int wantedAxisGrid(const std::shared_ptr<IAxisGrid>& remembered, int version, ErrorCode& error);
+    int wantedAxisGrid(const std::shared_ptr<IAxisGrid>& remembered, int version);
 
     std::wstring m_id;
     std::wstring m_name;
