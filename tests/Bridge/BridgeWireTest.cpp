@@ -20,9 +20,10 @@ constexpr const char* gridVersions = "/config/scope/Project/p-7/type/GridConfig/
 class BridgeWireTest : public WireTest
 {
 protected:
-    void expectProject()
+    /// The manager remembers the last one: each test has its own.
+    void expectProject(const std::string& modelingId)
     {
-        server.expect("POST", lookUp).body(R"(["modeling-7"])").reply(200, R"({"code":10000,"data":[{"projectId":"p-7"}]})");
+        server.expect("POST", lookUp).body("[\"" + modelingId + "\"]").reply(200, R"({"code":10000,"data":[{"projectId":"p-7"}]})");
         server.expect("GET", projectOf7).reply(200, R"({"code":10000,"data":{"id":"p-7","name":"Tower"}})");
     }
 
@@ -102,7 +103,7 @@ TEST_F(BridgeWireTest, storingMetadataFailsWithoutTheTag)
 
 TEST_F(BridgeWireTest, configurationsAreThoseOfTheProjectOfTheModelingId)
 {
-    expectProject();
+    expectProject("modeling-7");
     std::wstring spaces;
     server.expect("GET", spaces3).reply(200, R"({"version":3})");
     EXPECT_TRUE(bridge.GetSpaceConfig(L"modeling-7", 3, spaces, error));
@@ -123,10 +124,10 @@ TEST_F(BridgeWireTest, configurationsAreThoseOfTheProjectOfTheModelingId)
 
 TEST_F(BridgeWireTest, aListThatCannotBeReadIsEmptyAndTheErrorTells)
 {
-    expectProject();
+    expectProject("modeling-8");
     std::vector<int> versions{9};
     server.expect("GET", gridVersions).reply(403, "no");
-    EXPECT_TRUE(bridge.GetAxisGridAllVersions(L"modeling-7", versions, error));
+    EXPECT_TRUE(bridge.GetAxisGridAllVersions(L"modeling-8", versions, error));
     EXPECT_EQ(versions, std::vector<int>{});
     expectHttpError(error, errorStatusValue, L"HttpError", L"no", 403);
 }
@@ -157,8 +158,8 @@ TEST_F(BridgeWireTest, anUnknownModelingIdAsksForNoConfiguration)
 TEST_F(BridgeWireTest, theErrorOfTheLookUpStays)
 {
     std::string grid;
-    server.expect("POST", lookUp).body(R"(["modeling-7"])").reply(401, "who are you");
-    EXPECT_FALSE(bridge.GetAxisGridConfig(L"modeling-7", 3, grid, error));
+    server.expect("POST", lookUp).body(R"(["modeling-9"])").reply(401, "who are you");
+    EXPECT_FALSE(bridge.GetAxisGridConfig(L"modeling-9", 3, grid, error));
     expectHttpError(error, errorStatusValue, L"HttpError", L"who are you", 401);
 }
 
