@@ -30,13 +30,13 @@ public:
         }
     }
 
-    void printRatio(const std::string& name, double aim) const
+    void printRatio(const std::string& name, double aim, const std::string& other = "cpprestsdk") const
     {
         const auto library = m_medians.find(name + "/library");
-        const auto byHand = m_medians.find(name + "/cpprestsdk");
+        const auto byHand = m_medians.find(name + "/" + other);
         if (library == m_medians.end() || byHand == m_medians.end())
             return;
-        std::cout << std::left << std::setw(16) << name << std::fixed << std::setprecision(3) << " library / cpprestsdk:  elapsed "
+        std::cout << std::left << std::setw(16) << name << std::fixed << std::setprecision(3) << " library / " << other << ":  elapsed "
                   << library->second.real / byHand->second.real << "  processor " << library->second.cpu / byHand->second.cpu << "  (aim "
                   << aim << ")\n";
     }
@@ -78,6 +78,7 @@ int main(int argc, char** argv)
     reporter.printRatio("GetAllProjects", 1.25);
     reporter.printRatio("GetSpaceConfig", 1.5);
     reporter.printRatio("GetIssueList", 1.5);
+    reporter.printRatio("AxisGrid", 1.5, "rapidjson");
     reporter.printShareOfTokenFile(5000);
     return 0;
 }

@@ -25,6 +25,7 @@ void jobRow(std::string_view bytes);
 void tokenFile(std::string_view bytes);
 void fieldReaders(std::string_view bytes);
 void spaceDocument(std::string_view bytes);
+void axisGrid(std::string_view bytes);
 void inflate(std::string_view bytes);
 void redaction(std::string_view bytes);
 void datasetUri(std::string_view bytes);

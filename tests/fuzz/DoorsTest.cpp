@@ -82,6 +82,11 @@ TEST(FuzzDoors, Redaction)
     feedAll("Redaction", &redaction);
 }
 
+TEST(FuzzDoors, AxisGrid)
+{
+    feedAll("AxisGrid", &axisGrid);
+}
+
 TEST(FuzzDoors, SpaceDocument)
 {
     feedAll("SpaceDocument", &spaceDocument);
