@@ -469,3 +469,75 @@ TEST(JsonWrapper, CopiesOfAWrapperSeeTheSameDocument)
     EXPECT_EQ(moved.ToString(), R"({"a":1})");
     EXPECT_EQ(other.ToString(), "null"); // NOLINT(bugprone-use-after-move)
 }
+
+TEST(JsonWrapper, APlaceStaysGoodWhileItsDocumentGrows)
+{
+    JsonWrapper document = parsed(R"({"list":[{"x":1},{"x":2}]})");
+    const JsonWrapper list = document["list"];
+    JsonWrapper second;
+    ASSERT_TRUE(list.Get(1, second));
+    for (int i = 0; i < 200; ++i)
+        ASSERT_TRUE(document.Add("member" + std::to_string(i), i));
+    for (int i = 0; i < 200; ++i)
+        ASSERT_TRUE(document["list"].Add(JsonWrapper(document.GetAllocator(), rapidjson::kObjectType)));
+    int x = 0;
+    EXPECT_TRUE(second.Get("x", x));
+    EXPECT_EQ(x, 2);
+    EXPECT_EQ(list.GetArraySize(), 202);
+    EXPECT_TRUE(document.Add("list", "replaced"));
+    EXPECT_EQ(list.ToString(), "\"replaced\"");
+    EXPECT_FALSE(second.Get("x", x)) << "there is no list any more";
+}
+
+TEST(JsonWrapper, APlaceInWhatWasMovedAwayIsNothing)
+{
+    JsonWrapper document;
+    JsonWrapper value(document.GetAllocator(), rapidjson::kObjectType);
+    ASSERT_TRUE(value.Add("x", 1));
+    ASSERT_TRUE(value.AddEmptySubObject("inner"));
+    JsonWrapper inner = value["inner"];
+    ASSERT_TRUE(document.Add("value", std::move(value)));
+    EXPECT_EQ(inner.ToString(), "null");
+    EXPECT_FALSE(inner.Add("y", 2));
+    EXPECT_EQ(document.ToString(), R"({"value":{"x":1,"inner":{}}})");
+}
+
+TEST(JsonWrapper, APlaceInTheCallersDocumentSeesWhatTheCallerChanges)
+{
+    rapidjson::Document callers;
+    callers.SetObject();
+    JsonWrapper wrapper(&callers);
+    ASSERT_TRUE(wrapper.AddEmptySubObject("a"));
+    const JsonWrapper place = wrapper["a"];
+    for (int i = 0; i < 200; ++i) {
+        rapidjson::Value name(std::to_string(i).c_str(), callers.GetAllocator());
+        callers.AddMember(name, i, callers.GetAllocator());
+    }
+    callers["a"].SetInt(7);
+    EXPECT_EQ(place.ToString(), "7");
+}
+
+TEST(JsonWrapper, ACopyOutlivesTheDocumentItWasParsedIn)
+{
+    JsonWrapper copy;
+    {
+        const JsonWrapper document =
+            parsed(R"({"a key that is longer than a pointer":"a text that is longer, too, with an escape \n in it"})");
+        ASSERT_TRUE(copy.Add("member", document));
+        ASSERT_TRUE(copy.Add(R"(text)", document["a key that is longer than a pointer"]));
+    }
+    EXPECT_EQ(copy.ToString(), R"({"member":{"a key that is longer than a pointer":"a text that is longer, too, with an escape \n in it"},)"
+                               R"("text":"a text that is longer, too, with an escape \n in it"})");
+}
+
+TEST(JsonWrapper, ParsingAgainInTheSamePlaceLeavesTheRestAlone)
+{
+    JsonWrapper document = parsed(R"({"a":{"text":"the first of them, long"},"b":"stays as it is, long"})");
+    JsonWrapper a = document["a"];
+    const JsonWrapper b = document["b"];
+    for (int i = 0; i < 20; ++i)
+        ASSERT_TRUE(a.Parse("{\"text\":\"number " + std::to_string(i) + ", which is long as well\"}"));
+    EXPECT_FALSE(a.Parse("{\"text\":\"cut off"));
+    EXPECT_EQ(b.ToString(), "\"stays as it is, long\"");
+    EXPECT_EQ(document.ToString(), R"({"a":{"text":"number 19, which is long as well"},"b":"stays as it is, long"})");
+}

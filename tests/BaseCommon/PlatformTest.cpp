@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 using namespace orlo::utils;
 
 namespace {
@@ -87,6 +89,14 @@ TEST_F(Platform, HidingTellsWhatIsNotThere)
 {
     EXPECT_TRUE(setHiddenAttribute(m_folder.wide()));
     EXPECT_FALSE(setHiddenAttribute(m_folder.wide("none")));
+}
+
+TEST_F(Platform, OnlyALibraryCanBeKeptLoaded)
+{
+    EXPECT_TRUE(keepLoaded(reinterpret_cast<const void*>(&currentProcessId)));
+    const auto onHeap = std::make_unique<int>();
+    EXPECT_FALSE(keepLoaded(onHeap.get()));
+    EXPECT_FALSE(keepLoaded(nullptr));
 }
 
 TEST_F(Platform, TheProcessIdIsTheSystems)
