@@ -23,29 +23,35 @@ struct AxisEnds
     AxisEnd end;
 };
 
-Spot inPlan(const Point3d& point)
+// Drawn 1:100, as plans are; some viewers don't take texts of the real size.
+double drawn(double millimetres)
 {
-    return {point.x, point.y};
+    return 0.01 * millimetres;
+}
+
+Spot drawn(const Point3d& point)
+{
+    return {drawn(point.x), drawn(point.y)};
 }
 
 AxisEnds drawStraight(SvgPicture& picture, const IAxisCurve& axis, const Spot& from, const Spot& to)
 {
     const double far = length(to - from);
     const Spot along = far > 0.0 ? (to - from) * (1.0 / far) : Spot{};
-    const Spot start = from - along * axis.GetStartExt();
-    const Spot end = to + along * axis.GetEndExt();
+    const Spot start = from - along * drawn(axis.GetStartExt());
+    const Spot end = to + along * drawn(axis.GetEndExt());
     picture.line(start, end, "axis");
     return {{start, along * -1.0}, {end, along}};
 }
 
 AxisEnds drawCurved(SvgPicture& picture, const IAxisArc& axis)
 {
-    const Spot from = inPlan(axis.GetStartPt());
-    const Spot to = inPlan(axis.GetEndPt());
-    const std::optional<Arc> through = arcThrough(from, inPlan(axis.GetMiddlePt()), to);
+    const Spot from = drawn(axis.GetStartPt());
+    const Spot to = drawn(axis.GetEndPt());
+    const std::optional<Arc> through = arcThrough(from, drawn(axis.GetMiddlePt()), to);
     if (!through)
         return drawStraight(picture, axis, from, to);
-    const Arc arc = through->extended(axis.GetStartExt(), axis.GetEndExt());
+    const Arc arc = through->extended(drawn(axis.GetStartExt()), drawn(axis.GetEndExt()));
     picture.arc(arc, "axis");
     return {{arc.at(arc.from), arc.direction(arc.from) * -1.0}, {arc.at(arc.to()), arc.direction(arc.to())}};
 }
@@ -55,13 +61,13 @@ AxisEnds drawAxis(SvgPicture& picture, const IAxisCurve& axis)
     if (const auto* const arc = dynamic_cast<const IAxisArc*>(&axis))
         return drawCurved(picture, *arc);
     const auto& line = dynamic_cast<const IAxisLine&>(axis);
-    return drawStraight(picture, line, inPlan(line.GetStartPt()), inPlan(line.GetEndPt()));
+    return drawStraight(picture, line, drawn(line.GetStartPt()), drawn(line.GetEndPt()));
 }
 
 void drawBubble(SvgPicture& picture, const IAxisCurve& axis, const AxisEnd& end)
 {
     constexpr double usualDiameter = 3000.0; // for axes that tell none
-    const double diameter = axis.GetDiameter() > 0.0 ? axis.GetDiameter() : usualDiameter;
+    const double diameter = drawn(axis.GetDiameter() > 0.0 ? axis.GetDiameter() : usualDiameter);
     const Spot centre = end.spot + end.onward * (0.5 * diameter);
     picture.circle(centre, 0.5 * diameter, "bubble");
     const double letters = static_cast<double>(std::max<std::size_t>(axis.GetName().size(), 2));
@@ -83,7 +89,7 @@ std::string gridPicture(const IAxisGrid& grid)
         if (axes[i]->GetEndTagVis())
             drawBubble(picture, *axes[i], ends[i].end);
     }
-    return picture.document(L"轴网: the axis grid, version " + std::to_wstring(grid.GetVersion()) + L", in millimetres");
+    return picture.document(L"轴网: the axis grid, version " + std::to_wstring(grid.GetVersion()) + L"; 1 unit is 100 mm");
 }
 
 } // namespace session

@@ -28,8 +28,8 @@ std::string number(double value)
     std::ostringstream text;
     text.imbue(std::locale::classic());
     text.setf(std::ios::fixed);
-    text.precision(1);
-    text << std::round(value * 10.0) / 10.0 + 0.0; // no "-0.0"
+    text.precision(2);
+    text << std::round(value * 100.0) / 100.0 + 0.0; // no "-0.00"
     return text.str();
 }
 
