@@ -5,6 +5,7 @@
 #include <BaseCommon/Text.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <locale>
 #include <sstream>
