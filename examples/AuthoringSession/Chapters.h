@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Pictures.h"
 #include "Platform.h"
 #include "Story.h"
 
@@ -16,8 +17,11 @@ std::shared_ptr<orlo::ICollaborationProject> projects(Story& story);
 /// Walks the folder tree, creates a dataset and finds the team's folder.
 void folders(Story& story, orlo::ICollaborationProject& project);
 
-/// Reads the tree of spaces, adds a floor, and lists the versions.
-void spaces(Story& story, orlo::ICollaborationProject& project);
+/// Reads the tree of spaces, adds a floor and a basement, draws them, and lists the versions.
+void spaces(Story& story, orlo::ICollaborationProject& project, Pictures& pictures);
+
+/// Stores a grid of axes, reads it again, measures and draws it; adds a building item, loses a race for it, and gives it what it needs.
+void design(Story& story, orlo::ICollaborationProject& project, Pictures& pictures);
 
 /// Uploads files, brings them back, singly and a dozen at once, compares the bytes, and publishes one as a version of a dataset.
 void files(Story& story, orlo::ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder);
@@ -54,5 +58,8 @@ void showFolder(Story& story, const orlo::ICollaborationFolder& folder);
 
 /// The first folder of the project, as the platform has it now. Valid until the project's folders are read again.
 const orlo::ICollaborationFolder& firstFolder(Story& story, orlo::ICollaborationProject& project);
+
+/// The first dataset of the project that is in draft.
+orlo::DatasetInfo firstDraft(Story& story, orlo::ICollaborationProject& project);
 
 } // namespace session

@@ -67,6 +67,15 @@ const ICollaborationFolder& firstFolder(Story& story, ICollaborationProject& pro
     return *roots.front()->GetSubFolders().front();
 }
 
+DatasetInfo firstDraft(Story& story, ICollaborationProject& project)
+{
+    ErrorCode error;
+    std::vector<DatasetInfo> drafts;
+    story.expect(project.GetDatasetBySatatus(DatasetStatus::Draft, drafts, error) && !drafts.empty(), L"there is no dataset in draft",
+                 error);
+    return drafts.front();
+}
+
 void folders(Story& story, ICollaborationProject& project)
 {
     story.chapter(L"Folders and datasets");

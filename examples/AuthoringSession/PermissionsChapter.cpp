@@ -11,15 +11,6 @@ using namespace orlo;
 
 namespace {
 
-std::string firstDraft(Story& story, ICollaborationProject& project)
-{
-    ErrorCode error;
-    std::vector<DatasetInfo> drafts;
-    story.expect(project.GetDatasetBySatatus(DatasetStatus::Draft, drafts, error) && !drafts.empty(), L"there is no dataset in draft",
-                 error);
-    return drafts.front().id;
-}
-
 /// The "msg" of a result.
 std::wstring reasonOf(const std::string& result)
 {
@@ -68,7 +59,7 @@ void permissions(Story& story, ICollaborationProject& project, const Platform& p
     if (!platform.isOurOwn()) // nobody else is known there
         return;
     story.chapter(L"Two users, one model");
-    const std::string dataset = firstDraft(story, project);
+    const std::string dataset = firstDraft(story, project).id;
     platform.addColleague();
     opens(story, dataset, EDatasetPermission::READ_WRITE);
     signInColleague();

@@ -1,6 +1,7 @@
 #include "Platform.h"
 
 #include <BaseCommon/Files.h>
+#include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 
 #include <LocalPlatform/LocalPlatform.h>
@@ -26,6 +27,7 @@ std::filesystem::path pathOf(const std::string& kept)
 SessionFolder::SessionFolder(const std::string& kept) : m_path(pathOf(kept)), m_isKept(!kept.empty())
 {
     std::filesystem::create_directories(m_path);
+    m_pictures = m_isKept ? path(L"pictures") : orlo::FilePath::Combine(getLocalAppDataPath(), L"AuthoringSession/pictures");
 }
 
 SessionFolder::~SessionFolder()

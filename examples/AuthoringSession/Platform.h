@@ -21,9 +21,12 @@ public:
     SessionFolder& operator=(const SessionFolder&) = delete;
 
     std::wstring path(const std::wstring& name) const;
+    /// For what the user looks at when the session is over: among the rest, or, where that goes, among the data of the user's applications.
+    const std::wstring& pictures() const { return m_pictures; }
 
 private:
     std::filesystem::path m_path;
+    std::wstring m_pictures;
     bool m_isKept;
 };
 

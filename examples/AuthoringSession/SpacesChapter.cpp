@@ -1,5 +1,6 @@
 #include "Chapters.h"
 #include "Drawing.h"
+#include "SpacesPicture.h"
 
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
@@ -119,26 +120,34 @@ void show(Story& story, const ISpaceConfig& spaces)
     }
 }
 
-void addFloor(Story& story, ICollaborationProject& project, const ISpaceConfig& current)
+std::shared_ptr<Space> newFloor(const std::wstring& name, const std::wstring& level)
+{
+    return std::make_shared<Space>(utils::toWstring(uuid::newUUIDV4()), name, SpaceType::Floor, level);
+}
+
+void addFloors(Story& story, ICollaborationProject& project, const ISpaceConfig& current)
 {
     const auto changed = std::make_shared<Spaces>(current);
     Space* const region = changed->firstRegion();
     story.expect(region != nullptr, L"the spaces have no region");
-    region->add(std::make_shared<Space>(utils::toWstring(uuid::newUUIDV4()), L"二层", SpaceType::Floor, L"3.600"));
+    region->add(newFloor(L"二层", L"3.600"));
+    region->add(newFloor(L"地下一层", L"-4.200"));
     story.expect(HttpClient::updateSpaceConfig(HttpClient::stringifySpaceConfig(changed), project.GetId()),
                  L"the changed spaces could not be stored");
-    story.say(L"Added a floor and stored the tree.");
+    story.say(L"Added a floor and a basement, levels in metres, and stored the tree.");
 }
 
 } // namespace
 
-void spaces(Story& story, ICollaborationProject& project)
+void spaces(Story& story, ICollaborationProject& project, Pictures& pictures)
 {
     story.chapter(L"Sites, buildings, regions and floors");
     const auto first = latest(story, project);
     show(story, *first);
-    addFloor(story, project, *first);
-    show(story, *latest(story, project));
+    addFloors(story, project, *first);
+    const auto second = latest(story, project);
+    show(story, *second);
+    pictures.keep(story, L"spaces.svg", spacesPicture(*second));
     story.say(L"Versions kept by the platform: " + std::to_wstring(versionsOf(story, project).size()));
 }
 

@@ -16,7 +16,8 @@ namespace {
 constexpr const char* usage = R"(usage: AuthoringSession [--url URL] [--data DIR [--crash]]
   Lives a short day of an authoring application.
   --url URL    a local platform that runs already; without it, one is started here
-  --data DIR   keeps everything in DIR, so that the next session finds it again; without it, nothing is kept
+  --data DIR   keeps everything in DIR, so that the next session finds it again; without it, the pictures alone are kept, with the
+               data of your applications
   --crash      kills the session in the middle of its uploads; the next one with the same DIR finishes them. Not with --url
 )";
 
@@ -57,6 +58,7 @@ void live(const Arguments& arguments)
 
     story.chapter(L"Setting up");
     const SessionFolder folder(arguments.data);
+    Pictures pictures(folder.pictures());
     const Platform platform(arguments.url, folder);
     setHostUp(platform.url(), folder.path(L"host"));
     story.say((platform.isOurOwn() ? L"Started a platform at " : L"Using the platform at ") + platform.url());
@@ -66,7 +68,8 @@ void live(const Arguments& arguments)
     earlierJobs(story);
     const auto hospital = projects(story);
     folders(story, *hospital);
-    spaces(story, *hospital);
+    spaces(story, *hospital, pictures);
+    design(story, *hospital, pictures);
     permissions(story, *hospital, platform);
     files(story, *hospital, platform, folder.path(L"drawings"));
     teamwork(story, *hospital, platform);
@@ -79,6 +82,9 @@ void live(const Arguments& arguments)
     story.chapter(L"The end of the day");
     orlo::UserSession::SignOut();
     story.say(L"Signed out.");
+    story.say(L"Pictures of the day, for a browser:");
+    for (const std::wstring& path : pictures.paths())
+        story.say(L"  " + path);
 }
 
 } // namespace
