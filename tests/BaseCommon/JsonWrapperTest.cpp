@@ -541,3 +541,21 @@ TEST(JsonWrapper, ParsingAgainInTheSamePlaceLeavesTheRestAlone)
     EXPECT_EQ(b.ToString(), "\"stays as it is, long\"");
     EXPECT_EQ(document.ToString(), R"({"a":{"text":"number 19, which is long as well"},"b":"stays as it is, long"})");
 }
+
+TEST(JsonWrapper, ControlCharactersAreRefusedInTextsAndEscapedWhereverTheyStand)
+{
+    for (char control = 1; control < 0x20; ++control) {
+        for (std::size_t place = 0; place < 40; ++place) {
+            std::string text(40, 'x');
+            text[place] = control;
+            JsonWrapper read;
+            EXPECT_FALSE(read.Parse("[\"" + text + "\"]")) << int{control} << " at " << place;
+            JsonWrapper written;
+            ASSERT_TRUE(written.Add("text", text));
+            ASSERT_TRUE(read.Parse(written.ToString())) << written.ToString();
+            std::string again;
+            EXPECT_TRUE(read.Get("text", again));
+            EXPECT_EQ(again, text);
+        }
+    }
+}

@@ -224,12 +224,11 @@ bool parseJson(const std::string& text, Document& out)
     // end of a text that stops within a character.
     if (text.size() >= std::numeric_limits<SizeType>::max() || text.find('\0') != std::string::npos || !utils::isValidUtf8(text))
         return false;
-    // The document's texts stay where they are in a copy of the whole; the parser looks at sixteen bytes at a time.
-    constexpr std::size_t beyond = 16;
-    auto* const copy = static_cast<char*>(out.GetAllocator().Malloc(text.size() + beyond));
+    // The document's texts stay where they are in a copy of the whole.
+    auto* const copy = static_cast<char*>(out.GetAllocator().Malloc(text.size() + 1));
     if (copy == nullptr)
         return false;
-    std::fill_n(std::copy(text.begin(), text.end(), copy), beyond, '\0');
+    *std::copy(text.begin(), text.end(), copy) = '\0';
     bool isGood = false;
     auto generate = [&](Document& document) {
         rapidjson::Reader reader;
