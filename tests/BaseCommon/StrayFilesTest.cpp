@@ -20,7 +20,11 @@ constexpr const char* guid = "8d78b598-f02a-40ad-9984-17126a4d3b38";
 class StrayFiles : public testing::Test
 {
 protected:
-    StrayFiles() { fs::create_directories(at("Files/ds-1/blocks")), fs::create_directories(at("Temp")); }
+    StrayFiles()
+    {
+        for (const char* folder : {"Files/ds-1/blocks", "Temp", "Templates"})
+            fs::create_directories(at(folder));
+    }
 
     fs::path at(const std::string& name) const { return m_folder.path(name); }
     fs::path make(const std::string& name, const std::string& content = "x") const
@@ -44,8 +48,10 @@ TEST_F(StrayFiles, whatDeadProcessesLeftIsRemoved)
     makeOld(std::string("Temp/.~") + guid);
     makeOld(std::string("Files/.~") + guid);
     makeOld(std::string("Files/ds-1/blocks/.~") + guid);
-    EXPECT_EQ(removeStrayTransfers(), 4U);
+    makeOld(std::string("Templates/.~") + guid);
+    EXPECT_EQ(removeStrayTransfers(), 5U);
     EXPECT_TRUE(fs::is_empty(at("Temp")));
+    EXPECT_TRUE(fs::is_empty(at("Templates")));
     EXPECT_TRUE(fs::is_empty(at("Files/ds-1/blocks")));
     EXPECT_EQ(removeStrayTransfers(), 0U);
 }
@@ -75,9 +81,9 @@ TEST_F(StrayFiles, whatALivingProcessMadeStaysUntilThatIsGone)
 
 TEST_F(StrayFiles, namesOfOthersStay)
 {
-    for (const char* name :
-         {"Temp/plan.dwg", "Temp/8d78b598-f02a-40ad-9984-17126a4d3b38.dwg", "Temp/.~lock.plan#", "Temp/.~", "Temp/8d78b598",
-          "Files/ds-1/blocks/8d78b598-f02a-40ad-9984-17126a4d3b38", "Files/ds-1/.~lock.plan#", "Temp/\xFF\xFE"})
+    for (const char* name : {"Temp/plan.dwg", "Temp/8d78b598-f02a-40ad-9984-17126a4d3b38.dwg", "Temp/.~lock.plan#", "Temp/.~",
+                             "Temp/8d78b598", "Files/ds-1/blocks/8d78b598-f02a-40ad-9984-17126a4d3b38", "Files/ds-1/.~lock.plan#",
+                             "Templates/8d78b598-f02a-40ad-9984-17126a4d3b38", "Templates/t-1-77.dwt", "Temp/\xFF\xFE"})
         makeOld(name);
     fs::create_directories(at(std::string("Temp/") + guid));
     fs::last_write_time(at(std::string("Temp/") + guid), fs::file_time_type::clock::now() - std::chrono::hours(1));

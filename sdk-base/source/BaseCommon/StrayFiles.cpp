@@ -51,7 +51,8 @@ try {
     if (!start)
         return 0;
     return removeIn<fs::directory_iterator>(getTempPath(), *start, &isTemporaryName) +
-           removeIn<fs::recursive_directory_iterator>(getLocalFileCachePath(), *start, &isHalfMadeName);
+           removeIn<fs::recursive_directory_iterator>(getLocalFileCachePath(), *start, &isHalfMadeName) +
+           removeIn<fs::recursive_directory_iterator>(getTemplatesPath(), *start, &isHalfMadeName);
 }
 catch (const std::exception&) { // no memory; the litter waits
     return 0;

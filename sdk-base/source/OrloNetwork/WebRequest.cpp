@@ -51,10 +51,10 @@ std::shared_ptr<const http::Route> routeOf(const http_client_config& config, Tra
     const auto host = OrloConfigManager::Get()->snapshot();
     const auto route = std::make_shared<http::Route>();
     route->timeout = std::min(config.timeout<microseconds>(), year);
-    if (traffic == Traffic::calls)
+    route->isOfFiles = traffic == Traffic::files || traffic == Traffic::filesOfBatch;
+    if (!route->isOfFiles)
         route->wholeTime = wholeCall * route->timeout;
-    route->isOfFiles = traffic != Traffic::calls;
-    route->keepsConnections = traffic == Traffic::filesOfBatch || host->keepConnections;
+    route->keepsConnections = traffic == Traffic::filesOfBatch || (traffic != Traffic::changes && host->keepConnections);
     if (!host->proxy.empty())
         takeProxy(host->proxy, *route);
     if (!host->caFile.empty())

@@ -31,6 +31,7 @@ namespace OrloWebService {
 /// What the requests of a client carry.
 enum class Traffic {
     calls,       ///< JSON: the whole of a call gets no longer than five times the time-out
+    changes,     ///< the same for a GET that changes something, and so never goes on a kept connection
     files,       ///< as long as there is headway
     filesOfBatch ///< the same, on connections that are kept for the next file
 };

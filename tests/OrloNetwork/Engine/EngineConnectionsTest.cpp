@@ -2,6 +2,7 @@
 #include "OrloNetwork/TlsServer.h"
 #include "support/HostSetup.h"
 #include "support/HttpExchange.h"
+#include "support/RawServer.h"
 #include "support/TempFolder.h"
 #include "support/Waiting.h"
 
@@ -121,6 +122,44 @@ TEST_P(EngineConnectionsTest, whatChangesSomethingNeverSharesAConnection)
     EXPECT_EQ(server.connectionCount(), 6U);
     EXPECT_EQ(send("GET", server.url()).body, "{}");
     EXPECT_EQ(server.connectionCount(), 6U);
+}
+
+TEST_P(EngineConnectionsTest, aFileComesAfterOneThatCouldNotBeHad)
+{
+    KeepingServer server;
+    RawServer resetting(RawAnswer::resetBeforeAnswer());
+    RawServer cutting(RawAnswer::closeAfter("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nabc", 50));
+    RawServer silent(RawAnswer::stall());
+    Sending file;
+    file.traffic = Traffic::files;
+    Sending impatient = file;
+    impatient.timeout = 50ms;
+    for (const char* method : {"GET", "POST"}) { // the one on threads for files, where it isn't carried here, the other on the loop
+        EXPECT_TRUE(send(method, "http://no-such-host.invalid", file).hasFailed);
+        EXPECT_EQ(send(method, server.url(), file).body, "{}") << method << " after a name that leads nowhere";
+        EXPECT_TRUE(send(method, "http://127.0.0.1:1", file).hasFailed);
+        EXPECT_EQ(send(method, server.url(), file).body, "{}") << method << " after nobody listened";
+        EXPECT_TRUE(send(method, resetting.url(), file).hasFailed);
+        EXPECT_EQ(send(method, server.url(), file).body, "{}") << method << " after a reset";
+        EXPECT_TRUE(send(method, cutting.url(), file).hasFailed);
+        EXPECT_EQ(send(method, server.url(), file).body, "{}") << method << " after a body that was cut short";
+        EXPECT_TRUE(send(method, silent.url(), impatient).hasFailed);
+        EXPECT_EQ(send(method, server.url(), file).body, "{}") << method << " after a silence";
+    }
+}
+
+TEST_P(EngineConnectionsTest, aGetThatChangesSomethingNeverSharesAConnection)
+{
+    keep();
+    KeepingServer server;
+    Sending changing;
+    changing.traffic = OrloWebService::Traffic::changes;
+    EXPECT_EQ(send("GET", server.url()).body, "{}");
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(send("GET", server.url(), changing).body, "{}");
+    EXPECT_EQ(server.connectionCount(), 4U);
+    EXPECT_EQ(send("GET", server.url()).body, "{}");
+    EXPECT_EQ(server.connectionCount(), 4U);
 }
 
 TEST_P(EngineConnectionsTest, aGetWithABodyNeverSharesAConnection)

@@ -73,10 +73,13 @@ public:
         try {
             if (!m_carrier)
                 make();
-            const auto end = carryOn(transfer, *m_carrier, m_state.hasEnded);
+            const Ending ending = carryOn(transfer, *m_carrier, m_state.hasEnded);
             continuations.begin();
-            end();
-            curl_easy_reset(m_carrier->easy.get());
+            ending.tell();
+            if (ending.canBeUsedAgain)
+                curl_easy_reset(m_carrier->easy.get());
+            else
+                drop();
         }
         catch (...) {
             drop(); // what is the matter with it nobody knows

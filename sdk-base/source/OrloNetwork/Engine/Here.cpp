@@ -94,18 +94,18 @@ private:
 
 } // namespace
 
-std::function<void()> carryOn(const std::shared_ptr<Transfer>& transfer, const Carrier& carrier, const std::atomic<bool>& stops)
+Ending carryOn(const std::shared_ptr<Transfer>& transfer, const Carrier& carrier, const std::atomic<bool>& stops)
 {
     transfer->attach(carrier.easy.get(), nullptr);
     const Awakening awakening(transfer->token(), carrier.multi.get());
     Ride ride(carrier.multi.get(), carrier.easy.get());
     while (true) {
         if (stops || transfer->token().is_canceled())
-            return [transfer] { transfer->endWith(cancelled()); };
+            return {[transfer] { transfer->endWith(cancelled()); }, false};
         if (const auto ended = ride.step())
-            return [transfer, code = *ended] { transfer->end(code); };
+            return {[transfer, code = *ended] { transfer->end(code); }, *ended == CURLE_OK};
         if (Transfer::Clock::now() >= transfer->due())
-            return [transfer] { transfer->endTooLate(); };
+            return {[transfer] { transfer->endTooLate(); }, false};
         curl::waitUntil(carrier.multi.get(), transfer->due());
     }
 }
@@ -114,14 +114,18 @@ void carryHere(const std::shared_ptr<Transfer>& transfer)
 {
     static const std::atomic<bool> never{false};
     auto carrier = carriers().take();
+    bool canBeUsedAgain = false;
     try {
-        carryOn(transfer, *carrier, never)();
+        const Ending ending = carryOn(transfer, *carrier, never);
+        ending.tell();
+        canBeUsedAgain = ending.canBeUsedAgain;
     }
     catch (...) {
         transfer->endWith(std::current_exception());
         return; // what is the matter with the handle nobody knows
     }
-    carriers().giveBack(std::move(carrier));
+    if (canBeUsedAgain)
+        carriers().giveBack(std::move(carrier));
 }
 
 } // namespace orlo::http

@@ -19,9 +19,16 @@ struct Carrier
 /// How it ended its answer tells.
 void carryHere(const std::shared_ptr<Transfer>& transfer);
 
+/// How a transfer left its handle.
+struct Ending
+{
+    std::function<void()> tell; ///< ends the transfer, which runs the continuations that run at once
+    /// False after a failure: libcurl may have left its room for receiving behind, and then refuses options of the next transfer.
+    bool canBeUsedAgain;
+};
+
 /// The same on handles of the caller's, in two steps. Throws where libcurl fails; the transfer hasn't ended then.
 /// stops: cancels it, when the handle is woken.
-/// Returns: what ends the transfer, which runs the continuations that run at once.
-std::function<void()> carryOn(const std::shared_ptr<Transfer>& transfer, const Carrier& carrier, const std::atomic<bool>& stops);
+Ending carryOn(const std::shared_ptr<Transfer>& transfer, const Carrier& carrier, const std::atomic<bool>& stops);
 
 } // namespace orlo::http

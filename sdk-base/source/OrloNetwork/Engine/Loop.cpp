@@ -82,7 +82,7 @@ public:
             // The handle tells more of its failure while it is attached.
             const std::shared_ptr<Transfer> transfer = m_all.at(ended.easy).transfer;
             transfer->end(*ended.code);
-            drop(ended.easy);
+            drop(ended.easy, *ended.code == CURLE_OK);
         }
         endOverdue();
     }
@@ -118,7 +118,8 @@ private:
         }
     }
 
-    std::shared_ptr<Transfer> drop(CURL* easy)
+    /// canBeUsedAgain: see Ending.
+    std::shared_ptr<Transfer> drop(CURL* easy, bool canBeUsedAgain = false)
     {
         auto node = m_all.extract(easy);
         Entry entry = std::move(node.mapped());
@@ -126,8 +127,10 @@ private:
         m_handles.erase(entry.transfer.get());
         if (entry.transfer->token().is_cancelable())
             entry.transfer->token().deregister_callback(entry.registration); // it waits for one that runs, which takes no lock for long
-        curl_easy_reset(easy);
-        m_spare = std::move(entry.easy);
+        if (canBeUsedAgain) {
+            curl_easy_reset(easy);
+            m_spare = std::move(entry.easy);
+        }
         return entry.transfer;
     }
 

@@ -216,6 +216,12 @@ WebCall& WebCall::failsWithMessage(std::wstring beforeMessage)
     return *this;
 }
 
+WebCall& WebCall::onAConnectionOfItsOwn()
+{
+    m_keepsApart = true;
+    return *this;
+}
+
 WebCall& WebCall::plainText(std::wstring text)
 {
     m_isPlainText = true;
@@ -257,7 +263,8 @@ Exchange WebCall::prepare() const
         m_text ? OrloWebService::CreateRequest(m_method, target(), *m_text) : OrloWebService::CreateRequest(m_method, target(), m_json);
     if (m_isPlainText)
         request->headers().set_content_type(utils::toNative(std::string("text/plain; charset=utf-8")));
-    return {OrloWebService::CreateClient(base, config), request};
+    const auto traffic = m_keepsApart ? OrloWebService::Traffic::changes : OrloWebService::Traffic::calls;
+    return {OrloWebService::CreateClient(base, config, traffic), request};
 }
 
 WebAnswer WebCall::answer(const web::http::http_response& response, const ErrorCode& error) const

@@ -139,6 +139,9 @@ public:
     /// A status that is not 200 is not logged.
     WebCall& failsSilently();
 
+    /// For a GET that changes something: libcurl would send it again on a kept connection that turns out to be dead.
+    WebCall& onAConnectionOfItsOwn();
+
     /// A body of plain text, which is not JSON to the platform.
     WebCall& plainText(std::wstring text);
     /// A status that is not 200 is logged with the platform's words behind it.
@@ -162,6 +165,7 @@ private:
     web::json::value m_json;
     std::optional<std::wstring> m_text;
     bool m_isPlainText = false;
+    bool m_keepsApart = false;
     bool m_pathHoldsPermission = false;
     std::optional<int> m_timeoutSeconds;
     FailureWords m_failureWords;
