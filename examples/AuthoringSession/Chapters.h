@@ -44,6 +44,10 @@ void jobs(Story& story, orlo::ICollaborationProject& project, const std::wstring
 [[noreturn]] void crashAmidJobs(Story& story, orlo::ICollaborationProject& project, const Platform& platform,
                                 const std::wstring& localFolder);
 
+/// Takes components from the public catalogue, hands a template and a module to jobs and brings the template back, lists what is bundled
+/// for the archive. Only on a platform of our own.
+void libraries(Story& story, orlo::ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder);
+
 /// Reads what the account may use and what of it is used.
 void resources(Story& story);
 

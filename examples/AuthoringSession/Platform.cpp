@@ -51,6 +51,8 @@ Platform::Platform(const std::string& url, const SessionFolder& folder) : m_url(
     options.seedDemo = true;
     m_own = std::make_unique<LocalPlatform>(options);
     m_own->change(orlo::platform::setQuota, "demo-account", 500, 100);
+    m_own->change(orlo::platform::addStandardComponents);
+    m_own->change(orlo::platform::addStandardTemplates);
     m_own->start();
     m_url = m_own->url();
 }
@@ -81,6 +83,44 @@ void Platform::share(const std::string& projectId, const std::string& teamId, co
         share.name = "一审";
         share.contents = {{datasetId, 1}};
         orlo::platform::addShare(world, share);
+    });
+}
+
+std::wstring Platform::publicComponent(const std::string& name) const
+{
+    return m_own->ask([&](const orlo::platform::World& world) {
+        return toWstring(world.tables
+                             .text("SELECT c.componentId FROM publicComponentVersion c JOIN componentEdition e ON e.id = c.editionId "
+                                   "WHERE e.name = ?",
+                                   name)
+                             .value());
+    });
+}
+
+void Platform::startDataset(const std::string& datasetId, const std::string& templateId) const
+{
+    m_own->change(orlo::platform::addSampleFile, {datasetId, templateId});
+}
+
+void Platform::addModuleCategory(const std::string& projectId, const std::string& name) const
+{
+    m_own->change(orlo::platform::addModuleCategory, {"projects", projectId, "beam", "tree", name});
+}
+
+void Platform::bundle(const std::string& projectId, const std::string& datasetId) const
+{
+    m_own->change([&](orlo::platform::World& world) {
+        orlo::platform::ArchivePackageSeed package;
+        package.projectId = projectId;
+        package.name = "一期竣工";
+        package.receiverName = "档案馆";
+        orlo::platform::ArchiveUnitSeed unit;
+        unit.projectId = projectId;
+        unit.name = "建筑图纸";
+        unit.datasetVersions = {
+            static_cast<int>(world.tables.integer("SELECT id FROM version WHERE dataSetId = ? AND version = 1", datasetId).value())};
+        orlo::platform::addArchiveVersion(world, orlo::platform::addArchivePackage(world, package),
+                                          {orlo::platform::addArchiveUnit(world, unit)});
     });
 }
 

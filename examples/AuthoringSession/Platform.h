@@ -48,6 +48,13 @@ public:
     void addColleague() const;
     /// Lets the project's first team share the first version of a dataset with another. Only on a platform of our own.
     void share(const std::string& projectId, const std::string& teamId, const std::string& datasetId) const;
+    /// The id of a component of the public catalogue. As the rest here: only on a platform of our own.
+    std::wstring publicComponent(const std::string& name) const;
+    /// Lets a dataset begin with a template that its project offers.
+    void startDataset(const std::string& datasetId, const std::string& templateId) const;
+    void addModuleCategory(const std::string& projectId, const std::string& name) const;
+    /// Bundles the first version of a dataset for the archive.
+    void bundle(const std::string& projectId, const std::string& datasetId) const;
     /// No upload comes to its end from now on. Only on a platform of our own.
     void slowUploadsDown() const;
 

@@ -76,6 +76,7 @@ void live(const Arguments& arguments)
     if (arguments.crashes)
         crashAmidJobs(story, *hospital, platform, folder.path(L"drawings"));
     jobs(story, *hospital, folder.path(L"drawings"));
+    libraries(story, *hospital, platform, folder.path(L"drawings"));
     resources(story);
     failures(story);
 

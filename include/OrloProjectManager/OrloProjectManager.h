@@ -33,9 +33,12 @@
 #include <OrloProjectManager/Projects/ProjectRecords.h>
 #include <OrloProjectManager/Projects/Specialty.h>
 #include <OrloProjectManager/Projects/StandardProperty.h>
+#include <OrloProjectManager/Resources/IArchivePackage.h>
 #include <OrloProjectManager/Resources/IModuleManager.h>
+#include <OrloProjectManager/Resources/IProjectComponentLibrary.h>
 #include <OrloProjectManager/Resources/IProjectFont.h>
 #include <OrloProjectManager/Resources/ITemplateManager.h>
+#include <OrloProjectManager/Resources/ProjectTemplate.h>
 #include <OrloProjectManager/Teams/CollaborationTeamInfo.h>
 #include <OrloProjectManager/Teams/ICollaborationSharedRecord.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>

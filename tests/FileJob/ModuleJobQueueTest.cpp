@@ -23,19 +23,15 @@ using testing::IsEmpty;
 class QueuedModules : public IModuleUploads
 {
 public:
-    std::shared_ptr<ICollaborationModule> UploadModule(const ModulePlace&, const std::wstring&, const std::wstring& fileName,
-                                                       const std::wstring&, bool, ErrorCode&) override
+    std::shared_ptr<ICollaborationModule> UploadModule(const std::wstring&, const std::wstring&, const std::wstring&, const std::wstring&,
+                                                       const std::wstring& fileName, const std::wstring&, bool, ErrorCode&) override
     {
         enter(fileName);
         std::this_thread::yield();
         leave(fileName);
         return nullptr;
     }
-    bool AddModuleToProject(const ModulePlace&, const ICollaborationModule&, const std::wstring&, const std::wstring&, std::wstring&,
-                            ErrorCode&) override
-    {
-        return false;
-    }
+    bool AddModuleToProject(const std::wstring&, const std::wstring&, const NewModule&, std::string&, ErrorCode&) override { return false; }
 
     std::vector<std::wstring> uploaded() const
     {

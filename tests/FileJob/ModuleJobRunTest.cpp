@@ -41,28 +41,25 @@ struct ToldModules : IModuleUploads
         std::wstring GetUrl() const override { return L"http://store/1"; }
     };
 
-    static std::wstring textOf(const ModulePlace& place)
-    {
-        return place.spaceType + L"|" + place.spaceTypeParameter + L"|" + place.resourceType + L"|" + place.categoryId + L"|" +
-               place.specialty;
-    }
-
-    std::shared_ptr<ICollaborationModule> UploadModule(const ModulePlace& place, const std::wstring& localPath,
+    std::shared_ptr<ICollaborationModule> UploadModule(const std::wstring& spaceType, const std::wstring& spaceTypeParameter,
+                                                       const std::wstring& resourceType, const std::wstring& localPath,
                                                        const std::wstring& fileName, const std::wstring& md5, bool gzip,
                                                        ErrorCode& error) override
     {
-        calls.push_back(L"upload " + textOf(place) + L"|" + fileName + L"|" + md5 + (gzip ? L"|gzip" : L""));
+        calls.push_back(L"upload " + spaceType + L"|" + spaceTypeParameter + L"|" + resourceType + L"|" + fileName + L"|" + md5 +
+                        (gzip ? L"|gzip" : L""));
         path = localPath;
         error.Assign(badInputValue, std::make_shared<GenericError>(L"no upload"));
         if (throwsAtUpload)
             throw std::runtime_error("out of paper");
         return isUploaded ? std::make_shared<Module>() : nullptr;
     }
-    bool AddModuleToProject(const ModulePlace& place, const ICollaborationModule& module, const std::wstring& name, const std::wstring& md5,
-                            std::wstring& resource, ErrorCode& error) override
+    bool AddModuleToProject(const std::wstring& spaceType, const std::wstring& spaceTypeParameter, const NewModule& module,
+                            std::string& resource, ErrorCode& error) override
     {
-        calls.push_back(L"add " + textOf(place) + L"|" + module.GetFileKey() + L"|" + module.GetUrl() + L"|" + name + L"|" + md5);
-        resource = L"r-8&2";
+        calls.push_back(L"add " + spaceType + L"|" + spaceTypeParameter + L"|" + module.resourceType + L"|" + module.categoryId + L"|" +
+                        module.applicationType + L"|" + module.fileKey + L"|" + module.url + L"|" + module.name + L"|" + module.md5);
+        resource = "r-8&2";
         error.Assign(badInputValue, std::make_shared<GenericError>(L"not added"));
         return isAdded;
     }
@@ -105,7 +102,7 @@ protected:
 TEST_F(ModuleJobRun, uploadsAndPublishesTheModuleWithItsSumAndTellsTheHost)
 {
     runModule(true, 200, L"Upload Module success");
-    EXPECT_THAT(modules.calls, ElementsAre(L"upload projects|p-1|module|c-5|zok|门|4b3a6218bb3e3a7303e8a171a60fcf92",
+    EXPECT_THAT(modules.calls, ElementsAre(L"upload projects|p-1|module|门|4b3a6218bb3e3a7303e8a171a60fcf92",
                                            L"add projects|p-1|module|c-5|zok|key-1|http://store/1|门|4b3a6218bb3e3a7303e8a171a60fcf92"));
     EXPECT_THAT(board.posted, ElementsAre(L"4 module_模-1_r-8&2"));
 }
@@ -114,7 +111,7 @@ TEST_F(ModuleJobRun, withoutANameTakesThatOfTheFileLessItsExtension)
 {
     runModule(true, 200, L"Upload Module success", L"");
     EXPECT_THAT(modules.calls,
-                ElementsAre(L"upload projects|p-1|module|c-5|zok|door.v2|4b3a6218bb3e3a7303e8a171a60fcf92",
+                ElementsAre(L"upload projects|p-1|module|door.v2|4b3a6218bb3e3a7303e8a171a60fcf92",
                             L"add projects|p-1|module|c-5|zok|key-1|http://store/1|door.v2|4b3a6218bb3e3a7303e8a171a60fcf92"));
 }
 

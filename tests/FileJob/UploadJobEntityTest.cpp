@@ -49,6 +49,13 @@ TEST(UploadJobEntity, theTypesAreTwoAndFour)
     EXPECT_EQ(static_cast<int>(UploadModuleJobEntity(L"m", L"f", L"s", "p", L"r", L"c", L"z", L"l", L"n").GetType()), 4);
 }
 
+TEST(UploadJobEntity, theTypeOfATemplatesJobIsThree)
+{
+    UploadFileJobEntity job;
+    job.setTemplate(L"ZOK");
+    EXPECT_EQ(static_cast<int>(job.GetType()), 3);
+}
+
 TEST(UploadJobEntity, bothClassesAreRebuiltByTheirKeys)
 {
     const auto file = makeJobEntity("E6FDB37F - 39D1 - 4BDD - A8E6 - 59E881C78190");

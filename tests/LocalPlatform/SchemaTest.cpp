@@ -28,7 +28,7 @@ TEST(Schema, ItsVersionStandsInTheFile)
     {
         const LocalPlatform platform(Options{data, 0, false});
     }
-    EXPECT_EQ(schemaVersion(data + "/platform.db"), 7);
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 11);
 }
 
 TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
@@ -48,7 +48,7 @@ TEST(Schema, DataOfTheFirstPlatformIsKeptAndBroughtUpToDate)
         EXPECT_EQ(demo.put("/dataset/d1/version?sourceFile=new.zok", "{}").status, 200);
         EXPECT_EQ(demo.post("/v2/p1/sub_item/0", "{}").status, 200);
     }
-    EXPECT_EQ(schemaVersion(data + "/platform.db"), 7);
+    EXPECT_EQ(schemaVersion(data + "/platform.db"), 11);
 }
 
 TEST(Schema, DataOfANewerProgramIsLeftAlone)

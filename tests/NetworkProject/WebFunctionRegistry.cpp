@@ -1,5 +1,6 @@
 #include "WebFunctionRegistry.h"
 
+#include <OrloAuth/UserSession.h>
 #include <OrloProjectManager/NetworkProject/Design/BuildingItemWeb.h>
 #include <OrloProjectManager/NetworkProject/Design/ConfigWeb.h>
 #include <OrloProjectManager/NetworkProject/Issues/IssueWeb.h>
@@ -11,8 +12,11 @@
 #include <OrloProjectManager/NetworkProject/Projects/ProjectWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/SpecialtyWeb.h>
 #include <OrloProjectManager/NetworkProject/Projects/VersionWeb.h>
+#include <OrloProjectManager/NetworkProject/Resources/ArchiveWeb.h>
 #include <OrloProjectManager/NetworkProject/Resources/ComponentWeb.h>
 #include <OrloProjectManager/NetworkProject/Resources/FontWeb.h>
+#include <OrloProjectManager/NetworkProject/Resources/ModuleWeb.h>
+#include <OrloProjectManager/NetworkProject/Resources/TemplateWeb.h>
 #include <OrloProjectManager/NetworkProject/Teams/ShareWeb.h>
 #include <OrloProjectManager/NetworkProject/Teams/TeamWeb.h>
 #include <OrloProjectManager/NetworkProject/Transfer/FileWeb.h>
@@ -65,11 +69,32 @@ bool applyToRead(ErrorCode& error)
     return ApplyForReadDataset(error, failure, token, "dataset");
 }
 
+/// Works for a signed-in user only; where there is no host yet, somebody is signed in for the length of the call.
+bool archivePackages(ErrorCode& error)
+{
+    const bool hasUser = UserSession::GetInstance() != nullptr;
+    if (!hasUser)
+        UserSession::SignIn({L"user-1", L"account-1", L"token-secret-1"});
+    const std::shared_ptr<void> signOut(nullptr, [&](void*) {
+        if (!hasUser)
+            UserSession::SignOut();
+    });
+    http::ORLOHTTPPayloadArchivePackageAck packages;
+    return GetArchivePackageListByProjectId(error, packages, L"project");
+}
+
 bool latestConfig(ErrorCode& error)
 {
     std::vector<ProjectItemConfig> items;
     int revision = 0;
     return GetLatestConfigByProjectIdAndOwnerId(error, items, &revision, L"item", L"project", ConfigType::Coordinate);
+}
+
+bool searchAllComponents(ErrorCode& error)
+{
+    std::vector<Component> components;
+    int totalCount = 0;
+    return SearchComponents(error, components, totalCount, L"project", {{}, L"keyword", 1, 20});
 }
 
 } // namespace
@@ -146,6 +171,19 @@ const std::vector<WebFunction>& webFunctions()
          plain(&UpsertDatasetMeta, DatasetMetaKey::SpaceConfigVersion, L"value", L"version"), Body::unread},
         {"GetFamilyFileUrl", L"E [ORLOSDK]OrloWebService::GetFamilyFileUrl - code:",
          plain(&GetFamilyFileUrl, L"project", L"family", L"version"), Body::told},
+        // Templates
+        {"CreateTemplate", L"E [ORLOSDK]OrloWebService::CreateTemplate - code:", plain(&CreateTemplate, L"project", L"name")},
+        {"DeleteTemplate", L"E [ORLOSDK]OrloWebService::DeleteTemplate - code:", plain(&DeleteTemplate, L"template")},
+        {"GetProjectTemplatesOfUser", L"E [ORLOSDK]OrloWebService::GetProjectTemplatesOfUser - code:", into(&GetProjectTemplatesOfUser)},
+        {"AddTemplateToProject", L"E [ORLOSDK]OrloWebService::AddTemplateToProject - code:",
+         plain(&AddTemplateToProject, L"project", L"uri", L"name", L"ZOK", 1), Body::unread},
+        {"IsTemplateExistedInProject", L"E [ORLOSDK]OrloWebService::IsTemplateExistedInProject - code:",
+         plain(&IsTemplateExistedInProject, L"name", L"project")},
+        {"GetAllTemplatesOfProject", L"E [ORLOSDK]OrloWebService::GetAllTemplatesOfProject - code:",
+         into(&GetAllTemplatesOfProject, L"project")},
+        {"GetDatasetSampleFile", L"", into(&GetDatasetSampleFile, L"dataset", L"project")},
+        {"GetTemplateResource", L"", into(&GetTemplateResource, L"template")},
+        {"GetTemplateResourceUrl", L"", into(&GetTemplateResourceUrl, L"1", L"template")},
         // Configurations
         {"AddDefaultSpaceConfig", L"E [ORLOSDK]OrloWebService::AddDefaultSpaceConfig - code:", plain(&AddDefaultSpaceConfig, L"project"),
          Body::unread},
@@ -220,6 +258,51 @@ const std::vector<WebFunction>& webFunctions()
         // Resources
         {"GetProjectFonts", L"", into(&GetProjectFonts, L"project")},
         {"GetFontDownloadUri", L"", into(&GetFontDownloadUri, L"font", L"project")},
+        // Components
+        {"GetCategoryCodes", L"E [ORLOSDK]OrloWebService::GetCategoryCodes - code:",
+         into(&GetCategoryCodes, L"project", SpecialtyType::ZOK)},
+        {"GetCategoryTree", L"E [ORLOSDK]OrloWebService::GetCategoryTree - code:",
+         into(&GetCategoryTree, L"project", std::vector<std::wstring>{L"code"}, L"keyword", L"2024.1")},
+        {"GetCategoryTreeCanBeUpdated", L"E [ORLOSDK]OrloWebService::GetCategoryTreeCanBeUpdated - code:",
+         into(&GetCategoryTreeCanBeUpdated, L"project", SpecialtyType::ZOK, std::vector<ComponentInfo>{{1}}, L"keyword")},
+        {"SearchComponents", L"E [ORLOSDK]OrloWebService::SearchComponents - code:", searchAllComponents},
+        {"SearchComponentsCanBeUpdated", L"E [ORLOSDK]OrloWebService::SearchComponentsCanBeUpdated - code:",
+         into(&SearchComponentsCanBeUpdated, L"project", std::vector<ComponentInfo>{{1}}, L"code", L"keyword", SpecialtyType::ZOK)},
+        {"GetComponentsChanged", L"E [ORLOSDK]OrloWebService::GetComponentsChanged - code:",
+         into(&GetComponentsChanged, L"project", SpecialtyType::ZOK, 0)},
+        {"GetDetailInfoOfComponent", L"E [ORLOSDK]OrloWebService::GetDetailInfoOfComponent - code:",
+         into(&GetDetailInfoOfComponent, L"project", L"component", 1)},
+        {"IsComponentExist", L"E [ORLOSDK]OrloWebService::IsComponentExist - code:", into(&IsComponentExist, L"project", L"component")},
+        {"GetFamilyTypeInfoOfComponent", L"E [ORLOSDK]OrloWebService::GetFamilyTypeInfoOfComponent - code:",
+         into(&GetFamilyTypeInfoOfComponent, L"project", L"component", 1, L"name")},
+        {"GetAllFamilyTypeInfosOfComponent", L"E [ORLOSDK]OrloWebService::GetAllFamilyTypeInfosOfComponent - code:",
+         into(&GetAllFamilyTypeInfosOfComponent, L"project", L"component", 1)},
+        {"GetCutlineOfComponent", L"E [ORLOSDK]OrloWebService::GetCutlineOfComponent - code:",
+         into(&GetCutlineOfComponent, L"project", L"component", 1)},
+        {"GetDownloadUrlOfComponent", L"E [ORLOSDK]OrloWebService::GetDownloadUrlOfComponent - code:",
+         into(&GetDownloadUrlOfComponent, L"project", L"component", 1)},
+        {"GetXmlInfoOfComponent", L"E [ORLOSDK]OrloWebService::GetXmlInfoOfComponent - code:",
+         into(&GetXmlInfoOfComponent, L"project", L"component", 1), Body::unread},
+        {"DeleteComponent", L"E [ORLOSDK]OrloWebService::DeleteComponent - code:", into(&DeleteComponent, L"project", L"component")},
+        {"UpgradeComponent", L"E [ORLOSDK]OrloWebService::UpgradeComponent - code:",
+         into(&UpgradeComponent, L"project", L"component", L"{}")},
+        {"UploadComponent", L"E [ORLOSDK]OrloWebService::UploadComponent - code:", into(&UploadComponent, L"project", L"{}")},
+        {"AddComponentsWithIds", L"E [ORLOSDK]Project::AddComponentsWithIds - code:",
+         plain(&AddComponentsWithIds, L"project", std::map<std::wstring, std::wstring>{{L"1", L"public"}})},
+        {"GetModuleCategories", L"E [ORLOSDK]OrloWebService::GetModuleCategories - code:",
+         into(&GetModuleCategories, L"space", L"parameter", L"type", L"tree")},
+        {"IsModuleCanUpload", L"E [ORLOSDK]OrloWebService::IsModuleCanUpload - code:",
+         plain(&IsModuleCanUpload, L"space", L"parameter", L"application", L"md5", L"name", L"category", L"type", L"module")},
+        {"AddModuleToProject", L"E [ORLOSDK]OrloWebService::GetModuleCategories - code:",
+         into(&AddModuleToProject, L"space", L"parameter", NewModule{L"zok", L"category", L"type", L"key", L"md5", L"name", L"url"}),
+         Body::refused},
+        {"GetArchivePackageListByProjectId", L"E [ORLOSDK]OrloWebService::GetArchivePackageListByProjectId - code:", archivePackages},
+        {"GetArchiveUnitListByArchivePackageId", L"E [ORLOSDK]OrloWebService::GetArchiveUnitListByArchivePackageId - code:",
+         into(&GetArchiveUnitListByArchivePackageId, std::vector<std::wstring>{L"package"})},
+        {"GetArchiveUnitVersionById", L"E [ORLOSDK]OrloWebService::GetArchiveUnitVersionById - code:",
+         into(&GetArchiveUnitVersionById, std::vector<std::wstring>{L"unit"})},
+        {"GetArchiveUnitStandardCode", L"E [ORLOSDK]OrloWebService::GetArchiveUnitStandardCode - code:",
+         into(&GetArchiveUnitStandardCode, std::vector<int>{1})},
     };
     return rows;
 }

@@ -13,10 +13,11 @@ namespace orlo::test {
 
 /// What a web function makes of the body of an answer with status 200.
 enum class Body {
-    json,   ///< reads it as JSON, and throws where it is none; JSON of any shape gives a result without an exception
-    strict, ///< as json, and throws where the JSON lacks what the function needs
-    told,   ///< fails with a line in the log where it is no JSON, or not what the function needs
-    unread  ///< succeeds whatever it is
+    json,    ///< reads it as JSON, and throws where it is none; JSON of any shape gives a result without an exception
+    strict,  ///< as json, and throws where the JSON lacks what the function needs
+    told,    ///< fails with a line in the log where it is no JSON, or not what the function needs
+    refused, ///< as json, and takes an answer that lacks what the function needs for the service's refusal
+    unread   ///< succeeds whatever it is
 };
 
 enum class Way {

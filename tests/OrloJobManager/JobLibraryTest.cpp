@@ -38,6 +38,7 @@ TEST(JobEntity, numbersItsStatesAndTypes)
     EXPECT_EQ(static_cast<int>(JobState::Succeeded), 2);
     EXPECT_EQ(static_cast<int>(JobState::Failed), 3);
     EXPECT_EQ(static_cast<int>(JobType::UploadFile), 2);
+    EXPECT_EQ(static_cast<int>(JobType::UploadTemplate), 3);
     EXPECT_EQ(static_cast<int>(JobType::UploadModule), 4);
 }
 

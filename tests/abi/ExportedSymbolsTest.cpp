@@ -72,11 +72,39 @@ TEST_F(ExportedSymbolsTest, theEntriesOfTeamsIssuesAndMessagesAreThere)
         2);
 }
 
+TEST_F(ExportedSymbolsTest, theEntriesOfTemplatesAreThere)
+{
+    for (const char* entry :
+         {"orlo::ITemplateManager::Get()", "orlo::HttpClient::createTemplate(std::", "orlo::HttpClient::deleteTemplate(std::",
+          "orlo::HttpClient::getProjectTemplatesOfUser(std::", "vtable for orlo::ITemplateManager", "typeinfo for orlo::ITemplateManager"})
+        EXPECT_TRUE(exportsAny(entry)) << entry;
+}
+
+TEST_F(ExportedSymbolsTest, theEntriesOfModulesAreThere)
+{
+    for (const char* entry : {"orlo::IModuleManager::Get()",
+                              "orlo::IModuleManager::DownloadModuleFile(std::", "orlo::HttpClient::uploadModule(orlo::ErrorCode&",
+                              "orlo::ICollaborationModule::ICollaborationModule()", "vtable for orlo::IModuleManager",
+                              "typeinfo for orlo::IModuleManager", "typeinfo for orlo::ICollaborationModule"})
+        EXPECT_TRUE(exportsAny(entry)) << entry;
+}
+
 TEST_F(ExportedSymbolsTest, bothFormsOfLoadAreThere)
 {
     EXPECT_EQ(std::count_if(names.begin(), names.end(),
                             [](const std::string& name) { return startsWith(name, "orlo::ICollaborationProject::Load("); }),
               2);
+}
+
+TEST_F(ExportedSymbolsTest, theOperationsOfTheComponentLibraryAreThere)
+{
+    for (const char* operation :
+         {"GetCategoryCodes", "GetCategoryTree", "GetCategoryTreeCanBeUpdated", "SearchComponents", "SearchComponentsCanBeUpdated",
+          "GetComponentsChanged", "GetDetailInfoOfComponent", "IsComponentExist", "GetFamilyTypeInfoOfComponent",
+          "GetAllFamilyTypeInfosOfComponent", "GetCutlineOfComponent", "GetDownloadUrlOfComponent", "GetXmlInfoOfComponent",
+          "DeleteComponent", "UpgradeComponent", "UploadComponent"})
+        EXPECT_TRUE(exportsAny("orlo::IProjectComponentLibrary::" + std::string(operation) + "(std::")) << operation;
+    EXPECT_FALSE(exportsAny("vtable for orlo::IProjectComponentLibrary")) << "it has no objects";
 }
 
 TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
@@ -100,6 +128,9 @@ TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
                                "orlo::IssueManager::",
                                "orlo::Message::",
                                "orlo::MessageManager::",
+                               "orlo::TemplateManager::",
+                               "orlo::ModuleManager::",
+                               "orlo::CollaborationModule::",
                                "orlo::log::",
                                "orlo::http::",
                                "orlo::utils::",

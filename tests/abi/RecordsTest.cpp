@@ -115,6 +115,17 @@ TEST(Records, ofMessagesHaveTheirFieldsInOrder)
     EXPECT_EQ(contents[0].createTimestamp + contents[0].updateTimestamp, 0);
 }
 
+TEST(Records, ofTemplatesHaveTheirFieldsInOrder)
+{
+    const auto [id, name, uri, from, specialty, templateId, projectId, size, createTime, updateTime] =
+        handedOn(SamplePlate{L"1", L"2", L"3", L"4", L"5", L"6", L"7", L"8", L"9", L"10"});
+    EXPECT_EQ(id + name + uri + from + specialty + templateId + projectId + size + createTime + updateTime, L"12345678910");
+    const auto [projectTemplate, templateName, project] = handedOn(ProjectTemplate{L"t", L"n", L"p"});
+    EXPECT_EQ(projectTemplate + L"|" + templateName + L"|" + project, L"t|n|p");
+    const auto [wireId, wireName, wireProject] = handedOn(http::ORLOHTTPPayloadTemplate{L"t", L"n", L"p"});
+    EXPECT_EQ(wireId + L"|" + wireName + L"|" + wireProject, L"t|n|p");
+}
+
 TEST(Records, haveTheNumbersOfTheirEnumerations)
 {
     EXPECT_EQ(static_cast<int>(CollaborationTeamStatus::Working), 0);

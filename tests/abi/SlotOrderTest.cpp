@@ -359,5 +359,61 @@ TEST(SlotOrder, ofTheCollaborationFileManager)
     EXPECT_EQ(virtualSlot<File (M::*)(const std::string&, Text, ErrorCode&)>(&M::UpdateFile), 3u);
 }
 
+TEST(SlotOrder, ofTheTemplateManager)
+{
+    using M = ITemplateManager;
+    expectSlotsBehindDestructor(&M::UploadTemplateByJob, &M::IsTemplateExistedInProject, &M::GetAllTemplatesOfProject,
+                                &M::DownloadTemplateFile);
+}
+
+// The destructors of the next three stand at the end of their tables.
+
+TEST(SlotOrder, ofThePropertyOfAnArchivePackage)
+{
+    using A = IArchivePackageProperty;
+    EXPECT_EQ(virtualSlot(&A::GetPackageId), 0u);
+    EXPECT_EQ(virtualSlot(&A::GetPackageName), 1u);
+    EXPECT_EQ(virtualSlot(&A::GetDesc), 2u);
+    EXPECT_EQ(virtualSlot(&A::GetVersion), 3u);
+    EXPECT_EQ(virtualSlot(&A::GetReceiver), 4u);
+    EXPECT_EQ(virtualSlot(&A::GetReceiverName), 5u);
+    EXPECT_EQ(virtualSlot(&A::GetSharer), 6u);
+    EXPECT_EQ(virtualSlot(&A::GetSharerName), 7u);
+    EXPECT_EQ(virtualSlot(&A::GetProjectId), 8u);
+    EXPECT_EQ(virtualSlot(&A::GetCreateTime), 9u);
+    EXPECT_EQ(virtualSlot(&A::GetEnable), 10u);
+}
+
+TEST(SlotOrder, ofAnArchivePackage)
+{
+    using A = IArchivePackage;
+    EXPECT_EQ(virtualSlot(&A::GetId), 0u);
+    EXPECT_EQ(virtualSlot(&A::GetName), 1u);
+    EXPECT_EQ(virtualSlot(&A::GetProperty), 2u);
+    EXPECT_EQ(virtualSlot(&A::GetArchiveUnits), 3u);
+}
+
+TEST(SlotOrder, ofAnArchiveUnit)
+{
+    using U = IArchiveUnit;
+    EXPECT_EQ(virtualSlot(&U::GetId), 0u);
+    EXPECT_EQ(virtualSlot(&U::GetName), 1u);
+    EXPECT_EQ(virtualSlot(&U::GetTotalSize), 2u);
+    EXPECT_EQ(virtualSlot(&U::GetDatasets), 3u);
+    EXPECT_EQ(virtualSlot(&U::GetStandardCodes), 4u);
+}
+
+TEST(SlotOrder, ofTheModuleManager)
+{
+    using M = IModuleManager;
+    expectSlotsBehindDestructor(&M::GetCategories, &M::IsCanUpload, &M::UploadModuleByJob);
+}
+
+TEST(SlotOrder, ofAModule)
+{
+    using M = ICollaborationModule;
+    expectSlotsBehindDestructor(&M::GetFileKey, &M::GetUrl);
+}
+
 } // namespace
 } // namespace orlo::test

@@ -61,9 +61,27 @@ private:
             return R"({"code":10000,"data":{"fileUrlWithSAS":")" + url() + R"(/blob","fileOSSPath":"r/plan.dwg"}})";
         if (isFor("/blockFiles/"))
             return R"({"code":10000,"data":[{"datasetFilePath":"x/a","datasetFilePathWithSAS":")" + url() + R"(/blob"}]})";
+        if (isFor("/sample/file/list"))
+            return sampleOf(request.target);
+        if (isFor("/template/resources/url"))
+            return R"({"data":")" + url() + R"(/blob"})";
+        if (isFor("/template/resources"))
+            return R"({"data":[{"id":7}]})";
+        if (isFor("/download/url"))
+            return R"({"data":{"fileUrlWithSAS":")" + url() + R"(/blob","fileOSSPath":"r"}})";
         if (isFor("/blob"))
             return R"({"data":{"fileId":"f-9","versionIndex":1,"length":5}})";
         return isFor("/projects?") || isFor("/dataSets") || isFor("/folder") ? m_list : R"({"code":10000,"data":)" + m_list + "}";
+    }
+
+    /// The template of a dataset, which has a name of its own and comes from the one library or the other.
+    static std::string sampleOf(const std::string& target)
+    {
+        const std::size_t head = target.find("d-");
+        const std::string dataset = target.substr(head, target.find('/', head) - head);
+        const bool isPublic = (dataset.back() - '0') % 2 == 0;
+        return R"({"data":[{"id":"s","type":"dwt","templateId":")" + dataset + R"(","uri":")" + dataset + R"(","samplePlateFrom":")" +
+               (isPublic ? "From_Common" : "From_Customize") + R"("}]})";
     }
 
     const std::string m_list = longList();

@@ -85,6 +85,14 @@ void bringAFile()
     IFileManager::DownloadFile("ds-1", L"blocks/" + std::to_wstring(++number) + L"?f=x", error);
 }
 
+/// Each is another one, from either library. Waits for the outcome without asking for it: what the end of the process drops has none.
+void bringATemplate()
+{
+    static std::atomic<int> number{0};
+    ErrorCode error;
+    ITemplateManager::Get()->DownloadTemplateFile(L"d-" + std::to_wstring(++number), L"p-1", error).wait();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -103,7 +111,7 @@ int main(int argc, char** argv)
     std::ofstream(file) << "bytes";
     if (!IJobManager::Start({}))
         return 3;
-    for (const auto& work : {&listProjects, &listProjects, &readAProject, &lookUp, &bringAFile})
+    for (const auto& work : {&listProjects, &listProjects, &readAProject, &lookUp, &bringAFile, &bringATemplate, &bringATemplate})
         forEver(work);
     forEver([file] { ICollaborationFileManager::UploadFileByJob("p-1", L"f-1", utils::toWstring(file)); });
 

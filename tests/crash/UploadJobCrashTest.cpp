@@ -1,6 +1,9 @@
 #include "Kills.h"
 #include "UploadJobHosts.h"
 
+#include <BaseCommon/ErrorCode.h>
+#include <OrloProjectManager/Resources/ITemplateManager.h>
+
 #include <algorithm>
 #include <functional>
 #include <iostream>
@@ -16,6 +19,8 @@ using testing::SizeIs;
 class UploadJobCrash : public UploadJobHosts
 {
 protected:
+    UploadJobCrash() { place.platform.change(platform::addModuleCategory, {"projects", "p-1", "beam", "tree", "门", "", "c-1"}); }
+
     /// A host lives its life: the database has held a job then, and can tell which copies no job names.
     void liveBefore() const
     {
@@ -25,13 +30,35 @@ protected:
         ASSERT_EQ(host.ask("idle"), "yes");
         ASSERT_EQ(host.ask("stop"), "yes");
     }
+    /// A host dies at the point while it hands a file over, and the next one does what is left.
+    void dieAndFinish(const std::string& point, const std::string& submission, bool isQuiet = true)
+    {
+        liveBefore();
+        ChildProcess host(process());
+        ASSERT_EQ(host.ask("start"), "yes");
+        ASSERT_EQ(host.ask("die-at " + point), "yes");
+        host.tell(submission);
+        EXPECT_EQ(host.wait(), ChildProcess::killed);
+        finish(isQuiet);
+        EXPECT_EQ(copies(), 0u);
+    }
+    /// The bytes of the versions of the modules with a name.
+    std::vector<std::string> modules(const std::string& name) const
+    {
+        std::vector<std::string> found;
+        for (const platform::StoredModule& module : place.platform.ask(platform::storedModules)) {
+            if (module.name == name)
+                found.push_back(place.platform.ask(platform::contentOf, module.fileKey));
+        }
+        return found;
+    }
 };
 
-/// Where the host dies, and what there is when the next one is done.
+/// Where the host dies, and how many datasets, versions of a module or templates there are when the next one is done.
 struct Point
 {
     const char* name;
-    std::size_t datasets;
+    std::size_t uploads;
 };
 
 class UploadJobCrashAt : public UploadJobCrash, public testing::WithParamInterface<Point>
@@ -39,22 +66,41 @@ class UploadJobCrashAt : public UploadJobCrash, public testing::WithParamInterfa
 
 TEST_P(UploadJobCrashAt, losesNothingAndLeavesNothing)
 {
-    liveBefore();
-    ChildProcess host(process());
-    ASSERT_EQ(host.ask("start"), "yes");
-    ASSERT_EQ(host.ask(std::string("die-at ") + GetParam().name), "yes");
-    host.tell("upload-dying " + localFile("图.dwg", "bytes"));
-    EXPECT_EQ(host.wait(), ChildProcess::killed);
-    finish();
-    EXPECT_THAT(place.datasets("图.dwg"), SizeIs(GetParam().datasets));
-    EXPECT_EQ(place.holds("图.dwg", "bytes"), GetParam().datasets > 0);
-    EXPECT_EQ(copies(), 0u);
+    dieAndFinish(GetParam().name, "upload-dying " + localFile("图.dwg", "bytes"));
+    EXPECT_THAT(place.datasets("图.dwg"), SizeIs(GetParam().uploads));
+    EXPECT_EQ(place.holds("图.dwg", "bytes"), GetParam().uploads > 0);
 }
 
-// A file that was uploaded before its row went is uploaded again: a second dataset.
+TEST_P(UploadJobCrashAt, losesNoModuleAndLeavesNothing)
+{
+    dieAndFinish(GetParam().name, "upload-module-dying " + localFile("门.vmd", "bytes"));
+    EXPECT_EQ(modules("门"), std::vector<std::string>(GetParam().uploads, "bytes"));
+}
+
+// A file that was uploaded before its row went is uploaded again: a second dataset, or version of the module.
 INSTANTIATE_TEST_SUITE_P(UploadJobCrash, UploadJobCrashAt,
                          testing::Values(Point{"submitted", 0}, Point{"copied", 0}, Point{"saved", 1}, Point{"run", 1}, Point{"upload", 1},
                                          Point{"uploaded", 2}, Point{"removed", 1}, Point{"end", 1}),
+                         [](const auto& tested) { return std::string("the_point_") + tested.param.name; });
+
+class TemplateJobCrashAt : public UploadJobCrash, public testing::WithParamInterface<Point>
+{};
+
+// Intended: that a job is one of a template is not saved. So what is killed before its end adds no template, and the next host, which takes
+// it for a file without a folder, can do nothing with it but let it go.
+TEST_P(TemplateJobCrashAt, leavesNothingAndAddsTheTemplateOnceOrNotAtAll)
+{
+    dieAndFinish(GetParam().name, "upload-template-dying " + localFile("样.dwt", "bytes"), false);
+    ErrorCode error;
+    std::vector<SamplePlate> templates;
+    EXPECT_TRUE(ITemplateManager::Get()->GetAllTemplatesOfProject(L"p-1", templates, error));
+    EXPECT_THAT(templates, SizeIs(GetParam().uploads));
+    EXPECT_THAT(place.datasets("样.dwt"), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(UploadJobCrash, TemplateJobCrashAt,
+                         testing::Values(Point{"submitted", 0}, Point{"copied", 0}, Point{"saved", 0}, Point{"run", 0}, Point{"upload", 0},
+                                         Point{"uploaded", 1}, Point{"removed", 1}, Point{"end", 1}),
                          [](const auto& tested) { return std::string("the_point_") + tested.param.name; });
 
 TEST_F(UploadJobCrash, aStrayCopyStaysWhileAProcessLivesThatMayHaveMadeIt)
@@ -146,8 +192,17 @@ protected:
         return life;
     }
 
+    using Prepare = std::function<void(const std::string& name)>;
+    /// Whether the platform has the bytes of a file.
+    using Holds = std::function<bool(const std::string& name, const std::string& bytes)>;
+
+    int expectNothingLost(const std::string& submission, const Prepare& prepare)
+    {
+        return expectNothingLost(submission, prepare,
+                                 [this](const std::string& name, const std::string& bytes) { return place.holds(name, bytes); });
+    }
     /// submission: the command, less the path at its end.   Returns: how many requests there were.
-    int expectNothingLost(const std::string& submission, const std::function<void(const std::string& name)>& prepare)
+    int expectNothingLost(const std::string& submission, const Prepare& prepare, const Holds& holds)
     {
         liveBefore();
         bool isOver = false;
@@ -162,7 +217,7 @@ protected:
             const bool wasSaved = !rows().empty();
             finish();
             if (life.isAccepted || wasSaved) {
-                EXPECT_TRUE(place.holds(name, "bytes of " + name));
+                EXPECT_TRUE(holds(name, "bytes of " + name));
             }
             EXPECT_EQ(copies(), 0u);
         }
@@ -184,6 +239,18 @@ TEST_P(UploadJobCrashInRequests, ofAnUpdateWithADatasetNothingIsLost)
     const int requests = expectNothingLost("upload-with " + model, [this](const std::string& name) { place.addDataset(name); });
     EXPECT_GT(requests, 6); // three or more for the listing, four for the job
     EXPECT_THAT(place.datasets("图-" + std::to_string(requests) + ".dwg"), SizeIs(1));
+}
+
+TEST_P(UploadJobCrashInRequests, ofAModuleNothingIsLost)
+{
+    const Holds holds = [this](const std::string& name, const std::string& bytes) {
+        const std::vector<std::string> found = modules(name.substr(0, name.find('.')));
+        return std::find(found.begin(), found.end(), bytes) != found.end();
+    };
+    EXPECT_EQ(expectNothingLost(
+                  "upload-module", [](const std::string&) {}, holds),
+              3);
+    EXPECT_TRUE(holds("图-1.dwg", "bytes of 图-1.dwg"));
 }
 
 std::string nameOfMoment(const testing::TestParamInfo<Gateway::Moment>& tested)

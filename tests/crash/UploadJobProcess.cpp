@@ -2,7 +2,7 @@
 //
 //   UploadJobProcess ROOT URL
 //
-// ROOT is its local root, URL the platform's address. Files go to the folder "f-1" of the project "p-1".
+// ROOT is its local root, URL the platform's address. Files go to the folder "f-1" of the project "p-1", modules to its category "c-1".
 
 #include "support/HostCommands.h"
 #include "support/OwnProcess.h"
@@ -16,7 +16,9 @@
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/FileJob/JobCopy.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
+#include <OrloProjectManager/FileJob/UploadModuleJobEntity.h>
 #include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
+#include <OrloProjectManager/Resources/IModuleManager.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
 
 #include <chrono>
@@ -48,26 +50,43 @@ std::string uploadWith(const std::string& argument)
         Files::UploadFilesWithDsByJob("p-1", L"f-1", {utils::toWstring(argument.substr(blank + 1))}, argument.substr(0, blank), 1));
 }
 
+/// The module is named as the file is, less its extension.
+std::string uploadModule(const std::string& path)
+{
+    ErrorCode error;
+    return yesOrNo(IModuleManager::Get()->UploadModuleByJob(L"projects", L"p-1", L"beam", L"c-1", SpecialtyType::ZOK, L"m-1",
+                                                            utils::toWstring(path), L"", error));
+}
+
 /// A job that dies where it is told to. The one that is made of its row is a common one.
-class DyingJob : public UploadFileJobEntity
+template <class Entity>
+class DyingJob : public Entity
 {
 public:
-    using UploadFileJobEntity::UploadFileJobEntity;
+    using Entity::Entity;
 
     bool Run() override
     {
         dieAt("run");
-        const bool result = UploadFileJobEntity::Run();
+        const bool result = Entity::Run();
         dieAt("end");
         return result;
     }
     bool remove() override
     {
         dieAt("uploaded");
-        const bool result = UploadFileJobEntity::remove();
+        const bool result = Entity::remove();
         dieAt("removed");
         return result;
     }
+};
+
+class DyingFileJob : public DyingJob<UploadFileJobEntity>
+{
+public:
+    explicit DyingFileJob(const std::wstring& copy, const std::wstring& folderId = L"f-1", const std::wstring& name = L"")
+        : DyingJob("p-1", folderId, copy, name, "", "", -1)
+    {}
 
 protected:
     CollaborationFileManager* fileManager() const override
@@ -77,7 +96,27 @@ protected:
     }
 };
 
-/// What UploadFileByJob does, with the steps of a job's life as points to die at.
+class DyingTemplateJob : public DyingFileJob
+{
+public:
+    explicit DyingTemplateJob(const std::wstring& copy) : DyingFileJob(copy, L"", L"样板") { setTemplate(L"ZOK"); }
+};
+
+class DyingModuleJob : public DyingJob<UploadModuleJobEntity>
+{
+public:
+    explicit DyingModuleJob(const std::wstring& copy) : DyingJob(L"m-1", L"", L"projects", "p-1", L"beam", L"c-1", L"zok", copy, L"") {}
+
+protected:
+    IModuleUploads* moduleManager() const override
+    {
+        dieAt("upload");
+        return UploadModuleJobEntity::moduleManager();
+    }
+};
+
+/// What a submission does, with the steps of a job's life as points to die at.
+template <class Job>
 std::string uploadDying(const std::string& path)
 {
     dieAt("submitted");
@@ -85,7 +124,7 @@ std::string uploadDying(const std::string& path)
     if (!CopyFileToTempPath(utils::toWstring(path), "p-1", L"", copy))
         return "no";
     dieAt("copied");
-    const auto job = std::make_shared<DyingJob>("p-1", L"f-1", copy, L"", "", "", -1);
+    const auto job = std::make_shared<Job>(copy);
     if (!job->save())
         return "no";
     dieAt("saved");
@@ -178,7 +217,10 @@ std::string askForProjects(const std::string&)
 const test::LineCommands commands = {
     {"upload", upload},
     {"upload-with", uploadWith},
-    {"upload-dying", uploadDying},
+    {"upload-dying", uploadDying<DyingFileJob>},
+    {"upload-module", uploadModule},
+    {"upload-module-dying", uploadDying<DyingModuleJob>},
+    {"upload-template-dying", uploadDying<DyingTemplateJob>},
     {"pour", pour},
     {"upload-many", uploadMany},
     {"start-impatient", startImpatient},
@@ -198,7 +240,8 @@ int main(int argc, char** argv)
     root = argv[1];
     utils::setLocalRoot(utils::toWstring(root));
     OrloConfig config;
-    config.serviceUrls[L"project"] = utils::toWstring(std::string(argv[2]));
+    for (const wchar_t* const service : {L"project", L"structure", L"module"})
+        config.serviceUrls[service] = utils::toWstring(std::string(argv[2]));
     OrloConfigManager::Configure(config);
     UserSession::SignIn({L"user-1", L"account-1", L"token-secret-1"});
     return test::runHost(commands);

@@ -227,6 +227,25 @@ TEST_F(AuthoringSession, HandsFilesToJobsAndIsToldWhenTheyEnd)
     EXPECT_THAT(told, HasSubstr("   Process\n   ├─ [一层平面图.dwg]\n"));
 }
 
+TEST_F(AuthoringSession, TellsWhatTheLibrariesOfAProjectHold)
+{
+    const RunResult run = runSample();
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ(chapter(run, "10. Libraries of the project"),
+              "10. Libraries of the project\n"
+              "   Took a door and a column from the public catalogue.\n"
+              "   Searched for 柱: 矩形柱 Rectangular column, version 1, comes as 400 x 400, 600 x 600\n"
+              "   施工图 has been uploaded.\n"
+              "   The project offers the template 施工图, for ZOK\n"
+              "   Brought it to this disk for a dataset that begins with it; the bytes are the same.\n"
+              "   Modules stand in categories; the first is 梁 Beams\n"
+              "   May the module 桁架 come? Yes.\n"
+              "   桁架 has been uploaded.\n"
+              "   May the module 桁架 come? No: name_exists\n"
+              "   Archive package 一期竣工, for 档案馆:\n"
+              "     - 建筑图纸: 1 dataset, 1048576 bytes\n");
+}
+
 TEST_F(AuthoringSession, SaysWhyAJobFailed)
 {
     DemoPlatform platform;

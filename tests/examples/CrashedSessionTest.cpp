@@ -58,7 +58,7 @@ protected:
         const platform::LocalPlatform platform(options);
         std::map<std::string, int> counts;
         for (const platform::StoredFile& file : platform.ask(platform::storedFiles)) {
-            if (file.fileId.empty())
+            if (file.fileId.empty() || file.fileName == "施工图.dwt") // the template isn't one of the drawings
                 continue;
             EXPECT_TRUE(platform.ask(platform::contentOf, file.remotePath) == drawing(file.fileName)) << file.fileName;
             ++counts[file.fileName];

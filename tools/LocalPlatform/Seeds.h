@@ -206,6 +206,144 @@ std::string contentOf(const World& world, const std::string& remotePath);
 /// In the order in which they were asked for. Files of datasets and fonts don't count.
 std::vector<StoredFile> storedFiles(const World& world);
 
+// Components
+
+/// A place in the tree of components.
+struct ComponentCategorySeed
+{
+    std::string code{};
+    std::string name{};
+    std::string parentCode{}; ///< Empty: at the top.
+    int major = 0;            ///< The number of the specialty that uses it, as clients tell it.
+};
+
+/// One form in which a component comes.
+struct FamilyTypeSeed
+{
+    std::string name{};
+    std::string parameters = "{}"; ///< A JSON object.
+};
+
+/// A version of a component of the public catalogue, from which projects take theirs.
+struct PublicComponentSeed
+{
+    std::string name{};
+    std::string categoryCode{};
+    std::vector<FamilyTypeSeed> familyTypes{};
+    std::string id{}; ///< Empty: a new component is made. That of a component which is there: it gets its next version.
+};
+
+/// The small catalogue that the program begins with; where there are categories already, nothing happens.
+void addStandardComponents(World& world);
+void addComponentCategory(World& world, const ComponentCategorySeed& category);
+/// Returns the id, a number.
+std::string addPublicComponent(World& world, const PublicComponentSeed& component);
+
+// Templates
+
+/// A template of the public library, with one file.
+struct PublicTemplateSeed
+{
+    std::string name{};
+    std::string bytes{};
+    std::string specialty = "Unknown";
+    std::string id{}; ///< Empty: a new one is made.
+};
+
+/// A template that a project offers: of the public library with `templateId`, otherwise of its own library, with the bytes of a new file.
+struct SamplePlateSeed
+{
+    std::string projectId{};
+    std::string name{};
+    std::string templateId{};
+    std::string bytes{};
+    std::string specialty = "Unknown";
+    std::string id{}; ///< Empty: a new one is made.
+};
+
+/// What a dataset was started with: a template that its project offers.
+struct SampleFileSeed
+{
+    std::string datasetId{};
+    std::string samplePlateId{};
+    std::string type = "dwt"; ///< The extension of the local file.
+    std::string id{};         ///< Empty: a new one is made.
+};
+
+/// The small public library that the program begins with; what is there already stays as it is.
+void addStandardTemplates(World& world);
+/// Returns the id.
+std::string addPublicTemplate(World& world, const PublicTemplateSeed& seed);
+/// A further file of a template of the public library.   Returns the path of its signed addresses, for faults.
+std::string addPublicTemplateFile(World& world, const std::string& templateId, const std::string& name, const std::string& bytes);
+/// Returns the id.
+std::string addSamplePlate(World& world, const SamplePlateSeed& seed);
+/// Returns the id. A dataset may get a second one, which its client has to cope with.
+std::string addSampleFile(World& world, const SampleFileSeed& seed);
+
+// Modules. Their space is a project's ("projects" and its id) or an account's ("accounts").
+
+struct ModuleCategorySeed
+{
+    std::string spaceType{};
+    std::string space{};
+    std::string resourceType{};
+    std::string tree{};
+    std::string name{};
+    std::string parentId{}; ///< Empty: on top.
+    std::string id{};       ///< Empty: a new one is made.
+};
+
+/// A version of a module.
+struct StoredModule
+{
+    std::string id{};
+    int version = 0;
+    std::string categoryId{};
+    std::string name{};
+    std::string applicationType{};
+    std::string fileKey{}; ///< The remote path of its file.
+};
+
+/// Returns the id.
+std::string addModuleCategory(World& world, const ModuleCategorySeed& category);
+/// In the order in which the modules were made, each from its first version on.
+std::vector<StoredModule> storedModules(const World& world);
+
+// Archive packages
+
+/// A numbered bundle that is assigned to a project.
+struct ArchivePackageSeed
+{
+    std::string projectId{};
+    std::string name{};
+    std::string id{}; ///< Empty: a new one is made.
+    std::string description{};
+    std::string receiver{};
+    std::string receiverName{};
+    std::string sharer{};
+    std::string sharerName{};
+    bool enabled = true;
+};
+
+/// A version of an integrate package, which archive packages name as a unit.
+struct ArchiveUnitSeed
+{
+    std::string projectId{};
+    std::string name{};
+    std::vector<int> datasetVersions{}; ///< Ids of versions, not their numbers.
+    std::vector<std::string> standardCodes{};
+    std::string packageId{}; ///< The integrate package; one that isn't there is made, with a new id for an empty one.
+    std::string status = "Success";
+};
+
+/// Returns the id.
+std::string addArchivePackage(World& world, const ArchivePackageSeed& package);
+/// Returns the id of the version.
+int addArchiveUnit(World& world, const ArchiveUnitSeed& unit);
+/// Gives a package its next version, with these versions of units. Returns its number.
+int addArchiveVersion(World& world, const std::string& packageId, const std::vector<int>& units);
+
 // Translations
 
 /// What "/v1/upload" was asked for.

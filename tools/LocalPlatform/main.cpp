@@ -72,6 +72,8 @@ void runUntilSignalled(const Arguments& arguments)
     const sigset_t signals = endingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     LocalPlatform platform(arguments.options);
+    platform.change(orlo::platform::addStandardComponents);
+    platform.change(orlo::platform::addStandardTemplates);
     for (const User& user : arguments.users)
         platform.change(orlo::platform::addUser, user);
     platform.start();

@@ -95,6 +95,12 @@ public:
     virtual std::vector<int> GetAxisGridConfigVersions(ErrorCode& error) = 0;
     virtual std::vector<int> GetAxisGridConfigVersions() = 0;
 
+    /// Replaces the content of `out` by the project's archive packages, with the units of their newest versions and the datasets of these;
+    /// nothing is remembered. Packages without an id are left out.
+    /// Returns: false on failure, with `out` empty; also for a project without packages and for packages without units, which the log
+    /// tells.   Errors: 0xE8000002 transport or exception; a negative value for an error status. Clear where the question for
+    /// versions failed, since more is asked afterwards; the log tells the status.
+    /// Requests: five, of which the last one alone is retried; four where no package names a unit, three where there is no package.
     virtual bool GetArchivePackageList(std::vector<std::shared_ptr<IArchivePackage>>& out, ErrorCode& error) = 0;
     virtual bool GetArchivePackageList(std::vector<std::shared_ptr<IArchivePackage>>& out) = 0;
 
@@ -195,6 +201,10 @@ public:
     virtual bool UpdateProjectItemConfig(http::HttpMessage& message, const std::wstring& subItemId, ConfigType type, int version,
                                          const std::wstring& content) = 0;
 
+    /// Takes components of the public catalogue into the project. The platform is told the first two parts of the host's version, too.
+    /// ids: for each component its id in the project, and the public one; where a public id stands twice, the last row counts.
+    /// Errors: 0xE8000002 transport or exception; a negative value for an error status; clear where the platform doesn't confirm.
+    /// Requests: one, retried.
     virtual bool AddComponentsWithIds(const std::map<std::wstring, std::wstring>& ids, ErrorCode& error) = 0;
     virtual bool AddComponentsWithIds(const std::map<std::wstring, std::wstring>& ids) = 0;
 };

@@ -32,6 +32,15 @@ ORLO_PROJECT_API std::future<PromiseData> uploadFile(ErrorCode& error, const std
 ORLO_PROJECT_API std::future<PromiseData> uploadFileByArkiv(ErrorCode& error, const std::wstring& path, const std::wstring& targetFolderId,
                                                             std::wstring fileName, std::wstring filePath, bool gzip);
 
+/// The same for a file that is to become a module. resourceType: as the module service names it.   fileName: the module's name.
+/// md5: the sum of the file's bytes, 32 hexadecimal digits.
+/// Message: a JSON object with "fileKey" and "url", which the module is registered with.
+/// Failures: as above; 400 "param is empty" with 0xE8000005 for an empty text.
+ORLO_PROJECT_API std::future<PromiseData> uploadModule(ErrorCode& error, const std::wstring& spaceType,
+                                                       const std::wstring& spaceTypeParameter, const std::wstring& resourceType,
+                                                       const std::wstring& localPath, const std::wstring& fileName, const std::wstring& md5,
+                                                       bool gzip);
+
 /// Brings one file to the local disk, through memory. The file appears under its name only when it is whole.
 /// remotePath: not empty.   localPath: empty for a new file in the temporary folder.
 /// Message: the local path. A remote file without content fails with status 200 and makes no file.

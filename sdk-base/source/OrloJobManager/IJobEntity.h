@@ -12,7 +12,7 @@ namespace orlo {
 
 enum class JobState : int { Waiting = 0, Running = 1, Succeeded = 2, Failed = 3 };
 
-enum class JobType : int { Unknown = 0, UploadFile = 2, UploadModule = 4 };
+enum class JobType : int { Unknown = 0, UploadFile = 2, UploadTemplate = 3, UploadModule = 4 };
 
 /// One piece of work that outlives the application.
 class ORLO_JOB_API IJobEntity

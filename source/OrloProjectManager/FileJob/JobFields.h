@@ -23,6 +23,11 @@ public:
         m_fields.Add(key, number);
         return *this;
     }
+    JobFields& add(const char* key, std::int64_t number)
+    {
+        m_fields.Add(key, static_cast<long long>(number));
+        return *this;
+    }
     JobFields& add(const char* key, const std::string& text)
     {
         m_fields.Add(key, text);

@@ -1,5 +1,7 @@
 // Handing files over to jobs.
 
+#include "Submission.h"
+
 #include "../Frame/CallFrame.h"
 #include "../Projects/Folder.h"
 #include "JobCopy.h"
@@ -56,17 +58,26 @@ const DatasetInfo* findByName(const Datasets& datasets, const std::wstring& name
     return found == datasets.end() ? nullptr : found->get();
 }
 
-/// Copies the file, saves its job, and hands it to the job manager. A job that can't be saved is not accepted.
 bool submit(const CallSite& site, const JobTarget& target, const std::wstring& path, const std::wstring& fileName,
             const std::string& fileId)
 {
+    return submitJob(site, path, target.projectId, fileName, [&](const std::wstring& copy) {
+        return std::make_shared<UploadFileJobEntity>(target.projectId, target.folderId, copy, utils::getFileName(copy), fileId, target.dsId,
+                                                     target.dsVersion);
+    });
+}
+
+} // namespace
+
+bool submitJob(const CallSite& site, const std::wstring& path, const std::string& projectId, const std::wstring& copyName,
+               const JobOfCopy& makeJob)
+{
     std::wstring copy;
-    if (!CopyFileToTempPath(path, target.projectId, fileName, copy)) {
+    if (!CopyFileToTempPath(path, projectId, copyName, copy)) {
         log::errorAt(site, L"copy file failed");
         return false;
     }
-    const auto job = std::make_shared<UploadFileJobEntity>(target.projectId, target.folderId, copy, utils::getFileName(copy), fileId,
-                                                           target.dsId, target.dsVersion);
+    const std::shared_ptr<UploadJobEntity> job = makeJob(copy);
     if (!job->save()) {
         log::errorAt(site, L"the job can't be saved");
         deleteJobCopy(copy);
@@ -80,8 +91,6 @@ bool submit(const CallSite& site, const JobTarget& target, const std::wstring& p
     manager->AddJob(job);
     return true;
 }
-
-} // namespace
 
 bool ICollaborationFileManager::IsFileExistInProject(const std::string& projectId, const std::wstring& folderId, const std::wstring& path,
                                                      std::wstring& dsId)

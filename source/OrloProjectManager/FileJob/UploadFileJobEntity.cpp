@@ -54,6 +54,7 @@ UploadFileJobEntity::~UploadFileJobEntity() = default;
 void UploadFileJobEntity::setTemplate(std::wstring templateText)
 {
     m_isFile = false;
+    SetType(JobType::UploadTemplate);
     m_templateText = std::move(templateText);
 }
 

@@ -59,36 +59,33 @@ std::string UploadModuleJobEntity::GetJobTypeKey() const
     return jobTypeKey;
 }
 
+template <class Self, class Visit>
+void UploadModuleJobEntity::eachField(Self& self, const Visit& visit)
+{
+    visit("createTime", self.m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.");
+    visit("moduleId", self.m_moduleId, L"parse cloudify m_moduleId failed.");
+    visit("spaceType", self.m_spaceType, L"parse cloudify m_spaceType failed.");
+    visit("spaceTypeParameter", self.m_spaceTypeParameter, L"parse cloudify m_spaceTypeParameter failed.");
+    visit("resourceType", self.m_resourceType, L"parse cloudify m_resourceType failed.");
+    visit("categoryId", self.m_categoryId, L"parse cloudify m_categoryId failed.");
+    visit("fileName", self.m_fileName, L"parse cloudify m_fileName failed.");
+    visit("folderId", self.m_folderId, L"parse cloudify m_folderId failed.");
+    visit("localFilePath", self.m_localFilePath, L"parse cloudify m_localFilePath failed.");
+    visit("specialty", self.m_specialty, L"parse cloudify m_specialty failed.");
+}
+
 bool UploadModuleJobEntity::fromJsonForCloudify(const JsonWrapper& document)
 {
-    return JobFieldReader(document, ORLO_HERE("orlo::UploadModuleJobEntity::fromJsonForCloudify"))
-        .read("createTime", m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.")
-        .read("moduleId", m_moduleId, L"parse cloudify m_moduleId failed.")
-        .read("spaceType", m_spaceType, L"parse cloudify m_spaceType failed.")
-        .read("spaceTypeParameter", m_spaceTypeParameter, L"parse cloudify m_spaceTypeParameter failed.")
-        .read("resourceType", m_resourceType, L"parse cloudify m_resourceType failed.")
-        .read("categoryId", m_categoryId, L"parse cloudify m_categoryId failed.")
-        .read("fileName", m_fileName, L"parse cloudify m_fileName failed.")
-        .read("folderId", m_folderId, L"parse cloudify m_folderId failed.")
-        .read("localFilePath", m_localFilePath, L"parse cloudify m_localFilePath failed.")
-        .read("specialty", m_specialty, L"parse cloudify m_specialty failed.")
-        .good();
+    JobFieldReader reader(document, ORLO_HERE("orlo::UploadModuleJobEntity::fromJsonForCloudify"));
+    eachField(*this, [&](const char* key, auto& field, const wchar_t* words) { reader.read(key, field, words); });
+    return reader.good();
 }
 
 std::string UploadModuleJobEntity::ToJson() const
 {
-    return JobFields()
-        .add("createTime", static_cast<long long>(GetCreateTime()))
-        .add("moduleId", m_moduleId)
-        .add("spaceType", m_spaceType)
-        .add("spaceTypeParameter", m_spaceTypeParameter)
-        .add("resourceType", m_resourceType)
-        .add("categoryId", m_categoryId)
-        .add("fileName", m_fileName)
-        .add("folderId", m_folderId)
-        .add("localFilePath", m_localFilePath)
-        .add("specialty", m_specialty)
-        .toJson(JobId());
+    JobFields fields;
+    eachField(*this, [&](const char* key, const auto& field, const wchar_t*) { fields.add(key, field); });
+    return fields.toJson(JobId());
 }
 
 bool UploadModuleJobEntity::operator<(const IJobEntity& other) const
@@ -109,11 +106,14 @@ bool UploadModuleJobEntity::upload(ErrorCode& error)
 
 bool UploadModuleJobEntity::uploadModule(IModuleUploads& modules, ErrorCode& error)
 {
+    const std::wstring space = utils::toWstring(m_spaceTypeParameter);
     const std::wstring md5 = utils::toWstring(utils::md5(m_localFilePath));
-    const ModulePlace place{m_spaceType, utils::toWstring(m_spaceTypeParameter), m_resourceType, m_categoryId, m_specialty};
     const std::wstring name = m_fileName.empty() ? FilePath(m_localFilePath).GetFileNameWithoutExtension() : m_fileName;
-    const auto module = modules.UploadModule(place, m_localFilePath, name, md5, false, error);
-    if (!module || !modules.AddModuleToProject(place, *module, name, md5, m_resource, error))
+    const auto file = modules.UploadModule(m_spaceType, space, m_resourceType, m_localFilePath, name, md5, false, error);
+    if (!file)
+        return fail(error);
+    const NewModule module{m_specialty, m_categoryId, m_resourceType, file->GetFileKey(), md5, name, file->GetUrl()};
+    if (!modules.AddModuleToProject(m_spaceType, space, module, m_resource, error))
         return fail(error);
     return succeed(L"Upload Module success");
 }
@@ -121,7 +121,7 @@ bool UploadModuleJobEntity::uploadModule(IModuleUploads& modules, ErrorCode& err
 void UploadModuleJobEntity::announce() const
 {
     if (IOrloEventManager* const events = IOrloEventManager::Get())
-        events->PostEvent(moduleUploaded, L"module_" + m_moduleId + L"_" + m_resource);
+        events->PostEvent(moduleUploaded, L"module_" + m_moduleId + L"_" + utils::toWstring(m_resource));
 }
 
 } // namespace orlo

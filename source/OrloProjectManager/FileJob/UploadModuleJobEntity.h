@@ -1,32 +1,24 @@
 #pragma once
 
+#include "../NetworkProject/Resources/ModuleWeb.h"
 #include "UploadJobEntity.h"
 
 #include <OrloProjectManager/Resources/IModuleManager.h>
 
 namespace orlo {
 
-/// Where a module stands in the resource service.
-struct ModulePlace
-{
-    std::wstring spaceType;
-    std::wstring spaceTypeParameter;
-    std::wstring resourceType;
-    std::wstring categoryId;
-    std::wstring specialty;
-};
-
 /// What a module job needs of the module manager beyond its interface.
 class IModuleUploads
 {
 public:
     virtual ~IModuleUploads() = default;
-    virtual std::shared_ptr<ICollaborationModule> UploadModule(const ModulePlace& place, const std::wstring& localPath,
+    virtual std::shared_ptr<ICollaborationModule> UploadModule(const std::wstring& spaceType, const std::wstring& spaceTypeParameter,
+                                                               const std::wstring& resourceType, const std::wstring& localPath,
                                                                const std::wstring& fileName, const std::wstring& md5, bool gzip,
                                                                ErrorCode& error) = 0;
     /// Publishes an uploaded module. resource: "<id>&<version>", as the service answers.
-    virtual bool AddModuleToProject(const ModulePlace& place, const ICollaborationModule& module, const std::wstring& name,
-                                    const std::wstring& md5, std::wstring& resource, ErrorCode& error) = 0;
+    virtual bool AddModuleToProject(const std::wstring& spaceType, const std::wstring& spaceTypeParameter, const NewModule& module,
+                                    std::string& resource, ErrorCode& error) = 0;
 };
 
 /// The upload of a module as a job.
@@ -58,6 +50,9 @@ private:
     void announce() const override;
     bool fromJsonForCloudify(const JsonWrapper& document) override;
     bool uploadModule(IModuleUploads& modules, ErrorCode& error);
+    /// Calls `visit(key, field, words)` for each saved field in its order. words: what is logged where the field can't be read.
+    template <class Self, class Visit>
+    static void eachField(Self& self, const Visit& visit);
 
     std::wstring m_moduleId;
     std::wstring m_spaceType;
@@ -66,7 +61,7 @@ private:
     std::wstring m_categoryId;
     std::wstring m_specialty;
     /// What the service made of the upload.
-    std::wstring m_resource;
+    std::string m_resource;
 };
 
 } // namespace orlo

@@ -1,4 +1,6 @@
-#include <OrloProjectManager/Resources/ITemplateManager.h>
+#include "TemplateManager.h"
+
+#include <BaseCommon/NeverDestroyed.h>
 
 namespace orlo {
 
@@ -7,7 +9,8 @@ ITemplateManager::~ITemplateManager() = default;
 
 ITemplateManager* ITemplateManager::Get()
 {
-    return nullptr;
+    static auto& manager = utils::neverDestroyed(new TemplateManager);
+    return &manager;
 }
 
 } // namespace orlo

@@ -28,6 +28,11 @@ bool findPlace(const std::wstring& cache, const std::string& dsId, const Dataset
     return isPlaceOfDataset && isFolderOfDataset && utils::isPlaceInside(place.root, place.file);
 }
 
+bool isCached(const std::wstring& cache, const std::wstring& path)
+{
+    return utils::fileExists(path) && utils::leadsInside(cache, path);
+}
+
 bool findPlaceOfEntry(const std::wstring& cache, const std::string& dsId, const std::string& folder, const std::wstring& path,
                       std::wstring& file)
 {

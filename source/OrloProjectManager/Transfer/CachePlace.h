@@ -25,6 +25,9 @@ struct CachePlace
 /// Returns: false for a place that isn't below the cache, wherever links lead to.
 bool findPlace(const std::wstring& cache, const std::string& dsId, const DatasetUri& uri, CachePlace& place);
 
+/// Whether a file is there. A link that leads out of the cache is no file of it.
+bool isCached(const std::wstring& cache, const std::wstring& path);
+
 /// Where a batch puts the file that an answer names.   folder: below the dataset's, normalised. path: has a "/", behind which the name
 /// below that folder begins.
 /// Returns: false for a place that isn't below the dataset's folder, wherever links lead to.

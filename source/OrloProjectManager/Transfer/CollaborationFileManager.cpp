@@ -57,7 +57,16 @@ FilePtr createDataset(VersionFunction create, const ORLOHTTPPayloadDataset& want
     return createVersion(create, data, error);
 }
 
-/// What the document store tells about a file that was uploaded, as a version of a dataset names it.
+/// The outcome isn't tested: a failed upload goes on with its words as the source file, which the platform refuses.
+ORLOHTTPPayloadDatasetVersion uploadedVersion(const std::wstring& path, ErrorCode& error)
+{
+    ORLOHTTPPayloadDatasetVersion data;
+    data.dataSetSourceFile = IFileManager::UploadFile(path, L"", L"", error).get().message;
+    return data;
+}
+
+} // namespace
+
 ORLOHTTPPayloadDatasetVersion documentVersion(const std::wstring& message)
 {
     ORLOHTTPPayloadDatasetVersion data;
@@ -74,16 +83,6 @@ ORLOHTTPPayloadDatasetVersion documentVersion(const std::wstring& message)
     data.dataSetSourceFile = utils::toWstring(fileId);
     return data;
 }
-
-/// The outcome isn't tested: a failed upload goes on with its words as the source file, which the platform refuses.
-ORLOHTTPPayloadDatasetVersion uploadedVersion(const std::wstring& path, ErrorCode& error)
-{
-    ORLOHTTPPayloadDatasetVersion data;
-    data.dataSetSourceFile = IFileManager::UploadFile(path, L"", L"", error).get().message;
-    return data;
-}
-
-} // namespace
 
 ICollaborationFile::ICollaborationFile() = default;
 ICollaborationFile::~ICollaborationFile() = default;

@@ -19,6 +19,10 @@ private:
     http::ORLOHTTPPayloadDatasetVersion m_version;
 };
 
+/// What the document store tells about a file that was uploaded, as a version of a dataset names it.   message: of the upload.
+/// Returns: without an id where that tells none, with the version -1 where it tells no number.
+http::ORLOHTTPPayloadDatasetVersion documentVersion(const std::wstring& message);
+
 class CollaborationFileManager : public ICollaborationFileManager
 {
 public:

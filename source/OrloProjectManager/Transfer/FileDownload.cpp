@@ -77,10 +77,10 @@ void DownloadFileHandler::takeAddress(const std::wstring& body, const std::strin
         m_authorityAcquired = true;
     }
     else if (stepKey == "AcquireDownloadModuleFileAuthority") {
-        const web::json::value* const data = memberOf(answer, L"data");
-        if (!data || !data->is_array() || data->size() == 0)
+        const web::json::value* const file = firstOfData(answer);
+        if (!file)
             return;
-        m_address = utils::toWstring(fieldText(data->at(0), L"url_with_signature"));
+        m_address = utils::toWstring(fieldText(*file, L"url_with_signature"));
         m_authorityAcquired = true;
     }
 }

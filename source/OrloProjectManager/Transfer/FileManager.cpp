@@ -18,12 +18,6 @@ namespace {
 class FileManager final : public IFileManager
 {};
 
-/// A link that leads out of the cache is no file of it.
-bool isCached(const std::wstring& cache, const std::wstring& path)
-{
-    return utils::fileExists(path) && utils::leadsInside(cache, path);
-}
-
 std::wstring failed(const std::wstring& words)
 {
     log::error(words);

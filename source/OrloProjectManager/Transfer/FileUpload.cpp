@@ -63,22 +63,48 @@ bool read(const std::wstring& path, bool gzip, UploadContent& content)
 void upload(const std::shared_ptr<TransferOutcome>& outcome, const std::wstring& path, RemoteName name, bool gzip,
             const AuthorityStep& acquire)
 {
-    if (path.empty() || !utils::fileExists(path))
-        return outcome->refuse(L"invalid file path");
-    UploadContent content;
-    if (!read(path, gzip, content))
-        return outcome->refuse(L"read file fail");
-    if (!content.file && content.bytes.empty())
-        return outcome->refuse(L"invalid file content");
+    auto content = contentOrRefusal(*outcome, path, gzip);
+    if (!content)
+        return;
     if (name.fileName.empty())
         name.fileName = utils::getFileName(path);
     if (name.filePath.empty())
         name.filePath = defaultRemoteFolder();
-    startChain(std::make_shared<UploadFileHandler>(outcome, std::move(content)),
+    startChain(std::make_shared<UploadFileHandler>(outcome, std::move(*content)),
                [name, acquire](ErrorCode& error, const auto& context) { acquire(error, name, context); });
 }
 
+std::optional<UploadContent> refusal(TransferOutcome& outcome, const wchar_t* words)
+{
+    outcome.refuse(words);
+    return std::nullopt;
+}
+
 } // namespace
+
+std::optional<UploadContent> contentOrRefusal(TransferOutcome& outcome, const std::wstring& path, bool gzip)
+{
+    if (path.empty() || !utils::fileExists(path))
+        return refusal(outcome, L"invalid file path");
+    UploadContent content;
+    if (!read(path, gzip, content))
+        return refusal(outcome, L"read file fail");
+    if (!content.file && content.bytes.empty())
+        return refusal(outcome, L"invalid file content");
+    return content;
+}
+
+void putContent(const UploadContent& content, const std::string& address, const std::shared_ptr<OrloCallbackContext>& context,
+                ErrorCode& error)
+{
+    context->propagate = false;
+    http::launchWithRetry(context, error, [&content, &address, context, &error] {
+        if (content.file)
+            OrloWebService::PutFileAsync(error, address, content.file, context);
+        else
+            OrloWebService::PutFileAsync(error, address, content.bytes, context, content.gzip);
+    });
+}
 
 std::wstring uploadResult(const std::wstring& remotePath, const std::wstring& answer)
 {
@@ -113,7 +139,7 @@ void UploadFileHandler::on_complete(int status, const std::wstring& body, const 
     }
     if (context->propagate) {
         if (!m_putDone)
-            putFile(context, error);
+            putContent(m_content, m_uploadAddress, context, error); // the context keeps this handler, and with it both
         return;
     }
     const bool succeeded = m_authorityAcquired && m_putDone;
@@ -130,18 +156,6 @@ void UploadFileHandler::takeAuthority(const std::wstring& body)
     m_uploadAddress = fieldText(authority, L"fileUrlWithSAS");
     m_remotePath = utils::toWstring(fieldText(authority, L"fileOSSPath"));
     m_authorityAcquired = true;
-}
-
-void UploadFileHandler::putFile(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error) const
-{
-    context->propagate = false;
-    // The context keeps this handler, and with it the address and the bytes.
-    http::launchWithRetry(context, error, [this, context, &error] {
-        if (m_content.file)
-            OrloWebService::PutFileAsync(error, m_uploadAddress, m_content.file, context);
-        else
-            OrloWebService::PutFileAsync(error, m_uploadAddress, m_content.bytes, context, m_content.gzip);
-    });
 }
 
 namespace HttpClient {

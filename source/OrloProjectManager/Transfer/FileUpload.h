@@ -2,6 +2,7 @@
 
 #include "TransferChain.h"
 
+#include <optional>
 #include <string>
 
 namespace orlo {
@@ -16,6 +17,13 @@ struct UploadContent
     std::shared_ptr<const FileBody> file; ///< null: the bytes
 };
 
+/// Reads what is to be sent.   Returns: none where the file is refused; the outcome stands then.
+std::optional<UploadContent> contentOrRefusal(TransferOutcome& outcome, const std::wstring& path, bool gzip);
+
+/// The last step of an upload. The content and the signed address must live as long as the context.
+void putContent(const UploadContent& content, const std::string& address, const std::shared_ptr<OrloCallbackContext>& context,
+                ErrorCode& error);
+
 /// Hears the two steps of an upload: the authority, which gives a signed address, and the sending of the bytes.
 class UploadFileHandler final : public IOrloCallback
 {
@@ -27,7 +35,6 @@ public:
 
 private:
     void takeAuthority(const std::wstring& body);
-    void putFile(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error) const;
 
     bool m_authorityAcquired = false;
     bool m_putDone = false;

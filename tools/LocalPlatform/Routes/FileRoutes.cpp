@@ -27,8 +27,12 @@ Answer uploadAuthority(const Call& call, World& world)
 
 Answer docUploadAuthority(const Call& call, World& world)
 {
-    const Grant grant{call.filledQuery("fileName"), call.filledQuery("filepath"), call.filledQuery("targetFolderId")};
-    requireFolder(world, grant.folderId);
+    if (call.target.query.count("targetFolderId") == 0)
+        throw Refusal(400, "the query lacks \"targetFolderId\"");
+    const std::string folderId = call.query("targetFolderId");
+    if (!folderId.empty())
+        requireFolder(world, folderId);
+    const Grant grant{call.filledQuery("fileName"), call.filledQuery("filepath"), folderId, folderId.empty()};
     return enveloped(authority(world, "PUT", grantUpload(world, grant)));
 }
 

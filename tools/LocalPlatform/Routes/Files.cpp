@@ -54,6 +54,23 @@ void removeBlobs(World& world, const std::vector<std::string>& blobIds)
         world.blobs.remove(blobId);
 }
 
+/// Files of the project's own library, which lie in none of its folders, unless another project offers them too.
+void removeLibraryOfProject(World& world, const std::string& projectId)
+{
+    const std::string isOwn = "folderId IS NULL AND fileId IN (SELECT uri FROM samplePlate WHERE projectId = ?1) AND fileId NOT IN "
+                              "(SELECT uri FROM samplePlate WHERE projectId <> ?1)";
+    removeBlobs(world, world.tables.texts("SELECT blobId FROM storedFile WHERE " + isOwn, projectId));
+    world.tables.run("DELETE FROM storedFile WHERE " + isOwn, projectId);
+}
+
+void removeModuleFilesOfProject(World& world, const std::string& projectId)
+{
+    const std::string isOfModules =
+        "blobId IN (SELECT blobId FROM moduleFile JOIN moduleShelf ON moduleShelf.id = shelfId WHERE projectId = ?1)";
+    removeBlobs(world, world.tables.texts("SELECT blobId FROM storedFile WHERE " + isOfModules, projectId));
+    world.tables.run("DELETE FROM storedFile WHERE " + isOfModules, projectId);
+}
+
 std::unique_ptr<StagedBlob> staged(const World& world, const std::string& bytes)
 {
     auto blob = world.blobs.stage();
@@ -95,6 +112,8 @@ std::string grantUpload(World& world, const Grant& grant)
     std::string blobId = insertFile(world, grant.filePath + "/" + newId() + "/" + grant.fileName, grant.fileName);
     if (!grant.folderId.empty())
         world.tables.run("UPDATE storedFile SET folderId = ? WHERE blobId = ?", grant.folderId, blobId);
+    if (grant.isOfLibrary)
+        world.tables.run("UPDATE storedFile SET fileId = ?, versionIndex = 1 WHERE blobId = ?", newId(), blobId);
     return blobId;
 }
 
@@ -119,7 +138,8 @@ std::string blobOfPath(const World& world, const std::string& remotePath)
 
 std::string blobOfFile(World& world, const std::string& fileId, int versionIndex)
 {
-    return required(world.tables.text("SELECT blobId FROM storedFile WHERE fileId = ? AND versionIndex = ?", fileId, versionIndex),
+    return required(world.tables.text("SELECT blobId FROM storedFile WHERE fileId = ? AND versionIndex = ? AND length IS NOT NULL", fileId,
+                                      versionIndex),
                     fileId + ", version " + std::to_string(versionIndex));
 }
 
@@ -204,6 +224,8 @@ void removeFile(World& world, const std::string& projectId, const std::string& f
 
 void removeBlobsOfProject(World& world, const std::string& projectId)
 {
+    removeModuleFilesOfProject(world, projectId);
+    removeLibraryOfProject(world, projectId);
     removeBlobs(world,
                 world.tables.texts("SELECT blobId FROM font WHERE projectId = ?1 UNION ALL "
                                    "SELECT blobId FROM storedFile JOIN folder ON folder.id = folderId WHERE projectId = ?1 UNION ALL "

@@ -13,9 +13,10 @@ class StagedBlob;
 /// A file that somebody wants to upload.
 struct Grant
 {
-    std::string fileName;
-    std::string filePath;
-    std::string folderId; ///< By Arkiv only: the folder that counts the versions of its files.
+    std::string fileName{};
+    std::string filePath{};
+    std::string folderId{};   ///< By Arkiv only: the folder that counts the versions of its files.
+    bool isOfLibrary = false; ///< By Arkiv, but in no folder: each upload is a file of its own.
 };
 
 /// Makes room for an upload; returns the blob's id.

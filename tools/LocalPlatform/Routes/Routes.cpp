@@ -27,6 +27,10 @@ void addRoutes(Router& router)
     addItemRoutes(router);
     addMessageRoutes(router);
     addTranslationRoutes(router);
+    addComponentRoutes(router);
+    addTemplateRoutes(router);
+    addModuleRoutes(router);
+    addArchiveRoutes(router);
     addServerControls(router);
 }
 

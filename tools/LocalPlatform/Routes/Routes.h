@@ -33,6 +33,10 @@ void addIssueRoutes(Router& router);
 void addItemRoutes(Router& router);
 void addMessageRoutes(Router& router);
 void addTranslationRoutes(Router& router);
+void addComponentRoutes(Router& router);
+void addTemplateRoutes(Router& router);
+void addModuleRoutes(Router& router);
+void addArchiveRoutes(Router& router);
 void addServerControls(Router& router);
 
 } // namespace orlo::platform

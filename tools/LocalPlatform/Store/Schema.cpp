@@ -303,7 +303,217 @@ CREATE TABLE versionMeta (
     PRIMARY KEY (versionId, name));
 )sql";
 
-constexpr std::array steps = {firstSchema, files, tokenEnds, monitors, teams, issues, buildingItems};
+// Components: a public catalogue in categories, and what projects took from it or uploaded. What a version of a component holds is an
+// edition, which a project shares with the catalogue. Times are milliseconds of the platform's clock.
+constexpr const char* components = R"sql(
+CREATE TABLE componentCategory (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    code TEXT NOT NULL UNIQUE,
+    parentCode TEXT NOT NULL,
+    name TEXT NOT NULL,
+    major INTEGER NOT NULL,
+    weight REAL NOT NULL);
+CREATE INDEX componentCategoryByParent ON componentCategory (parentCode);
+
+CREATE VIEW categoryBelow AS
+    WITH RECURSIVE below (top, code) AS (
+        SELECT code, code FROM componentCategory
+        UNION ALL
+        SELECT below.top, category.code FROM below JOIN componentCategory AS category ON category.parentCode = below.code)
+    SELECT top, code FROM below;
+
+CREATE TABLE componentEdition (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    projectId TEXT REFERENCES project (id) ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    categoryCode TEXT NOT NULL REFERENCES componentCategory (code),
+    familyTypes TEXT NOT NULL,
+    xml TEXT NOT NULL,
+    blobId TEXT);
+CREATE INDEX componentEditionByProject ON componentEdition (projectId);
+
+CREATE TABLE publicComponent (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    version INTEGER NOT NULL);
+
+CREATE TABLE publicComponentVersion (
+    componentId INTEGER NOT NULL REFERENCES publicComponent (id) ON DELETE CASCADE,
+    version INTEGER NOT NULL,
+    editionId INTEGER NOT NULL REFERENCES componentEdition (id) ON DELETE CASCADE,
+    PRIMARY KEY (componentId, version));
+
+CREATE TABLE component (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    projectId TEXT NOT NULL REFERENCES project (id) ON DELETE CASCADE,
+    id INTEGER NOT NULL,
+    publicId INTEGER REFERENCES publicComponent (id),
+    version INTEGER NOT NULL,
+    addedAt INTEGER NOT NULL,
+    changedAt INTEGER NOT NULL,
+    removed INTEGER NOT NULL DEFAULT 0,
+    UNIQUE (projectId, id));
+
+CREATE TABLE componentVersion (
+    componentRank INTEGER NOT NULL REFERENCES component (rank) ON DELETE CASCADE,
+    version INTEGER NOT NULL,
+    editionId INTEGER NOT NULL REFERENCES componentEdition (id) ON DELETE CASCADE,
+    PRIMARY KEY (componentRank, version));
+CREATE INDEX componentVersionByEdition ON componentVersion (editionId);
+)sql";
+
+// Projects that users keep as starting points; the public library of template files, a project's own one, and which of them a dataset
+// was started with.
+constexpr const char* templates = R"sql(
+CREATE TABLE projectTemplate (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    id TEXT NOT NULL UNIQUE,
+    templateName TEXT NOT NULL,
+    srcProjectId TEXT NOT NULL,
+    accountId TEXT NOT NULL,
+    creationTime TEXT NOT NULL);
+CREATE INDEX projectTemplateByAccount ON projectTemplate (accountId);
+
+CREATE TABLE publicTemplate (
+    id TEXT PRIMARY KEY,
+    name TEXT NOT NULL,
+    specialty TEXT NOT NULL);
+
+CREATE TABLE publicTemplateFile (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    templateId TEXT NOT NULL REFERENCES publicTemplate (id) ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    type TEXT NOT NULL,
+    size INTEGER NOT NULL,
+    blobId TEXT NOT NULL);
+CREATE INDEX publicTemplateFileByTemplate ON publicTemplateFile (templateId);
+
+CREATE TABLE samplePlate (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    id TEXT NOT NULL UNIQUE,
+    projectId TEXT NOT NULL REFERENCES project (id) ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    uri TEXT NOT NULL,
+    samplePlateFrom TEXT NOT NULL,
+    specialty TEXT NOT NULL,
+    templateId TEXT NOT NULL,
+    size INTEGER NOT NULL,
+    appVersion TEXT NOT NULL,
+    createTime TEXT NOT NULL,
+    UNIQUE (projectId, name));
+
+CREATE TABLE sampleFile (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    id TEXT NOT NULL UNIQUE,
+    datasetId TEXT NOT NULL REFERENCES dataset (id) ON DELETE CASCADE,
+    samplePlateId TEXT NOT NULL REFERENCES samplePlate (id) ON DELETE CASCADE,
+    type TEXT NOT NULL);
+CREATE INDEX sampleFileByDataset ON sampleFile (datasetId);
+)sql";
+
+// A shelf holds the modules of one resource type in one space, which is a project's or an account's. The file of a module is a stored one.
+constexpr const char* modules = R"sql(
+CREATE TABLE moduleShelf (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    spaceType TEXT NOT NULL,
+    space TEXT NOT NULL,
+    resourceType TEXT NOT NULL,
+    projectId TEXT REFERENCES project (id) ON DELETE CASCADE,
+    UNIQUE (spaceType, space, resourceType));
+CREATE INDEX moduleShelfByProject ON moduleShelf (projectId);
+
+CREATE TABLE moduleCategory (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    id TEXT NOT NULL UNIQUE,
+    shelfId INTEGER NOT NULL REFERENCES moduleShelf (id) ON DELETE CASCADE,
+    tree TEXT NOT NULL,
+    parentId TEXT NOT NULL,
+    name TEXT NOT NULL);
+CREATE INDEX moduleCategoryByShelf ON moduleCategory (shelfId);
+
+CREATE TABLE moduleFile (
+    blobId TEXT PRIMARY KEY REFERENCES storedFile (blobId) ON DELETE CASCADE,
+    shelfId INTEGER NOT NULL REFERENCES moduleShelf (id) ON DELETE CASCADE,
+    md5 TEXT NOT NULL);
+CREATE INDEX moduleFileByShelf ON moduleFile (shelfId);
+
+CREATE TABLE module (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    id TEXT NOT NULL UNIQUE,
+    shelfId INTEGER NOT NULL REFERENCES moduleShelf (id) ON DELETE CASCADE,
+    categoryId TEXT NOT NULL,
+    name TEXT NOT NULL,
+    UNIQUE (shelfId, categoryId, name));
+
+CREATE TABLE moduleVersion (
+    moduleId TEXT NOT NULL REFERENCES module (id) ON DELETE CASCADE,
+    version INTEGER NOT NULL,
+    blobId TEXT NOT NULL UNIQUE REFERENCES moduleFile (blobId) ON DELETE CASCADE,
+    applicationType TEXT NOT NULL,
+    creationTime TEXT NOT NULL,
+    PRIMARY KEY (moduleId, version));
+)sql";
+
+// Archive packages, whose versions name versions of integrate packages; what these point at.
+constexpr const char* archives = R"sql(
+CREATE TABLE archivePackage (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    id TEXT NOT NULL UNIQUE,
+    projectId TEXT NOT NULL REFERENCES project (id) ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    description TEXT NOT NULL,
+    receiver TEXT NOT NULL,
+    receiverName TEXT NOT NULL,
+    sharer TEXT NOT NULL,
+    sharerName TEXT NOT NULL,
+    enabled INTEGER NOT NULL,
+    createTime TEXT NOT NULL);
+CREATE INDEX archivePackageByProject ON archivePackage (projectId);
+
+CREATE TABLE archiveVersion (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    packageId TEXT NOT NULL REFERENCES archivePackage (id) ON DELETE CASCADE,
+    version INTEGER NOT NULL,
+    ownerId TEXT NOT NULL,
+    ownerName TEXT NOT NULL,
+    UNIQUE (packageId, version));
+
+CREATE TABLE integratePackage (
+    id TEXT PRIMARY KEY,
+    projectId TEXT NOT NULL REFERENCES project (id) ON DELETE CASCADE,
+    name TEXT NOT NULL);
+CREATE INDEX integratePackageByProject ON integratePackage (projectId);
+
+CREATE TABLE unitVersion (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    packageId TEXT NOT NULL REFERENCES integratePackage (id) ON DELETE CASCADE,
+    version INTEGER NOT NULL,
+    integrateStatus TEXT NOT NULL,
+    creationTime TEXT NOT NULL,
+    UNIQUE (packageId, version));
+
+CREATE TABLE archiveContent (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    archiveVersionId INTEGER NOT NULL REFERENCES archiveVersion (id) ON DELETE CASCADE,
+    unitVersionId INTEGER NOT NULL REFERENCES unitVersion (id) ON DELETE CASCADE);
+CREATE INDEX archiveContentByVersion ON archiveContent (archiveVersionId);
+CREATE INDEX archiveContentByUnit ON archiveContent (unitVersionId);
+
+CREATE TABLE unitDataset (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    unitVersionId INTEGER NOT NULL REFERENCES unitVersion (id) ON DELETE CASCADE,
+    versionId INTEGER NOT NULL REFERENCES version (id) ON DELETE CASCADE);
+CREATE INDEX unitDatasetByUnit ON unitDataset (unitVersionId);
+CREATE INDEX unitDatasetByVersion ON unitDataset (versionId);
+
+CREATE TABLE unitStandardCode (
+    rank INTEGER PRIMARY KEY AUTOINCREMENT,
+    unitVersionId INTEGER NOT NULL REFERENCES unitVersion (id) ON DELETE CASCADE,
+    code TEXT NOT NULL);
+CREATE INDEX unitStandardCodeByUnit ON unitStandardCode (unitVersionId);
+)sql";
+
+constexpr std::array steps = {firstSchema,   files,      tokenEnds, monitors, teams,   issues,
+                              buildingItems, components, templates, modules,  archives};
 
 } // namespace
 

@@ -118,4 +118,10 @@ const web::json::value* memberOf(const web::json::value& value, const wchar_t* k
     return memberOf(value, utils::toNative(std::wstring(key)));
 }
 
+const web::json::value* firstOfData(const web::json::value& answer)
+{
+    const web::json::value* const data = memberOf(answer, L"data");
+    return data && data->is_array() && data->size() != 0 ? &data->at(0) : nullptr;
+}
+
 } // namespace orlo

@@ -36,6 +36,9 @@ std::string validUtf8(const utility::string_t& text);
 const web::json::value* memberOf(const web::json::value& value, const utility::string_t& key);
 const web::json::value* memberOf(const web::json::value& value, const wchar_t* key);
 
+/// The first element of an answer's array "data"; null where there is none.
+const web::json::value* firstOfData(const web::json::value& answer);
+
 /// Reads one member; false where it is missing or has another type. The key is one that memberOf takes.
 template <class Key, class Field>
 bool readMember(const web::json::value& value, const Key& key, Field& field)

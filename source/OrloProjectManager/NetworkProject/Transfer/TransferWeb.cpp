@@ -17,11 +17,13 @@ constexpr const wchar_t* newDocumentPath = L"/file/doc/upload/url/with/filename"
 constexpr const wchar_t* readFilePath = L"/file/read";
 constexpr const wchar_t* readDocumentPath = L"/file/doc/{fileId}/download/url";
 constexpr const wchar_t* readModuleFilePath = L"/{spaceType}/{spaceTypeParameter}/types/{resourceType}/files/sign_download_url";
+constexpr const wchar_t* newModuleFilePath = L"/{spaceType}/{spaceTypeParameter}/types/{resourceType}/files/sign_upload_url";
 constexpr const wchar_t* readBlocksPath = L"/datasets/{datasetId}/blockFiles/readSAS";
 
 constexpr const char* uploadStep = "AcquireUploadAuthority";
 constexpr const char* downloadStep = "AcquireDownloadAuthority";
 constexpr const char* moduleStep = "AcquireDownloadModuleFileAuthority";
+constexpr const char* moduleUploadStep = "SignModuleUploadUrl";
 constexpr const char* batchStep = "AcquireBatchDownloadAuthority";
 
 /// Where the authority stands in an answer.
@@ -65,14 +67,20 @@ void acquireForFile(const Step& step, const WebCall& call, Authority place)
     send(step, call, [step, place](WebAnswer& answer) { step.complete(answer.status(), authorityOrStop(step, answer, place), {}); });
 }
 
-bool refuseBatch(const Step& step, const std::wstring& words)
+/// Refuses an input, and ends the chain with it.
+bool refuseStep(const Step& step, long long value, const std::wstring& words)
 {
-    log::error(L"[OrloWebService::AcquireBatchDownloadAuthorityAsync] " + words);
-    refuse(*step.error, error::badInput, words);
+    refuse(*step.error, value, words);
     // Without this the chain would wait for a step that never comes.
     step.stop();
     step.complete(400, words);
     return false;
+}
+
+bool refuseBatch(const Step& step, const std::wstring& words)
+{
+    log::error(L"[OrloWebService::AcquireBatchDownloadAuthorityAsync] " + words);
+    return refuseStep(step, error::badInput, words);
 }
 
 web::json::value seedsAsJson(const std::vector<std::string>& seeds)
@@ -122,6 +130,20 @@ void AcquireDownloadAuthorityAsyncForModuleFile(ErrorCode& error, const ModuleFi
         .place(L"{resourceType}", request.resourceType)
         .plainText(request.body);
     acquireForFile({moduleStep, context, &error}, call, Authority::isTheBody);
+}
+
+bool SignModuleUploadUrlAsync(ErrorCode& error, const ModuleUploadRequest& request, const Context& context)
+{
+    const Step step{moduleUploadStep, context, &error};
+    if (isAnyEmpty(request.spaceType, request.spaceTypeParameter, request.resourceType, request.fileName, request.md5))
+        return refuseStep(step, error::emptyParameter, L"param is empty");
+    WebCall call(L"OrloWebService::SignModuleUploadUrl", service::module, methods::POST, newModuleFilePath);
+    call.place(L"{spaceType}", request.spaceType)
+        .place(L"{spaceTypeParameter}", request.spaceTypeParameter)
+        .place(L"{resourceType}", request.resourceType)
+        .body(JsonBody().add(L"access_ctl", L"private_ctl").add(L"fileName", request.fileName).add(L"md5", request.md5).done());
+    acquire(step, call, Authority::isTheBody);
+    return true;
 }
 
 bool AcquireBatchDownloadAuthorityAsync(ErrorCode& error, const std::string& datasetId, const std::vector<std::string>& seeds,

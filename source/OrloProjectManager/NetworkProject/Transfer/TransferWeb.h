@@ -31,6 +31,18 @@ struct ModuleFileRequest
 };
 void AcquireDownloadAuthorityAsyncForModuleFile(ErrorCode& error, const ModuleFileRequest& request, const Context& context);
 
+/// A file that is to become a module's, and where it is to stand.
+struct ModuleUploadRequest
+{
+    std::wstring spaceType;
+    std::wstring spaceTypeParameter;
+    std::wstring resourceType;
+    std::wstring fileName;
+    std::wstring md5;
+};
+/// False, with the handler told, if any of these is empty.
+bool SignModuleUploadUrlAsync(ErrorCode& error, const ModuleUploadRequest& request, const Context& context);
+
 /// False, with the handler told, if there is nothing to ask for.
 bool AcquireBatchDownloadAuthorityAsync(ErrorCode& error, const std::string& datasetId, const std::vector<std::string>& seeds,
                                         const Context& context);
