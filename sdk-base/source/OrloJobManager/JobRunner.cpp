@@ -147,7 +147,7 @@ void JobRunner::abandon()
     m_teller.endBy(end);
 }
 
-void JobRunner::add(std::shared_ptr<IJobEntity> entity)
+void JobRunner::add(const std::shared_ptr<IJobEntity>& entity)
 {
     const Job job{entity->JobId(), entity->GetCreateTime(), entity, accountOf(*entity)};
     const std::lock_guard lock(m_addMutex);

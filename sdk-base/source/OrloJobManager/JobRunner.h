@@ -39,7 +39,7 @@ public:
     /// Lets go of the threads.
     void abandon();
 
-    void add(std::shared_ptr<IJobEntity> entity);
+    void add(const std::shared_ptr<IJobEntity>& entity);
     bool runsJobs() const { return m_runsJobs; }
     JobBoard& board() { return m_board; }
 

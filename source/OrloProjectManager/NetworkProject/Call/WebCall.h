@@ -32,6 +32,17 @@ using web::http::methods;
 web::json::value jsonText(const std::wstring& text);
 web::json::value jsonText(const std::string& utf8);
 
+/// Texts as a JSON array.
+template <class Text>
+web::json::value jsonTexts(const std::vector<Text>& texts)
+{
+    std::vector<web::json::value> elements;
+    elements.reserve(texts.size());
+    for (const Text& text : texts)
+        elements.push_back(jsonText(text));
+    return web::json::value::array(std::move(elements));
+}
+
 /// A JSON object whose members go on the wire in the order in which they are given.
 class JsonBody
 {

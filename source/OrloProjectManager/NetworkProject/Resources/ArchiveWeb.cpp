@@ -30,15 +30,6 @@ bool fetchArchive(ErrorCode& error, Ack& out, const WebCall& call, bool (*read)(
     return answer.ok() && read(answer.body(), out);
 }
 
-web::json::value archiveIds(const std::vector<std::wstring>& ids)
-{
-    std::vector<web::json::value> texts;
-    texts.reserve(ids.size());
-    for (const std::wstring& id : ids)
-        texts.push_back(jsonText(id));
-    return web::json::value::array(std::move(texts));
-}
-
 } // namespace
 
 bool GetArchivePackageListByProjectId(ErrorCode& error, http::ORLOHTTPPayloadArchivePackageAck& out, const std::wstring& projectId)
@@ -59,7 +50,7 @@ bool GetArchiveUnitListByArchivePackageId(ErrorCode& error, http::ORLOHTTPPayloa
     if (packageIds.empty())
         return notDoneFor(name, L"packageId");
     WebCall call(name, service::project, methods::POST, archiveVersionsPath);
-    return fetchArchive(error, out, call.body(archiveIds(packageIds)), &readArchivePackageVersions);
+    return fetchArchive(error, out, call.body(jsonTexts(packageIds)), &readArchivePackageVersions);
 }
 
 bool GetArchiveUnitVersionById(ErrorCode& error, http::ORLOHTTPPayloadArchiveUnitVersionAck& out, const std::vector<std::wstring>& unitIds)
@@ -68,7 +59,7 @@ bool GetArchiveUnitVersionById(ErrorCode& error, http::ORLOHTTPPayloadArchiveUni
     if (unitIds.empty())
         return notDoneFor(name, L"UnitId");
     WebCall call(name, service::project, methods::POST, unitVersionsPath);
-    return fetchArchive(error, out, call.body(archiveIds(unitIds)), &readArchiveUnitVersions);
+    return fetchArchive(error, out, call.body(jsonTexts(unitIds)), &readArchiveUnitVersions);
 }
 
 bool GetArchiveUnitStandardCode(ErrorCode& error, http::ORLOHTTPPayloadArchiveUnitStandardCodeAck& out,

@@ -120,17 +120,10 @@ int majorOf(SpecialtyType specialty)
     }
 }
 
-web::json::value jsonTexts(const std::vector<std::wstring>& texts)
-{
-    std::vector<web::json::value> elements;
-    for (const std::wstring& text : texts)
-        elements.push_back(jsonText(text));
-    return web::json::value::array(std::move(elements));
-}
-
 web::json::value jsonOfHeld(const std::vector<ComponentInfo>& held)
 {
     std::vector<web::json::value> elements;
+    elements.reserve(held.size());
     for (const ComponentInfo& component : held)
         elements.push_back(JsonBody().add(L"id", web::json::value::number(component.id)).add(L"version", component.version).done());
     return web::json::value::array(std::move(elements));

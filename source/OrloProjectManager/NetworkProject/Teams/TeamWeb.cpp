@@ -134,13 +134,9 @@ bool GetDatasetsOfTeam(ErrorCode& error, std::vector<DatasetInfo>& out, const st
 bool SearchOwnDatasets(ErrorCode& error, std::vector<DatasetInfo>& out, const std::vector<std::wstring>& teamIds,
                        const std::wstring& status)
 {
-    std::vector<web::json::value> ids;
-    ids.reserve(teamIds.size());
-    for (const std::wstring& id : teamIds)
-        ids.push_back(jsonText(id));
     // Intended: the words are those of the listing.
     WebCall call(L"CollaborationTeam::GetTeamDatasetInfos", service::project, methods::POST, ownDatasetsPath);
-    WebAnswer answer = call.query(L"status", status).body(web::json::value::array(std::move(ids))).send(error);
+    WebAnswer answer = call.query(L"status", status).body(jsonTexts(teamIds)).send(error);
     if (!answer.succeededOrTold())
         return false;
     out.clear();

@@ -83,15 +83,6 @@ bool refuseBatch(const Step& step, const std::wstring& words)
     return refuseStep(step, error::badInput, words);
 }
 
-web::json::value seedsAsJson(const std::vector<std::string>& seeds)
-{
-    std::vector<web::json::value> values;
-    values.reserve(seeds.size());
-    for (const std::string& seed : seeds)
-        values.push_back(jsonText(seed));
-    return web::json::value::array(std::move(values));
-}
-
 } // namespace
 
 void AcquireUploadAuthorityAsync(ErrorCode& error, const std::wstring& fileName, const std::wstring& filePath, const Context& context)
@@ -155,7 +146,7 @@ bool AcquireBatchDownloadAuthorityAsync(ErrorCode& error, const std::string& dat
     if (datasetId.empty())
         return refuseBatch(step, L"dataset id is empty");
     WebCall call(L"OrloWebService::AcquireBatchDownloadAuthorityAsync", service::project, methods::POST, readBlocksPath);
-    acquire(step, call.place(L"{datasetId}", datasetId).body(seedsAsJson(seeds)), Authority::isTheBody);
+    acquire(step, call.place(L"{datasetId}", datasetId).body(jsonTexts(seeds)), Authority::isTheBody);
     return true;
 }
 
