@@ -1,6 +1,8 @@
 // Runs each comparison many times, its two sides mixed at random so that a busy machine disturbs both alike, and prints
 // the ratio of their medians. Takes the usual options of google-benchmark.
 
+#include "Help.h"
+
 #include <benchmark/benchmark.h>
 #include <iomanip>
 #include <iostream>
@@ -59,10 +61,20 @@ private:
     std::map<std::string, Median> m_medians;
 };
 
+constexpr const char* help = R"([OPTION...]
+  Runs comparisons of the library with the same work done by hand, and prints the ratio of their medians.
+  Takes the usual options of google-benchmark, of which these are the most useful:
+    --benchmark_filter=TEXT      only what has the text in its name, as GetAllProjects
+    --benchmark_list_tests=true  tells the names
+    --benchmark_repetitions=N    21 unless told otherwise
+  bench/README.md tells what is compared and how the figures are to be read.)";
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (orlo::bench::answersForItself(argc, argv, "OrloBench", help))
+        return 0;
     std::string repetitions = "--benchmark_repetitions=21";
     std::string interleaved = "--benchmark_enable_random_interleaving=true";
     std::string aggregates = "--benchmark_report_aggregates_only=true";

@@ -11,14 +11,11 @@ install(TARGETS OrloProjectManager ${ORLO_SUPPORT_LIBRARIES} EXPORT OrloProjectM
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(DIRECTORY include/OrloProjectManager DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-foreach(library BaseCommon OrloCommon OrloLogging OrloAuth OrloJobManager)
-    install(DIRECTORY sdk-base/source/${library} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h" PATTERN Platform.h EXCLUDE PATTERN LivingProcesses.h EXCLUDE
-        PATTERN StrayFiles.h EXCLUDE PATTERN JsonText.h EXCLUDE PATTERN Log.h EXCLUDE PATTERN Caught.h EXCLUDE PATTERN TokenText.h EXCLUDE)
+include(cmake/HostHeaders.cmake)
+foreach(header ${ORLO_HOST_HEADERS})
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES sdk-base/source/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
-# The rest of the network library speaks in the types of cpprestsdk, which a host never meets.
-install(FILES sdk-base/source/OrloNetwork/NetworkCommon.h sdk-base/source/OrloNetwork/Export.h
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/OrloNetwork)
 
 install(EXPORT OrloProjectManagerTargets NAMESPACE Orlo:: DESTINATION ${ORLO_PACKAGE_DIR})
 configure_package_config_file(cmake/OrloProjectManagerConfig.cmake.in ${PROJECT_BINARY_DIR}/OrloProjectManagerConfig.cmake

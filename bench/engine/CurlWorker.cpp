@@ -6,6 +6,7 @@
 // COUNT requests, WIDTH of them at a time; a batch asks for URL/0, URL/1 and so on. Without --keep every request has a connection of
 // its own. Prints what Usage.h says, without threads. Buffers and shared caches are as the curl command has them.
 
+#include "../Help.h"
 #include "Usage.h"
 
 #include <cstdlib>
@@ -222,10 +223,18 @@ bool doWork(const Options& options)
         .run();
 }
 
+constexpr const char* help = R"([--ca FILE] [--keep] WORK
+  The work of OrloEngineWorker by libcurl alone, for OrloEngineBench. Prints the seconds that the work took, and what memory.
+  --ca    PEM file of the certificates to trust
+  --keep  keeps connections
+  WORK    get URL COUNT WIDTH | upload URL FILE | download URL FILE | batch URL COUNT WIDTH FOLDER)";
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (orlo::bench::answersForItself(argc, argv, "OrloCurlWorker", help))
+        return 0;
     const Options options = optionsOf({argv + 1, argv + argc});
     if (options.work.size() < 3)
         return 2;

@@ -2,16 +2,17 @@
 //
 //   OrloEngineWorker URL ROOT [--ca FILE] [--keep] [--watch] WORK
 //
+// URL may be "-" for the platform and the user of the environment, ORLO_URL and so on.
 // WORK is one of: get COUNT THREADS | upload FILE | download REMOTE FILE | batch FOLDER COUNT
 // --keep lets the library keep its connections, --watch counts its threads, which takes a second longer. Prints what Usage.h says.
 
+#include "../Help.h"
 #include "Usage.h"
 
 #include <BaseCommon/ErrorCode.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
-#include <OrloAuth/UserSession.h>
-#include <OrloCommon/OrloConfigManager.h>
+#include <OrloNetwork/HostSettings.h>
 #include <OrloProjectManager/OrloProjectManager.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
 
@@ -49,13 +50,16 @@ Options optionsOf(const Words& words)
 
 void setUp(const Options& options)
 {
-    OrloConfig config;
-    config.serviceUrls[L"project"] = utils::toWstring(options.url);
-    config.caFile = utils::toWstring(options.caFile);
-    config.keepConnections = options.keep;
-    OrloConfigManager::Configure(config);
+    HostSettings settings;
+    settings.config.serviceUrls[L"project"] = utils::toWstring(options.url);
+    settings.config.caFile = utils::toWstring(options.caFile);
+    settings.config.keepConnections = options.keep;
+    settings.user = {L"demo", L"demo-account", L"demo-token"};
+    if (options.url == "-")
+        settings = configFromEnvironment(settings);
+    OrloConfigManager::Configure(settings.config);
     utils::setLocalRoot(utils::toWstring(options.root));
-    UserSession::SignIn({L"demo", L"demo-account", L"demo-token"});
+    UserSession::SignIn(settings.user);
 }
 
 bool getOne(ICollaborationProjectManager& manager)
@@ -115,10 +119,21 @@ bool doWork(const Words& work)
     return work[0] == "get" ? getMany(std::stoi(work[1]), std::stoi(work[2])) : transfer(work);
 }
 
+constexpr const char* help = R"(URL ROOT [--ca FILE] [--keep] [--watch] WORK
+  Work by the library in a process of its own, for OrloEngineBench. Prints the seconds that the work took, and what memory and threads.
+  URL      of the platform; - for that of ORLO_URL, with the user and the rest of the environment's ORLO_ variables
+  ROOT     folder for local files
+  --ca     PEM file of the certificates to trust
+  --keep   keeps connections
+  --watch  counts threads, which takes a second longer
+  WORK     get COUNT THREADS | upload FILE | download REMOTE FILE | batch FOLDER COUNT)";
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (bench::answersForItself(argc, argv, "OrloEngineWorker", help))
+        return 0;
     if (argc < 5)
         return 2;
     const Options options = optionsOf({argv + 1, argv + argc});

@@ -5,6 +5,7 @@
 // Serves the files below DIR. Prints a line "listening on" with the ports of http, http that closes after each answer, https, https
 // that closes, and of the control, and the file with the authority of its certificate.
 
+#include "../Help.h"
 #include "Certificates.h"
 #include "Platform.h"
 
@@ -190,10 +191,16 @@ int listenOn(Platform& platform, const Manner& manner)
     return ntohs(address.sin_port);
 }
 
+constexpr const char* help = R"(--data DIR
+  The server that OrloEngineBench starts: it serves the files below DIR, until it is killed. Its first line tells the ports of http, of
+  http that closes after each answer, of https, of https that closes, and of the control, and the file with the certificate to trust.)";
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (orlo::bench::answersForItself(argc, argv, "OrloBenchOrigin", help))
+        return 0;
     if (argc != 3 || std::string_view(argv[1]) != "--data")
         giveUp("say --data DIR");
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);

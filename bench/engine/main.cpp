@@ -5,6 +5,7 @@
 // Measures the rows whose names hold all of the words, and prints a table of medians. Files lie in memory (/dev/shm), so that no disk
 // takes part.
 
+#include "../Help.h"
 #include "Checksum.h"
 #include "DelayProxy.h"
 #include "Work.h"
@@ -360,10 +361,19 @@ bool hasRoom(const std::vector<std::pair<Work, bool>>& rows)
     return fs::space("/dev/shm").available > needed;
 }
 
+constexpr const char* help = R"([--delay] [ROUNDS] [WORD...]
+  The library's transport beside the curl command and a bare curl multi; prints a table of medians, times in seconds.
+  --delay   through a proxy on this machine that holds everything up by 20 ms
+  ROUNDS    how often each row is measured
+  WORD      measures the rows alone whose names hold all of the words, as: upload TLS
+  Files lie in memory (/dev/shm). bench/README.md tells what is measured.)";
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (answersForItself(argc, argv, "OrloEngineBench", help))
+        return 0;
     const Options options = optionsOf({argv + 1, argv + argc});
     std::vector<std::pair<Work, bool>> rows;
     for (const Work& work : allWork(options.delayed)) {

@@ -2,12 +2,13 @@
 //
 //   OrloTransferWorker URL ROOT upload FILE | upload-gzip FILE | download REMOTE FILE | batch COUNT
 //
-// Prints the seconds that the transfer itself took.
+// URL may be "-" for the platform and the user of the environment, ORLO_URL and so on. Prints the seconds that the transfer itself took.
+
+#include "../Help.h"
 
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
-#include <OrloAuth/UserSession.h>
-#include <OrloCommon/OrloConfigManager.h>
+#include <OrloNetwork/HostSettings.h>
 #include <OrloProjectManager/OrloProjectManager.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
 
@@ -22,11 +23,14 @@ using namespace orlo;
 
 void setUp(const std::string& url, const std::string& root)
 {
-    OrloConfig config;
-    config.serviceUrls[L"project"] = utils::toWstring(url);
-    OrloConfigManager::Configure(config);
+    HostSettings settings;
+    settings.config.serviceUrls[L"project"] = utils::toWstring(url);
+    settings.user = {L"demo", L"demo-account", L"demo-token"};
+    if (url == "-")
+        settings = configFromEnvironment(settings);
+    OrloConfigManager::Configure(settings.config);
     utils::setLocalRoot(utils::toWstring(root));
-    UserSession::SignIn({L"demo", L"demo-account", L"demo-token"});
+    UserSession::SignIn(settings.user);
 }
 
 std::vector<std::string> seeds(int count)
@@ -46,10 +50,18 @@ std::future<PromiseData> start(const std::vector<std::string>& words, ErrorCode&
     return HttpClient::uploadFile(error, utils::toWstring(words[1]), L"", L"", words[0] == "upload-gzip");
 }
 
+constexpr const char* help = R"(URL ROOT WORK
+  One transfer by the library in a process of its own, for OrloTransferBench. Prints the seconds that it took, and its outcome.
+  URL   of the platform; - for that of ORLO_URL, with the user and the rest of the environment's ORLO_ variables
+  ROOT  folder for local files
+  WORK  upload FILE | upload-gzip FILE | download REMOTE FILE | batch COUNT)";
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (orlo::bench::answersForItself(argc, argv, "OrloTransferWorker", help))
+        return 0;
     if (argc < 5)
         return 2;
     setUp(argv[1], argv[2]);

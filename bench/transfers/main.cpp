@@ -4,6 +4,7 @@
 //
 // Prints the medians as a table. Files lie in memory (/dev/shm), so that no disk takes part.
 
+#include "../Help.h"
 #include "Process.h"
 
 #include <rapidjson/document.h>
@@ -303,10 +304,18 @@ private:
     fs::path m_big;
 };
 
+constexpr const char* help = R"([ROUNDS] [CASE]
+  Transfers by the library beside the same transfers by curl, against a local platform of its own; prints a table of medians.
+  ROUNDS   how often each case is measured; 7 unless told otherwise
+  CASE     one of upload, gzip, download, large, small; all without it
+  Files lie in memory (/dev/shm). bench/README.md tells what is measured.)";
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (orlo::bench::answersForItself(argc, argv, "OrloTransferBench", help))
+        return 0;
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 7;
     const std::string only = argc > 2 ? argv[2] : "";
     const Stage stage;

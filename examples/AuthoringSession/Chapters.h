@@ -57,8 +57,8 @@ void failures(Story& story);
 /// Draws the project's folders with their datasets.
 void showFolders(Story& story, orlo::ICollaborationProject& project);
 
-/// Draws one folder with its datasets and what is below it.
-void showFolder(Story& story, const orlo::ICollaborationFolder& folder);
+/// Draws one folder with its datasets and what is below it; `call` gave it.
+void showFolder(Story& story, const orlo::ICollaborationFolder& folder, const std::wstring& call);
 
 /// The first folder of the project, as the platform has it now. Valid until the project's folders are read again.
 const orlo::ICollaborationFolder& firstFolder(Story& story, orlo::ICollaborationProject& project);

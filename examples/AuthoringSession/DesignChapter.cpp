@@ -32,7 +32,8 @@ IAxisGrid& lastGrid(Story& story, ICollaborationProject& project)
     const auto arcs =
         std::count_if(axes.begin(), axes.end(), [](const IAxisCurve* axis) { return axis->GetCurveType() == CurveType::Arc; });
     story.say(L"Read the last version of the grid, " + std::to_wstring(grid->GetVersion()) + L": " +
-              std::to_wstring(static_cast<long long>(axes.size()) - arcs) + L" straight axes and " + std::to_wstring(arcs) + L" arcs");
+                  std::to_wstring(static_cast<long long>(axes.size()) - arcs) + L" straight axes and " + std::to_wstring(arcs) + L" arcs",
+              L"ICollaborationProject::GetAxisGridConfig");
     return *grid;
 }
 
@@ -47,7 +48,8 @@ void measure(Story& story, const IAxisGrid& grid, const std::wstring& from, cons
     IAxisCurve* const a = axisNamed(grid, from);
     IAxisCurve* const b = axisNamed(grid, to);
     story.expect(a != nullptr && b != nullptr, L"the grid came back without " + from + L" or " + to);
-    story.say(L"From axis " + from + L" to axis " + to + L": " + inMillimetres(grid.GetDistance(a->GetId(), b->GetId())));
+    story.say(L"From axis " + from + L" to axis " + to + L": " + inMillimetres(grid.GetDistance(a->GetId(), b->GetId())),
+              L"IAxisGrid::GetDistance");
 }
 
 /// Moves an upright axis, 1 to 10, to the left.
@@ -59,7 +61,7 @@ void moveLeft(Story& story, IAxisGrid& grid, const std::wstring& name, double mi
     const Point3d end = axis->GetEndPt();
     axis->SetStartPt({start.x - millimetres, start.y, start.z});
     axis->SetEndPt({end.x - millimetres, end.y, end.z});
-    story.say(L"Moved axis " + name + L" by " + inMillimetres(millimetres) + L" to the left.");
+    story.say(L"Moved axis " + name + L" by " + inMillimetres(millimetres) + L" to the left.", L"IAxisLine::SetStartPt, SetEndPt");
 }
 
 void sayGridVersions(Story& story, ICollaborationProject& project)
@@ -69,19 +71,21 @@ void sayGridVersions(Story& story, ICollaborationProject& project)
     for (const int version : project.GetAxisGridConfigVersions(error))
         all += (all.empty() ? L"" : L", ") + std::to_wstring(version);
     story.expect(error.isClear(), L"the versions of the axis grid could not be listed", error);
-    story.say(L"Versions of the grid: " + all);
+    story.say(L"Versions of the grid: " + all, L"ICollaborationProject::GetAxisGridConfigVersions");
 }
 
 void axisGrid(Story& story, ICollaborationProject& project, Pictures& pictures)
 {
     storeGrid(story, project, *hospitalGrid());
-    story.say(L"Drew the axes 1 to 10, A to K and the arcs R1 and R2, and stored the grid.");
+    story.say(L"Drew the axes 1 to 10, A to K and the arcs R1 and R2, and stored the grid.",
+              L"IAxisGrid::Create, ICollaborationProject::UpdateAxisGrid");
     IAxisGrid& first = lastGrid(story, project);
     measure(story, first, L"1", L"2");
     measure(story, first, L"A", L"K");
     moveLeft(story, first, L"1", 600.0);
     storeGrid(story, project, first);
-    story.say(L"Stored it again. The grid in hand is version " + std::to_wstring(first.GetVersion()) + L" still.");
+    story.say(L"Stored it again. The grid in hand is version " + std::to_wstring(first.GetVersion()) + L" still.",
+              L"ICollaborationProject::UpdateAxisGrid");
     sayGridVersions(story, project);
     const IAxisGrid& second = lastGrid(story, project); // the first is gone
     measure(story, second, L"1", L"2");
@@ -112,7 +116,8 @@ int readItems(Story& story, ICollaborationProject& project)
     int revision = -1;
     std::vector<ProjectItemConfig> items;
     story.expect(project.GetLatestBuildingItems(items, revision, error), L"the building items could not be read", error);
-    story.say(L"Building items at revision " + std::to_wstring(revision) + (items.empty() ? L": none" : L":"));
+    story.say(L"Building items at revision " + std::to_wstring(revision) + (items.empty() ? L": none" : L":"),
+              L"ICollaborationProject::GetLatestBuildingItems");
     for (const ProjectItemConfig& item : items) {
         const JsonWrapper content = contentOf(story, item);
         story.say(L"  - " + textIn(content, "name") + L", version " + std::to_wstring(item.version) + L": " + textIn(content, "use"));
@@ -125,7 +130,7 @@ std::wstring addItem(Story& story, ICollaborationProject& project, int revision)
     ErrorCode error;
     std::wstring id;
     story.expect(project.AddBuildingItem(id, revision, LR"({"name":"门诊楼","use":"门诊"})", error), L"the item could not be added", error);
-    story.say(L"Added the item 门诊楼.");
+    story.say(L"Added the item 门诊楼.", L"ICollaborationProject::AddBuildingItem");
     return id;
 }
 
@@ -134,11 +139,12 @@ bool changeItem(Story& story, ICollaborationProject& project, const std::wstring
 {
     http::HttpMessage refusal;
     if (project.UpdateBuildingItem(refusal, revision, id, LR"({"name":"门诊楼","use":"门诊和急诊"})")) {
-        story.say(L"Changed the item with revision " + std::to_wstring(revision) + L".");
+        story.say(L"Changed the item with revision " + std::to_wstring(revision) + L".", L"ICollaborationProject::UpdateBuildingItem");
         return true;
     }
     story.say(L"Changing the item with revision " + std::to_wstring(revision) + L" was refused (" + std::to_wstring(refusal.code) +
-              L"), in the platform's words: " + refusal.message);
+                  L"), in the platform's words: " + refusal.message,
+              L"ICollaborationProject::UpdateBuildingItem");
     return false;
 }
 
@@ -160,7 +166,8 @@ void elevations(Story& story, ICollaborationProject& project, const std::wstring
         story.expect(elevation.Get("height", height), L"an elevation came back without its height");
         all += (all.empty() ? L"" : L", ") + textIn(elevation, "name") + L" at " + inMillimetres(height);
     }
-    story.say(L"Gave it an elevation set, and read version " + std::to_wstring(config.version) + L": " + all);
+    story.say(L"Gave it an elevation set, and read version " + std::to_wstring(config.version) + L": " + all,
+              L"ICollaborationProject::CreateProjectItemConfig, GetLatestProjectItemConfig");
 }
 
 void bind(Story& story, ICollaborationProject& project, const std::wstring& itemId)
@@ -175,7 +182,8 @@ void bind(Story& story, ICollaborationProject& project, const std::wstring& item
     story.expect(project.GetDatasetIdsByBuildingItemId(datasets, itemId, error), L"the datasets of the item could not be read", error);
     story.expect(items == std::vector<std::wstring>{itemId} && datasets == std::vector<std::wstring>{datasetId},
                  L"the item and the dataset don't know of each other");
-    story.say(L"Bound the dataset " + dataset.name + L" to it; each now tells the other's id.");
+    story.say(L"Bound the dataset " + dataset.name + L" to it; each now tells the other's id.",
+              L"ICollaborationProject::AssociateDatasetAndBuildingItem");
 }
 
 void buildingItems(Story& story, ICollaborationProject& project)
@@ -194,7 +202,7 @@ void buildingItems(Story& story, ICollaborationProject& project)
 
 void design(Story& story, ICollaborationProject& project, Pictures& pictures)
 {
-    story.chapter(L"Axis grid and building items");
+    story.chapter(L"Axis grid and building items", __FILE__);
     axisGrid(story, project, pictures);
     buildingItems(story, project);
 }

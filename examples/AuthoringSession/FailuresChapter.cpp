@@ -13,7 +13,7 @@ void loadUnknownProject(Story& story)
     ErrorCode error;
     const auto project = ICollaborationProject::Load(L"no-such-project", error);
     story.expect(!project && error.GetValue() == error::errorStatus, L"an unknown project was not refused", error);
-    story.say(L"Loading a project that isn't there: " + inWords(error));
+    story.say(L"Loading a project that isn't there: " + inWords(error), L"ICollaborationProject::Load");
 }
 
 void createNamelessProject(Story& story)
@@ -21,14 +21,14 @@ void createNamelessProject(Story& story)
     ErrorCode error;
     const auto project = ICollaborationProjectManager::Get()->CreateProject(L"", ProjectStatus::Ongoing, error);
     story.expect(!project && error.GetValue() == error::badInput, L"a project without a name was not refused", error);
-    story.say(L"Creating a project without a name: " + inWords(error));
+    story.say(L"Creating a project without a name: " + inWords(error), L"ICollaborationProjectManager::CreateProject");
 }
 
 } // namespace
 
 void failures(Story& story)
 {
-    story.chapter(L"Two failures, on purpose");
+    story.chapter(L"Two failures, on purpose", __FILE__);
     loadUnknownProject(story);
     createNamelessProject(story);
 }

@@ -26,12 +26,12 @@ void upAndDown(Story& story, const std::wstring& folder)
     const std::string bytes = drawingBytes(3 << 20, 1);
     const PromiseData up = IFileManager::UploadFile(makeFile(story, folder, L"总平面图.dwg", bytes), L"", L"", error).get();
     story.expect(up.success, L"the upload failed: " + up.message, error);
-    story.say(L"Uploaded 3 MiB to " + remotePathOf(up.message));
+    story.say(L"Uploaded 3 MiB to " + remotePathOf(up.message), L"IFileManager::UploadFile");
 
     const std::wstring copy = FilePath::Combine(folder, L"总平面图 (copy).dwg");
     const PromiseData down = IFileManager::DownloadFile(remotePathOf(up.message), copy, error).get();
     story.expect(down.success && hasBytes(down.message, bytes), L"the file did not come back: " + down.message, error);
-    story.say(L"Downloaded it again; the bytes are the same.");
+    story.say(L"Downloaded it again; the bytes are the same.", L"IFileManager::DownloadFile");
 }
 
 std::string publishFile(Story& story, ICollaborationProject& project, const std::wstring& path)
@@ -41,9 +41,10 @@ std::string publishFile(Story& story, ICollaborationProject& project, const std:
     const auto file = ICollaborationFileManager::Get()->UploadFile(folder.GetId(), path, error);
     story.expect(file != nullptr, L"the file could not become a dataset", error);
     story.say(L"A file became a dataset in the folder " + folder.GetName() + L", version " + std::to_wstring(file->GetVersion()) + L", " +
-              std::to_wstring(file->GetLength()) + L" bytes");
+                  std::to_wstring(file->GetLength()) + L" bytes",
+              L"ICollaborationFileManager::UploadFile");
     story.expect(IWorkUnit::MarkPublish(file->GetId(), file->GetVersion(), L"第一版", error), L"the version could not be published", error);
-    story.say(L"Published that version.");
+    story.say(L"Published that version.", L"IWorkUnit::MarkPublish");
     showFolders(story, project);
     return file->GetId();
 }
@@ -69,7 +70,7 @@ void aDozenAtOnce(Story& story, const Platform& platform, const std::string& dat
         const std::wstring path = FilePath::Combine(cache, utils::toWstring(nameOfBlock(i)));
         story.expect(hasBytes(path, drawingBytes(256 << 10, 100 + static_cast<unsigned>(i))), L"a block of the batch differs");
     }
-    story.say(L"Downloaded twelve blocks of a model at once; the bytes are the same.");
+    story.say(L"Downloaded twelve blocks of a model at once; the bytes are the same.", L"HttpClient::downloadBatchFiles");
 }
 
 void throughTheCache(Story& story, const std::string& datasetId)
@@ -78,14 +79,14 @@ void throughTheCache(Story& story, const std::string& datasetId)
     const std::wstring uri = L"model" + utils::SeparatorChar() + L"block-1.bin?f=1";
     const std::wstring path = IFileManager::DownloadFile(datasetId, uri, error);
     story.expect(!path.empty(), L"the block is not in the cache", error);
-    story.say(L"Asked for a block again: it came from the local cache.");
+    story.say(L"Asked for a block again: it came from the local cache.", L"IFileManager::DownloadFile");
 }
 
 } // namespace
 
 void files(Story& story, ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder)
 {
-    story.chapter(L"Files");
+    story.chapter(L"Files", __FILE__);
     upAndDown(story, localFolder);
     const std::string datasetId = publishFile(story, project, makeFile(story, localFolder, L"一层平面图.dwg", drawingBytes(1 << 20, 2)));
     if (!platform.isOurOwn())

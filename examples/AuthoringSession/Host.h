@@ -1,13 +1,21 @@
 #pragma once
 
+#include <OrloNetwork/HostSettings.h>
+
 #include <string>
 
 namespace session {
 
-/// Tells the libraries where the services are and where local files may lie.
-void setHostUp(const std::wstring& platformUrl, const std::wstring& localFolder);
+/// The demo user, whom every local platform knows, and everything else as the library has it.
+orlo::HostSettings demoSettings();
 
-/// Signs the demo user in, whom every local platform knows.
+/// The address in settings; empty for none.
+std::string addressIn(const orlo::HostSettings& settings);
+
+/// Tells the libraries where the services are and where local files may lie, and keeps the user for signIn.
+void setHostUp(orlo::HostSettings settings, const std::wstring& platformUrl, const std::wstring& localFolder);
+
+/// Signs the user of the settings in.
 void signIn();
 
 /// A colleague's turn at the machine; Platform::addColleague makes it known.

@@ -29,7 +29,7 @@ public:
     {
         const std::wstring path = makeFile(m_story, m_localFolder, name, drawingBytes(512 << 10, seed));
         m_story.expect(ICollaborationFileManager::UploadFileByJob(m_projectId, m_folderId, path, name), L"the job was not accepted");
-        m_story.say(L"Handed over " + name);
+        m_story.say(L"Handed over " + name, L"ICollaborationFileManager::UploadFileByJob");
     }
     void firstFile() const { file(L"立面图.dwg", 11); }
     void otherFiles() const
@@ -62,21 +62,21 @@ void earlierJobs(Story& story)
     const std::vector<JobEvent> events = UploadDesk(story).finish();
     if (events.empty())
         return;
-    story.chapter(L"What an earlier session left");
+    story.chapter(L"What an earlier session left", __FILE__);
     for (const JobEvent& event : events) {
         if (event.kind == JobEvent::Kind::Added)
-            story.say(L"Still to be uploaded: " + fileNameOf(event));
+            story.say(L"Still to be uploaded: " + fileNameOf(event), L"IJobManager::Start, JobManagerOptions::onEvent");
     }
     for (const JobEvent& event : events) {
         if (event.kind == JobEvent::Kind::Ended)
             sayEnd(story, event);
     }
-    story.say(L"Nothing is left now.");
+    story.say(L"Nothing is left now.", L"IJobManager::WaitForIdle");
 }
 
 void jobs(Story& story, ICollaborationProject& project, const std::wstring& localFolder)
 {
-    story.chapter(L"Jobs");
+    story.chapter(L"Jobs", __FILE__);
     UploadDesk desk(story);
     const HandOver handOver(story, project, localFolder);
     handOver.firstFile();
@@ -87,12 +87,12 @@ void jobs(Story& story, ICollaborationProject& project, const std::wstring& loca
         sayEnd(story, event);
         story.expect(event.state == JobState::Succeeded, L"a job failed", event.error);
     }
-    showFolder(story, firstFolder(story, project));
+    showFolder(story, firstFolder(story, project), L"ICollaborationProject::GetFolders");
 }
 
 void crashAmidJobs(Story& story, ICollaborationProject& project, const Platform& platform, const std::wstring& localFolder)
 {
-    story.chapter(L"Jobs, and a crash");
+    story.chapter(L"Jobs, and a crash", __FILE__);
     UploadDesk desk(story);
     const HandOver handOver(story, project, localFolder);
     handOver.firstFile();

@@ -28,7 +28,7 @@ void components(Story& story, ICollaborationProject& project, const Platform& pl
     const std::map<std::wstring, std::wstring> taken{{L"101", platform.publicComponent("单扇平开门 Single door")},
                                                      {L"102", platform.publicComponent("矩形柱 Rectangular column")}};
     story.expect(project.AddComponentsWithIds(taken, error), L"the components could not be added", error);
-    story.say(L"Took a door and a column from the public catalogue.");
+    story.say(L"Took a door and a column from the public catalogue.", L"ICollaborationProject::AddComponentsWithIds");
 
     std::vector<Component> found;
     int total = 0;
@@ -41,7 +41,8 @@ void components(Story& story, ICollaborationProject& project, const Platform& pl
     std::wstring types;
     for (const std::wstring& type : column.familyTypeNames)
         types += (types.empty() ? L"" : L", ") + type;
-    story.say(L"Searched for 柱: " + column.name + L", version " + std::to_wstring(column.version) + L", comes as " + types);
+    story.say(L"Searched for 柱: " + column.name + L", version " + std::to_wstring(column.version) + L", comes as " + types,
+              L"IProjectComponentLibrary::SearchComponents, GetDetailInfoOfComponent; sizes in mm");
 }
 
 /// A file with which new drawings begin: handed over by one user, brought to the disk of the next.
@@ -59,13 +60,15 @@ void templates(Story& story, ICollaborationProject& project, const Platform& pla
     }
     std::vector<SamplePlate> offered;
     story.expect(manager.GetAllTemplatesOfProject(project.GetId(), offered, error) && !offered.empty(), L"there is no template", error);
-    story.say(L"The project offers the template " + offered.back().name + L", for " + offered.back().specialty);
+    story.say(L"The project offers the template " + offered.back().name + L", for " + offered.back().specialty,
+              L"ITemplateManager::UploadTemplateByJob, GetAllTemplatesOfProject");
 
     const std::string dataset = firstDraft(story, project).id;
     platform.startDataset(dataset, utils::toString(offered.back().id));
     const PromiseData brought = manager.DownloadTemplateFile(utils::toWstring(dataset), project.GetId(), error).get();
     story.expect(brought.success && hasBytes(brought.message, bytes), L"the template did not come: " + brought.message, error);
-    story.say(L"Brought it to this disk for a dataset that begins with it; the bytes are the same.");
+    story.say(L"Brought it to this disk for a dataset that begins with it; the bytes are the same.",
+              L"ITemplateManager::DownloadTemplateFile");
 }
 
 /// A module is known by where it stands: a space, a resource type, a category.
@@ -86,7 +89,7 @@ public:
                            categories.Parse(utils::toString(text)) && categories.Get(0, first) && first.Get("id", id) &&
                            first.Get("name", name),
                        L"there is no category for modules", error);
-        m_story.say(L"Modules stand in categories; the first is " + utils::toWstring(name));
+        m_story.say(L"Modules stand in categories; the first is " + utils::toWstring(name), L"IModuleManager::GetCategories");
         return utils::toWstring(id);
     }
 
@@ -96,7 +99,8 @@ public:
         ErrorCode error;
         const bool isWanted = IModuleManager::Get()->IsCanUpload(space, m_projectId, L"zok", utils::toWstring(utils::md5(path)), module,
                                                                  category, type, L"", error);
-        m_story.say(std::wstring(L"May the module ") + module + L" come? " + (isWanted ? L"Yes." : L"No: " + error.GetErrorMessage()));
+        m_story.say(std::wstring(L"May the module ") + module + L" come? " + (isWanted ? L"Yes." : L"No: " + error.GetErrorMessage()),
+                    L"IModuleManager::IsCanUpload");
     }
 
     void handOver(const std::wstring& path, const std::wstring& category) const
@@ -141,12 +145,14 @@ void archive(Story& story, ICollaborationProject& project, const Platform& platf
     std::vector<std::shared_ptr<IArchivePackage>> packages;
     story.expect(project.GetArchivePackageList(packages, error), L"the archive packages could not be read", error);
     for (const auto& package : packages) {
-        story.say(L"Archive package " + package->GetName() + L", for " + package->GetProperty()->GetReceiverName() + L":");
+        story.say(L"Archive package " + package->GetName() + L", for " + package->GetProperty()->GetReceiverName() + L":",
+                  L"ICollaborationProject::GetArchivePackageList");
         for (const auto& unit : package->GetArchiveUnits()) {
             std::vector<ArchiveDatasetEntry> entries;
             unit->GetDatasets(entries);
             story.say(L"  - " + unit->GetName() + L": " + std::to_wstring(entries.size()) + L" dataset, " +
-                      std::to_wstring(unit->GetTotalSize()) + L" bytes");
+                          std::to_wstring(unit->GetTotalSize()) + L" bytes",
+                      L"IArchiveUnit::GetDatasets, GetTotalSize");
         }
     }
 }
@@ -157,7 +163,7 @@ void libraries(Story& story, ICollaborationProject& project, const Platform& pla
 {
     if (!platform.isOurOwn())
         return;
-    story.chapter(L"Libraries of the project");
+    story.chapter(L"Libraries of the project", __FILE__);
     components(story, project, platform);
     templates(story, project, platform, localFolder);
     modules(story, project, platform, localFolder);

@@ -26,7 +26,8 @@ void opens(Story& story, const std::string& dataset, EDatasetPermission expected
     const EDatasetPermission permission = IDatasetPermission::GetDatasetPermission(dataset, result, error);
     story.expect(permission == expected, who() + L" got another permission than expected: " + reasonOf(result), error);
     story.say(permission == EDatasetPermission::READ_WRITE ? who() + L" opens the model, and may write."
-                                                           : who() + L" opens the model, and may read: " + reasonOf(result) + L".");
+                                                           : who() + L" opens the model, and may read: " + reasonOf(result) + L".",
+              L"IDatasetPermission::GetDatasetPermission");
 }
 
 void closes(Story& story, const std::string& dataset)
@@ -34,14 +35,14 @@ void closes(Story& story, const std::string& dataset)
     ErrorCode error;
     std::string result;
     story.expect(IDatasetPermission::ReleaseDatasetPermission(dataset, result, error, false), L"the right was not given back", error);
-    story.say(who() + L" closes the model.");
+    story.say(who() + L" closes the model.", L"IDatasetPermission::ReleaseDatasetPermission");
 }
 
 void takesOver(Story& story, const std::string& dataset)
 {
     ErrorCode error;
     story.expect(IDatasetPermission::ReleaseDatasetPermissionForce(utils::toWstring(dataset), error), L"the right was not taken", error);
-    story.say(who() + L" takes the right to write away.");
+    story.say(who() + L" takes the right to write away.", L"IDatasetPermission::ReleaseDatasetPermissionForce");
 }
 
 void looksAfterTheRight(Story& story, const std::string& dataset)
@@ -49,7 +50,7 @@ void looksAfterTheRight(Story& story, const std::string& dataset)
     ErrorCode error;
     const bool isValid = IDatasetPermission::IsEditTokenValid(utils::toWstring(dataset), error);
     story.expect(!isValid, L"a right that was taken away is still good", error);
-    story.say(who() + L" finds that the right to write is gone.");
+    story.say(who() + L" finds that the right to write is gone.", L"IDatasetPermission::IsEditTokenValid");
 }
 
 } // namespace
@@ -58,7 +59,7 @@ void permissions(Story& story, ICollaborationProject& project, const Platform& p
 {
     if (!platform.isOurOwn()) // nobody else is known there
         return;
-    story.chapter(L"Two users, one model");
+    story.chapter(L"Two users, one model", __FILE__);
     const std::string dataset = firstDraft(story, project).id;
     platform.addColleague();
     opens(story, dataset, EDatasetPermission::READ_WRITE);

@@ -113,11 +113,10 @@ std::shared_ptr<ISpaceConfig> latest(Story& story, ICollaborationProject& projec
 
 void show(Story& story, const ISpaceConfig& spaces)
 {
-    story.say(L"The spaces, version " + std::to_wstring(spaces.GetVersion()) + L":");
-    for (const auto& root : spaces.GetItems()) {
-        for (const std::wstring& line : linesOf(drawn(*root)))
-            story.say(line);
-    }
+    story.say(L"The spaces, version " + std::to_wstring(spaces.GetVersion()) + L", levels in metres:",
+              L"ICollaborationProject::GetSpaceConfig");
+    for (const auto& root : spaces.GetItems())
+        story.say(linesOf(drawn(*root)));
 }
 
 std::shared_ptr<Space> newFloor(const std::wstring& name, const std::wstring& level)
@@ -134,21 +133,22 @@ void addFloors(Story& story, ICollaborationProject& project, const ISpaceConfig&
     region->add(newFloor(L"地下一层", L"-4.200"));
     story.expect(HttpClient::updateSpaceConfig(HttpClient::stringifySpaceConfig(changed), project.GetId()),
                  L"the changed spaces could not be stored");
-    story.say(L"Added a floor and a basement, levels in metres, and stored the tree.");
+    story.say(L"Added a floor and a basement, levels in metres, and stored the tree.", L"HttpClient::updateSpaceConfig");
 }
 
 } // namespace
 
 void spaces(Story& story, ICollaborationProject& project, Pictures& pictures)
 {
-    story.chapter(L"Sites, buildings, regions and floors");
+    story.chapter(L"Sites, buildings, regions and floors", __FILE__);
     const auto first = latest(story, project);
     show(story, *first);
     addFloors(story, project, *first);
     const auto second = latest(story, project);
     show(story, *second);
     pictures.keep(story, L"spaces.svg", spacesPicture(*second));
-    story.say(L"Versions kept by the platform: " + std::to_wstring(versionsOf(story, project).size()));
+    story.say(L"Versions kept by the platform: " + std::to_wstring(versionsOf(story, project).size()),
+              L"ICollaborationProject::GetSpaceConfigVersions");
 }
 
 } // namespace session

@@ -47,14 +47,25 @@ void Story::title(const std::wstring& text)
     std::cout << toString(text) << "\n" << std::string(text.size(), '=') << std::endl;
 }
 
-void Story::chapter(const std::wstring& text)
+void Story::chapter(const std::wstring& text, const char* source)
 {
     std::cout << "\n" << ++m_chapter << ". " << toString(text) << std::endl;
+    if (m_explains)
+        std::cout << "   (" << source << ")" << std::endl;
 }
 
-void Story::say(const std::wstring& text)
+void Story::say(const std::wstring& text, const std::wstring& call)
 {
-    std::cout << "   " << toString(text) << std::endl;
+    std::cout << "   " << toString(text);
+    if (m_explains && !call.empty())
+        std::cout << "  [" << toString(call) << "]";
+    std::cout << std::endl;
+}
+
+void Story::say(const std::vector<std::wstring>& lines, const std::wstring& call)
+{
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        say(lines[i], i == 0 ? call : L"");
 }
 
 void Story::expect(bool wentWell, const std::wstring& what, const orlo::ErrorCode& error)

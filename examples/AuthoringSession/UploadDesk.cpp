@@ -1,7 +1,7 @@
 #include "UploadDesk.h"
 
-#include <BaseCommon/JsonWrapper.h>
-#include <BaseCommon/Text.h>
+#include <OrloJobManager/IFileJob.h>
+#include <OrloNetwork/Reachability.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -58,6 +58,9 @@ UploadDesk::UploadDesk(Story& story) : m_story(story), m_inbox(std::make_shared<
 {
     JobManagerOptions options;
     options.onEvent = [inbox = m_inbox](const JobEvent& event) { inbox->put(event); };
+    // No upload is given up because the network or the platform has a bad hour.
+    options.onFailure = keepIfItMaySucceed;
+    options.mayStart = http::isSignedInAndOnline;
     m_story.expect(IJobManager::Start(options), L"the job manager could not be started");
 }
 
@@ -78,25 +81,23 @@ JobEvent UploadDesk::next(JobEvent::Kind kind)
 
 std::vector<JobEvent> UploadDesk::finish()
 {
-    m_story.expect(IJobManager::Get()->WaitForIdle(patience), L"the uploads don't come to an end");
+    for (const auto& job : IJobManager::Get()->GetJobs())
+        m_story.expect(IJobManager::Get()->WaitForJob(job->JobId(), patience), L"the uploads don't come to an end");
     IJobManager::Stop(); // what happened before has been told when it returns
     return m_inbox->takeAll();
 }
 
 std::wstring fileNameOf(const JobEvent& event)
 {
-    JsonWrapper job;
-    JsonWrapper fields;
-    std::string name;
-    if (!job.Parse(event.job->ToJson()) || !job.Get("cloudifyFile", fields) || !fields.Get("fileName", name))
-        return L"?";
-    return utils::toWstring(name);
+    const auto* const ofFile = dynamic_cast<const IFileJob*>(event.job.get());
+    return ofFile ? ofFile->GetFileName() : L"?";
 }
 
 void sayEnd(Story& story, const JobEvent& event)
 {
     const bool wentWell = event.state == JobState::Succeeded;
-    story.say(fileNameOf(event) + (wentWell ? L" has been uploaded." : L" could not be uploaded: " + inWords(event.error)));
+    story.say(fileNameOf(event) + (wentWell ? L" has been uploaded." : L" could not be uploaded: " + inWords(event.error)),
+              L"JobManagerOptions::onEvent");
 }
 
 } // namespace session

@@ -43,6 +43,7 @@
 #include <OrloProjectManager/Teams/ICollaborationSharedRecord.h>
 #include <OrloProjectManager/Teams/ICollaborationTeam.h>
 #include <OrloProjectManager/Teams/ICollaborationTeamManager.h>
+#include <OrloProjectManager/Transfer/DatasetFiles.h>
 #include <OrloProjectManager/Transfer/HttpClient.h>
 #include <OrloProjectManager/Transfer/ICollaborationFile.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>

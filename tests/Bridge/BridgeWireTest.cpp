@@ -1,9 +1,14 @@
+#include "support/RawServer.h"
 #include "support/RequestFailures.h"
 #include "support/WireTest.h"
 
 #include <BaseCommon/IOrloBridge.h>
 #include <BaseCommon/Text.h>
 #include <OrloProjectManager/Bridge/OrloBridge.h>
+#include <OrloProjectManager/Design/IAxisGrid.h>
+#include <OrloProjectManager/NetworkProject/Call/WebCall.h>
+#include <OrloProjectManager/Projects/ICollaborationProject.h>
+#include <OrloProjectManager/Projects/ICollaborationProjectManager.h>
 
 #include <gtest/gtest.h>
 
@@ -84,6 +89,7 @@ TEST_F(BridgeWireTest, readingMetadataFailsAsADirectRequestDoes)
     operation.succeeds = [&](ErrorCode& code) { return !bridge.GetDatasetMeta(code, DatasetMetaKey::SpaceConfigVersion, L"17").empty(); };
     operation.readsJson = false;
     operation.frame = L"orlo::OrloBridge::GetDatasetMeta";
+    operation.operationName = L"orlo::OrloBridge::GetDatasetMeta";
     expectFailuresOf(operation, server, log);
 }
 
@@ -98,7 +104,29 @@ TEST_F(BridgeWireTest, storingMetadataFailsWithoutTheTag)
     operation.succeeds = [&](ErrorCode& code) { return bridge.UpsertDatasetMeta(code, DatasetMetaKey::SpaceConfigVersion, L"3", L"17"); };
     operation.readsJson = false;
     operation.frame = L"orlo::OrloBridge::UpsertDatasetMeta";
+    operation.operationName = L"orlo::OrloBridge::UpsertDatasetMeta";
     expectFailuresOf(operation, server, log);
+}
+
+TEST_F(BridgeWireTest, metadataWaitsNoLongerThanTheTimeOutThatTheProcessReadFirst)
+{
+    RawServer stalled(RawAnswer::stall(rawOk("3")));
+    host.change([&](OrloConfig& config) {
+        config.serviceUrls[L"project"] = stalled.wideUrl();
+        config.httpTimeoutSeconds = 1;
+    });
+    if (timeoutOfFirstUse() != 1)
+        GTEST_SKIP() << "another test of this process was the first to use the time-out";
+    EXPECT_EQ(bridge.GetDatasetMeta(error, DatasetMetaKey::SpaceConfigVersion, L"17"), L"");
+    expectHttpError(error, exceptionValue, L"generic exception", silenceOf(stalled.url()), timeoutCode);
+
+    host.change([&](OrloConfig& config) {
+        config.serviceUrls[L"project"] = stalled.wideUrl();
+        config.httpTimeoutSeconds = 60;
+    });
+    error.Clear();
+    EXPECT_FALSE(bridge.UpsertDatasetMeta(error, DatasetMetaKey::SpaceConfigVersion, L"3", L"17")) << "a later change has no effect";
+    expectHttpError(error, exceptionValue, L"generic exception", silenceOf(stalled.url()), timeoutCode);
 }
 
 TEST_F(BridgeWireTest, configurationsAreThoseOfTheProjectOfTheModelingId)
@@ -130,6 +158,71 @@ TEST_F(BridgeWireTest, aListThatCannotBeReadIsEmptyAndTheErrorTells)
     EXPECT_TRUE(bridge.GetAxisGridAllVersions(L"modeling-8", versions, error));
     EXPECT_EQ(versions, std::vector<int>{});
     expectHttpError(error, errorStatusValue, L"HttpError", L"no", 403);
+}
+
+TEST_F(BridgeWireTest, aListOfSpacesThatCannotBeReadIsEmptyAndTheErrorTells)
+{
+    expectProject("modeling-10");
+    std::vector<int> versions{9};
+    server.expect("GET", spaceVersions).reply(403, "no");
+    EXPECT_TRUE(bridge.GetSpaceConfigAllVersions(L"modeling-10", versions, error));
+    EXPECT_EQ(versions, std::vector<int>{});
+    expectHttpError(error, errorStatusValue, L"HttpError", L"no", 403);
+    EXPECT_EQ(log.lines(), Lines{L"E [ORLOSDK]Project::GetSpaceConfigVersions - code:403"});
+}
+
+TEST_F(BridgeWireTest, aConfigurationThatCannotBeReadIsAFailure)
+{
+    expectProject("modeling-11");
+    std::wstring spaces = L"untouched";
+    server.expect("GET", spaces3).reply(403, "no spaces");
+    EXPECT_FALSE(bridge.GetSpaceConfig(L"modeling-11", 3, spaces, error));
+    EXPECT_EQ(spaces, L"untouched");
+    expectHttpError(error, errorStatusValue, L"HttpError", L"no spaces", 403);
+    error.Clear();
+    std::string grid = "untouched";
+    server.expect("GET", grid3).reply(403, "no grid");
+    EXPECT_FALSE(bridge.GetAxisGridConfig(L"modeling-11", 3, grid, error));
+    EXPECT_EQ(grid, "untouched");
+    expectHttpError(error, errorStatusValue, L"HttpError", L"no grid", 403);
+}
+
+TEST_F(BridgeWireTest, aRememberedGridServesTheBridge)
+{
+    constexpr const char* document =
+        R"({"appKey":"BIM-MODEL","schemaVersion":3,"schemaKey":"GridConfig","data":{"axis":{"lines":[],"arcs":[]},"id":"g-3"}})";
+    constexpr const char* answer = R"({"version":3,"id":"g-3","configValue":"{\"schemaVersion\":3,\"data\":{}}"})";
+    expectProject("modeling-12");
+    const auto project = ICollaborationProjectManager::Get()->GetProjectByModelingId("modeling-12", error);
+    ASSERT_NE(project, nullptr);
+    server.expect("GET", grid3).reply(200, answer);
+    ASSERT_NE(project->GetAxisGridConfig(3, error), nullptr);
+    server.verify();
+    std::string grid;
+    EXPECT_TRUE(bridge.GetAxisGridConfig(L"modeling-12", 3, grid, error));
+    EXPECT_EQ(grid, document) << "what the object remembers, without a request";
+
+    // The manager remembers one project: after a look-up of another the object is a new one.
+    for (const char* modelingId : {"modeling-13", "modeling-12"}) {
+        expectProject(modelingId);
+        server.expect("GET", grid3).reply(200, answer);
+        EXPECT_TRUE(bridge.GetAxisGridConfig(utils::toWstring(std::string(modelingId)), 3, grid, error));
+        EXPECT_EQ(grid, answer) << modelingId;
+        server.verify();
+    }
+    expectQuiet();
+}
+
+TEST_F(BridgeWireTest, aProjectThatCannotBeLoadedIsANullProject)
+{
+    server.expect("POST", lookUp).body(R"(["modeling-14"])").reply(200, R"({"code":10000,"data":[{"projectId":"p-7"}]})");
+    server.expect("GET", projectOf7).reply(403, "not yours");
+    std::string grid = "untouched";
+    EXPECT_FALSE(bridge.GetAxisGridConfig(L"modeling-14", 3, grid, error));
+    EXPECT_EQ(grid, "untouched");
+    server.verify();
+    expectClear(error);
+    EXPECT_EQ(log.lines(), Lines{L"E@orlo::OrloBridge::GetAxisGridConfig null pointer to project"});
 }
 
 TEST_F(BridgeWireTest, anUnknownModelingIdAsksForNoConfiguration)
@@ -179,6 +272,20 @@ TEST_F(BridgeWireTest, theProjectOfAModelingId)
     expectClear(error);
 }
 
+TEST_F(BridgeWireTest, theProjectOfAModelingIdIsAskedForAgain)
+{
+    RequestingOperation operation;
+    operation.method = "POST";
+    operation.target = lookUp;
+    operation.body = R"(["modeling-7"])";
+    operation.failureWords = L"OrloWebService::getProjectIdByModelingId - code:";
+    operation.succeeds = [&](ErrorCode& code) { return !bridge.GetProjectIdByModelingId(code, L"modeling-7").empty(); };
+    operation.goodAnswer = R"({"data":[{"projectId":"p-7"}]})";
+    operation.operationName = L"orlo::OrloBridge::GetProjectIdByModelingId";
+    expectFailuresOf(operation, server, log);
+    expectSuccessAtLast(operation, server, log);
+}
+
 TEST_F(BridgeWireTest, aVersionIsMadeByNumber)
 {
     server.expect("POST", "/datasets/d-1/versions/4/create")
@@ -189,6 +296,19 @@ TEST_F(BridgeWireTest, aVersionIsMadeByNumber)
         .reply(200, R"({"code":10000})");
     EXPECT_TRUE(bridge.CreateVersionByNumber(error, L"d-1", 4, L"{}", true, L"为"));
     expectClear(error);
+}
+
+TEST_F(BridgeWireTest, aVersionThatIsMadeByNumberIsAskedForAgain)
+{
+    RequestingOperation operation;
+    operation.method = "POST";
+    operation.target = "/datasets/d-1/versions/4/create";
+    operation.body = R"({"metaInfo":"{}","status":"WIP","description":""})";
+    operation.succeeds = [&](ErrorCode& code) { return bridge.CreateVersionByNumber(code, L"d-1", 4, L"{}", false, L""); };
+    operation.goodAnswer = R"({"code":10000})";
+    operation.operationName = L"orlo::OrloBridge::CreateVersionByNumber";
+    expectFailuresOf(operation, server, log);
+    expectSuccessAtLast(operation, server, log);
 }
 
 TEST_F(BridgeWireTest, aVersionIsMarkedAsPublished)
@@ -204,6 +324,20 @@ TEST_F(BridgeWireTest, aTranslationIsTriggered)
     EXPECT_TRUE(bridge.TriggerSightlineTranslateWorkerByUploadJob(error, "d-1", 4, L"glb"));
     EXPECT_FALSE(bridge.TriggerSightlineTranslateWorkerByUploadJob(error, "", -1, L"glb"));
     expectGenericError(error, badInputValue, L"GenericError", L"dsId is empty or dsVersion < 0");
+}
+
+TEST_F(BridgeWireTest, aTranslationIsAskedForAgain)
+{
+    RequestingOperation operation;
+    operation.method = "POST";
+    operation.target = "/v1/upload";
+    operation.body = R"({"dataSetId":"d-1","versionId":4,"toType":"glb"})";
+    operation.failureWords = L"OrloWebService::TriggerSightlineTranslateWorkerByUploadJob - code:";
+    operation.readsJson = false;
+    operation.succeeds = [&](ErrorCode& code) { return bridge.TriggerSightlineTranslateWorkerByUploadJob(code, "d-1", 4, L"glb"); };
+    operation.operationName = L"orlo::OrloBridge::TriggerSightlineTranslateWorkerByUploadJob";
+    expectFailuresOf(operation, server, log);
+    expectSuccessAtLast(operation, server, log);
 }
 
 TEST_F(BridgeWireTest, theAddressOfAFamilysFile)
@@ -256,6 +390,7 @@ TEST_F(BridgeWireTest, theAddressOfAFamilysFileIsAskedForAgain)
     operation.readsJson = false;
     operation.succeeds = [&](ErrorCode& code) { return !bridge.GetFamilyFileUrl(code, L"p", L"f", L"1").empty(); };
     operation.goodAnswer = R"({"data":"address"})";
+    operation.operationName = L"orlo::OrloBridge::GetFamilyFileUrl";
     expectFailuresOf(operation, server, log);
     expectSuccessAtLast(operation, server, log);
 }

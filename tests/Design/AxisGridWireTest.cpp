@@ -1,4 +1,5 @@
 #include "HostCurve.h"
+#include "HostGrid.h"
 #include "support/ProjectObjectTest.h"
 
 #include <BaseCommon/JsonWrapper.h>
@@ -557,6 +558,36 @@ TEST_F(AxisGridWireTest, aGridWithANumberThatIsNotFiniteIsAnExceptionAndSendsNot
         EXPECT_NE(error.GetErrorMessage(), L"");
         expectFrameCaught(L"UpdateAxisGrid", error.GetErrorMessage());
     }
+    EXPECT_EQ(server.connectionCount(), 0u);
+}
+
+TEST_F(AxisGridWireTest, theWordsTellWhatIsWrongWithTheGrid)
+{
+    const auto line = IAxisLine::Create();
+    line->SetMax(std::numeric_limits<double>::infinity());
+    EXPECT_FALSE(project->UpdateAxisGrid(gridWith(line).get(), error));
+    expectFrameCaught(L"UpdateAxisGrid", L"the axis grid holds a number that is not finite");
+    log.clear();
+    error.Clear();
+    const auto hosts = std::make_shared<HostCurve>(CurveType::Line, L"host", [](JsonWrapper&) { return false; });
+    EXPECT_FALSE(project->UpdateAxisGrid(gridWith(hosts).get(), error));
+    expectFrameCaught(L"UpdateAxisGrid", L"the axis grid couldn't be written whole");
+    EXPECT_EQ(server.connectionCount(), 0u);
+}
+
+TEST_F(AxisGridWireTest, aHostsGridGoesOutAsItWritesItself)
+{
+    HostGrid axisGrid([](JsonWrapper& out) { return out.Add("of", "a host's own \xE8\xBD\xB4"); });
+    server.expect("POST", storedGrids).body(R"({"of":"a host's own 轴"})").reply(200);
+    EXPECT_TRUE(project->UpdateAxisGrid(&axisGrid, error));
+    expectQuiet();
+}
+
+TEST_F(AxisGridWireTest, aHostsGridThatSaysItIsNotWhole)
+{
+    HostGrid axisGrid([](JsonWrapper& out) { return out.Add("of", "a host's own") && false; });
+    EXPECT_FALSE(project->UpdateAxisGrid(&axisGrid, error));
+    expectFrameCaught(L"UpdateAxisGrid", L"the axis grid couldn't be written whole");
     EXPECT_EQ(server.connectionCount(), 0u);
 }
 

@@ -40,6 +40,7 @@ TEST_F(BuildingItemBindingWireTest, bindingFailsAsEveryRetriedOperationDoes)
     RequestingOperation bind{"POST", bindTarget, bindBody, L"Project::AssociateDatasetAndBuildingItem - code:",
                              [&](ErrorCode& ec) { return project->AssociateDatasetAndBuildingItem(L"d-1", L"7", ec); }};
     bind.afterwards = L"E [ORLOSDK]Project::AssociateDatasetAndBuildingItem error!";
+    bind.operationName = L"orlo::Project::AssociateDatasetAndBuildingItem";
     bind.readsJson = false;
     expectFailuresOf(bind, server, log);
     expectSuccessAtLast(bind, server, log);
@@ -110,11 +111,13 @@ TEST_F(BuildingItemBindingWireTest, theListingsFailAsEveryRetriedOperationDoes)
     RequestingOperation items{"GET", itemsOfDataset, "", L"Project::GetBuildingItemIdsByDatasetId - code:",
                               [&](ErrorCode& ec) { return project->GetBuildingItemIdsByDatasetId(ids, L"d-1", ec); }};
     items.afterwards = listingFailed;
+    items.operationName = L"orlo::Project::GetBuildingItemIdsByDatasetId";
     items.goodAnswer = R"({"data":[{"cfgId":7}]})";
     expectFailuresOf(items, server, log);
     RequestingOperation datasets{"GET", datasetsOfItem, "", L"Project::GetDatasetIdsByBuildingItemId - code:",
                                  [&](ErrorCode& ec) { return project->GetDatasetIdsByBuildingItemId(ids, L"7", ec); }};
     datasets.afterwards = listingFailed;
+    datasets.operationName = L"orlo::Project::GetDatasetIdsByBuildingItemId";
     datasets.goodAnswer = R"({"data":[{"dataId":"d-1"}]})";
     expectFailuresOf(datasets, server, log);
     EXPECT_EQ(ids, Ids{L"before"});

@@ -144,6 +144,7 @@ TEST_F(BuildingItemReadWireTest, theLatestItemsFailAsEveryRetriedOperationDoes)
     RequestingOperation read{"GET", latestItems, "", L"Project::GetLatestConfigByProjectIdAndOwnerId - code:",
                              [&](ErrorCode& ec) { return project->GetLatestBuildingItems(items, revision, ec); }};
     read.afterwards = itemsFailed;
+    read.operationName = L"orlo::Project::GetLatestBuildingItems";
     read.goodAnswer = twoItems;
     expectFailuresOf(read, server, log);
     EXPECT_TRUE(items.empty());
@@ -200,6 +201,7 @@ TEST_F(BuildingItemReadWireTest, theItemsFailAsEveryRetriedOperationDoes)
     RequestingOperation read{"GET", "/v2/p-1/sub_item/revision/12", "", L"Project::GetBuildingItems - code:",
                              [&](ErrorCode& ec) { return project->GetBuildingItems(items, 12, ec); }};
     read.afterwards = L"E [ORLOSDK]Project::GetBuildingItems error!";
+    read.operationName = L"orlo::Project::GetBuildingItems";
     read.goodAnswer = twoItems;
     expectFailuresOf(read, server, log);
     ASSERT_EQ(items.size(), 1u);
@@ -247,6 +249,7 @@ TEST_F(BuildingItemReadWireTest, theLatestItemFailsAsEveryRetriedOperationDoes)
     RequestingOperation read{"GET", "/v2/p-1/sub_item/7/latest", "", L"Project::GetLatestBuildingItem - code:",
                              [&](ErrorCode& ec) { return project->GetLatestProjectItemConfig(config, L"7", ConfigType::SubItem, ec); }};
     read.afterwards = itemFailed;
+    read.operationName = L"orlo::Project::GetLatestProjectItemConfig";
     read.goodAnswer = oneItem;
     expectFailuresOf(read, server, log);
     expectBefore(config);
@@ -300,6 +303,7 @@ TEST_F(BuildingItemReadWireTest, theLatestConfigurationFailsAsEveryRetriedOperat
         "GET", "/v2/p-1/config/binder/7/type/GridConfig/latest", "", L"Project::GetLatestConfigByProjectIdAndOwnerId - code:",
         [&](ErrorCode& ec) { return project->GetLatestProjectItemConfig(config, L"7", ConfigType::ItemGridConfig, ec); }};
     read.afterwards = configsFailed;
+    read.operationName = L"orlo::Project::GetLatestProjectItemConfig";
     read.goodAnswer = R"({"data":[{"scopeEntityId":"7","version":3}]})";
     expectFailuresOf(read, server, log);
     expectBefore(config);
@@ -363,6 +367,7 @@ TEST_F(BuildingItemReadWireTest, aVersionOfAnItemFailsAsEveryRetriedOperationDoe
     RequestingOperation read{"GET", "/v2/p-1/sub_item/7/version/3", "", L"Project::GetBuildingItem - code:",
                              [&](ErrorCode& ec) { return project->GetProjectItemConfig(config, L"7", ConfigType::SubItem, 3, ec); }};
     read.afterwards = L"E [ORLOSDK]Project::GetBuildingItem error!";
+    read.operationName = L"orlo::Project::GetProjectItemConfig";
     read.goodAnswer = oneItem;
     expectFailuresOf(read, server, log);
     expectBefore(config);
@@ -375,6 +380,7 @@ TEST_F(BuildingItemReadWireTest, aVersionOfAConfigurationFailsAsEveryRetriedOper
         "GET", "/v2/p-1/config/7/SpaceConfig/version/3", "", L"Project::GetProjectItemConfig - code:",
         [&](ErrorCode& ec) { return project->GetProjectItemConfig(config, L"7", ConfigType::ItemElevationSet, 3, ec); }};
     read.afterwards = L"E [ORLOSDK]Project::GetProjectItemConfig error!";
+    read.operationName = L"orlo::Project::GetProjectItemConfig";
     read.goodAnswer = oneConfig;
     expectFailuresOf(read, server, log);
     expectBefore(config);

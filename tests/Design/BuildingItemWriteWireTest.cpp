@@ -92,6 +92,7 @@ TEST_F(BuildingItemWriteWireTest, addingFailsAsEveryRetriedOperationDoes)
     RequestingOperation add{"POST", "/v2/p-1/sub_item/4", itemDocumentText, L"Project::AddBuildingItem - code:",
                             [&](ErrorCode& ec) { return project->AddBuildingItem(subItemId, 4, itemContent, ec); }};
     add.afterwards = L"E [ORLOSDK]Project::AddBuildingItem error!";
+    add.operationName = L"orlo::Project::AddBuildingItem";
     add.goodAnswer = R"({"data":{"id":"9"}})";
     expectFailuresOf(add, server, log);
     EXPECT_EQ(subItemId, L"before");
@@ -124,6 +125,7 @@ TEST_F(BuildingItemWriteWireTest, updatingFailsAsEveryRetriedOperationDoes)
     RequestingOperation update{"PUT", "/v2/p-1/sub_item/7/4", itemDocumentText, L"Project::UpdateBuildingItem - code:",
                                [&](ErrorCode& ec) { return project->UpdateBuildingItem(4, L"7", itemContent, ec); }};
     update.afterwards = L"E [ORLOSDK]Project::UpdateBuildingItem error!";
+    update.operationName = L"orlo::Project::UpdateBuildingItem";
     update.readsJson = false;
     expectFailuresOf(update, server, log);
     expectSuccessAtLast(update, server, log);
@@ -141,6 +143,7 @@ TEST_F(BuildingItemWriteWireTest, deletingFailsAsEveryRetriedOperationDoes)
     RequestingOperation del{"DELETE", "/v2/p-1/sub_item/7/4", "", L"Project::DeleteBuildingItem - code:",
                             [&](ErrorCode& ec) { return project->DeleteBuildingItem(4, L"7", ec); }};
     del.afterwards = L"E [ORLOSDK]Project::DeleteBuildingItem error!";
+    del.operationName = L"orlo::Project::DeleteBuildingItem";
     del.readsJson = false;
     expectFailuresOf(del, server, log);
     expectSuccessAtLast(del, server, log);
@@ -186,6 +189,7 @@ TEST_F(BuildingItemWriteWireTest, creatingFailsAsEveryRetriedOperationDoes)
                                L"Project::CreateProjectItemConfig - code:",
                                [&](ErrorCode& ec) { return project->CreateProjectItemConfig(L"7", itemGrid, L"[]", ec); }};
     create.afterwards = L"E [ORLOSDK]Project::CreateProjectItemConfig error!";
+    create.operationName = L"orlo::Project::CreateProjectItemConfig";
     create.readsJson = false;
     expectFailuresOf(create, server, log);
     expectSuccessAtLast(create, server, log);
@@ -229,6 +233,7 @@ TEST_F(BuildingItemWriteWireTest, updatingAConfigurationFailsAsEveryRetriedOpera
                                L"Project::UpdateProjectItemConfig - code:",
                                [&](ErrorCode& ec) { return project->UpdateProjectItemConfig(L"7", itemGrid, 2, L"[]", ec); }};
     update.afterwards = L"E [ORLOSDK]Project::UpdateProjectItemConfig error!";
+    update.operationName = L"orlo::Project::UpdateProjectItemConfig";
     update.readsJson = false;
     expectFailuresOf(update, server, log);
     expectSuccessAtLast(update, server, log);

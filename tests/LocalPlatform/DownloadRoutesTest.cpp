@@ -119,6 +119,22 @@ TEST_F(DownloadRoutes, AnAccessTokenAtASignedAddressIsRefused)
     EXPECT_EQ(fetch(target).status, 200);
 }
 
+TEST_F(DownloadRoutes, TheSumOfTheBytesIsToldWhenThatIsSwitchedOn)
+{
+    const std::string target = seeded("bytes");
+    const auto head = [&](const std::string& more) {
+        return exchange(platform.url(), "GET " + target + " HTTP/1.1\r\nConnection: close\r\n" + more + "\r\n").bytes;
+    };
+    EXPECT_EQ(head("").find("Content-MD5"), std::string::npos);
+    platform.transfers().setSums(Sums::told);
+    EXPECT_NE(head("").find("Content-MD5: SzpiGLs+OnMD6KFxpg/Pkg==\r\n"), std::string::npos);
+    platform.transfers().setSums(Sums::wrong);
+    EXPECT_NE(head("").find("Content-MD5: "), std::string::npos);
+    EXPECT_EQ(head("").find("SzpiGLs+OnMD6KFxpg/Pkg=="), std::string::npos);
+    platform.transfers().setGzipAnswers(true);
+    EXPECT_EQ(head("Accept-Encoding: gzip\r\n").find("Content-MD5"), std::string::npos) << "it would be that of the packed bytes";
+}
+
 TEST_F(DownloadRoutes, AnswersArePackedForThoseWhoAcceptItWhenThatIsSwitchedOn)
 {
     const std::string bytes = noise(100'000) + std::string(2'000'000, 'x');

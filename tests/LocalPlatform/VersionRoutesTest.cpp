@@ -98,6 +98,38 @@ TEST_F(VersionRoutes, AVersionKeepsAValueForEachKey)
     EXPECT_EQ(demo().get("/version/1/meta?key=SpaceConfigVersion").body, "");
 }
 
+/// A document that two datasets share counts for itself.
+TEST_F(VersionRoutes, TheDocumentsOwnVersionIsToldWhereItIsAnother)
+{
+    const std::string folder = rootFolder("p1");
+    platform.change(addDataset, {"b", folder, {}, "zok", {}, "u1", "", "d2", "m2"});
+    const std::string authority = "/file/doc/upload/url/with/filename?fileName=a.dwg&filepath=demo&targetFolderId=" + folder;
+    std::string fileId;
+    for (const char* bytes : {"one", "two"}) {
+        const std::string address = jsonText(demo().get(authority).body, "data.fileUrlWithSAS");
+        fileId = jsonText(nobody().put(address.substr(platform.url().size()), bytes).body, "data.fileId");
+    }
+    const auto version = [&](const std::string& dataset, const std::string& own) {
+        return demo().put("/dataset/" + dataset + "/doc/version?sourceFile=" + fileId, R"({"length":3,"version":)" + own + "}").status;
+    };
+    EXPECT_EQ(version("d1", "1"), 200);
+    EXPECT_EQ(version("d2", "2"), 200);
+    const std::string ofDocument = R"("description":"","metaInfo":"","size":3)";
+    EXPECT_THAT(demo().get("/v2/datasets/d1/version/1").body, IsJson(enveloped(record(1, fileId, "WIP", ofDocument))));
+    std::string shared = record(1, fileId, "WIP", ofDocument + R"(,"versionIndex":2)");
+    shared.replace(shared.find("\"d1\""), 4, "\"d2\"");
+    EXPECT_THAT(demo().get("/v2/datasets/d2/version/latest").body, IsJson(enveloped(shared)));
+    EXPECT_EQ(demo().get("/version/2/meta?key=versionIndex").body, "2");
+}
+
+TEST_F(VersionRoutes, WhatIsKeptUnderTheKeyOfTheDocumentsVersionIsToldAsANumber)
+{
+    demo().put("/dataset/d1/version?sourceFile=a", "{}");
+    demo().post("/version/1/meta", R"({"versionIndex":"7\",\"x\":\"y"})");
+    EXPECT_THAT(demo().get("/v2/datasets/d1/version/1").body,
+                IsJson(enveloped(record(1, "a", "WIP", R"("description":"","metaInfo":"","size":0,"versionIndex":7)"))));
+}
+
 TEST_F(VersionRoutes, MetadataOfNoVersionOrOfMoreThanOneMemberIsRefused)
 {
     demo().put("/dataset/d1/version?sourceFile=a", "{}");

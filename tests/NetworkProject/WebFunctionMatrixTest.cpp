@@ -2,6 +2,7 @@
 #include "support/RawServer.h"
 #include "support/WireTest.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloNetwork/NetworkCommon.h>
 
 #include <cpprest/http_msg.h>
@@ -39,6 +40,17 @@ protected:
         m_host = std::make_unique<HostSetup>(m_server->url());
         log.clear();
         error.Clear();
+    }
+
+    /// The addresses of the other services lead nowhere.
+    void leaveOnlyService(const std::wstring& key) const
+    {
+        m_host->change([&](OrloConfig& config) {
+            for (auto& [service, url] : config.serviceUrls) {
+                if (service != key)
+                    url = utils::toWstring(std::string(closedAddress));
+            }
+        });
     }
 
     bool call() { return GetParam().call(error); }
@@ -141,6 +153,15 @@ TEST_P(WebFunctionMatrixTest, anotherStatusThanTwoHundredFailsWithAClearErrorCod
     expectOtherStatus(201, R"({"code":10000,"data":{"id":"x","projectId":"x"}})");
     expectOtherStatus(204, "");
     expectOtherStatus(302, "");
+}
+
+TEST_P(WebFunctionMatrixTest, goesToItsOwnService)
+{
+    platformAnswers(RawAnswer::bytes(rawStatus(404, "none")));
+    leaveOnlyService(GetParam().service);
+    EXPECT_NO_THROW(EXPECT_FALSE(call()));
+    EXPECT_EQ(requests(), 1u);
+    expectHttpError(error, errorStatusValue, L"HttpError", L"none", 404);
 }
 
 TEST_P(WebFunctionMatrixTest, aRefusedConnectionIsATransportFailure)

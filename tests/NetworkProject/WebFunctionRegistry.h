@@ -39,6 +39,8 @@ struct WebFunction
     std::function<bool(ErrorCode&)> call;
     Body body = Body::json;
     Way way = Way::plain;
+    /// The key of the address that it goes to.
+    std::wstring service = L"project";
 };
 
 void PrintTo(const WebFunction& row, std::ostream* out);

@@ -1,16 +1,20 @@
 #include "support/ChildProcess.h"
+#include "support/LogCapture.h"
 #include "support/TempFolder.h"
 #include "support/Threads.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/LocalFolders.h>
 #include <OrloLogging/ILogManager.h>
+#include <OrloLogging/Log.h>
+#include <OrloLogging/NotOnTerminal.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <map>
+#include <thread>
 #include <vector>
 
 namespace orlo::test {
@@ -87,6 +91,48 @@ TEST_F(DefaultLoggerTest, writesToStderrFromWarningUp)
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_THAT(lines[0], testing::EndsWith(" warning soft"));
     EXPECT_THAT(lines[1], testing::EndsWith(" error g (f:1) - hard"));
+}
+
+TEST_F(DefaultLoggerTest, keepsLinesOffTheTerminalForAsLongAsItIsAskedTo)
+{
+    {
+        const log::NotOnTerminal quiet;
+        log::error(L"of no concern");
+        log::warning(L"of no concern either");
+        const log::NotOnTerminal again;
+    }
+    log::error(L"hard");
+    {
+        const log::NotOnTerminal loud(false);
+        log::error(L"harder");
+    }
+    EXPECT_EQ(logLines().size(), 4u) << "the file has them all";
+    EXPECT_THAT(logLines().at(0), testing::EndsWith(" error [ORLOSDK]of no concern"));
+    EXPECT_THAT(linesOf(stderrText()), testing::ElementsAre(testing::EndsWith("]hard"), testing::EndsWith("]harder")));
+}
+
+TEST_F(DefaultLoggerTest, keepsNoLineOfAnotherThreadOffTheTerminal)
+{
+    const log::NotOnTerminal quiet;
+    std::thread([] { log::error(L"of another call"); }).join();
+    EXPECT_THAT(linesOf(stderrText()), testing::ElementsAre(testing::EndsWith("]of another call")));
+}
+
+TEST_F(DefaultLoggerTest, keepsNothingBackWhereStderrIsTheWholeLog)
+{
+    writeFile(m_folder.path("file"), "no folder");
+    utils::setLocalRoot(m_folder.wide("file"));
+    const log::NotOnTerminal quiet;
+    log::error(L"told all the same");
+    EXPECT_THAT(stderrText(), HasSubstr("told all the same"));
+}
+
+TEST_F(DefaultLoggerTest, tellsAnInstalledLoggerEveryLine)
+{
+    const LogCapture captured;
+    const log::NotOnTerminal quiet;
+    log::error(L"by contract");
+    EXPECT_TRUE(captured.has(L"E [ORLOSDK]by contract"));
 }
 
 TEST_F(DefaultLoggerTest, aMessageCanNotForgeALine)

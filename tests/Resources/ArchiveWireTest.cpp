@@ -1,3 +1,4 @@
+#include "support/Patterns.h"
 #include "support/ProjectObjectTest.h"
 
 #include <OrloAuth/UserSession.h>
@@ -438,6 +439,39 @@ TEST_F(ArchiveWireTest, ofTwoFailuresTheErrorCodeTellsTheFirst)
                                   L"E [ORLOSDK]OrloWebService::GetArchiveUnitStandardCode - code:403"}));
 }
 
+TEST_F(ArchiveWireTest, anExceptionBehindAFailureLeavesTheFirstReason)
+{
+    const Lines told{L"E [ORLOSDK]OrloWebService::GetArchiveUnitListByArchivePackageId - code:404"};
+    expectPackages();
+    server.expect("POST", versionsTarget).body(versionsBody).reply(404, "first");
+    server.expect("POST", codesTarget).body("[]").reset();
+    EXPECT_FALSE(get(error));
+    server.verify();
+    expectHttpError(error, errorStatusValue, L"HttpError", L"first", 404);
+    EXPECT_EQ(log.lines(), told);
+
+    log.clear();
+    error.Clear();
+    expectPackages();
+    server.expect("POST", versionsTarget).body(versionsBody).reply(404, "first");
+    server.expect("POST", codesTarget).body("[]").reply(200, "<html>");
+    EXPECT_FALSE(get(error));
+    server.verify();
+    expectHttpError(error, errorStatusValue, L"HttpError", L"first", 404);
+    ASSERT_EQ(log.lines().size(), 2u);
+    EXPECT_EQ(log.lines()[0], told[0]);
+    EXPECT_TRUE(startsWith(utils::toString(log.lines()[1]), "E@orlo::Project::GetArchivePackageList [END_API_IMPLEMENTATION]"));
+}
+
+TEST_F(ArchiveWireTest, anExceptionBehindAnEmptyAnswerIsTheReason)
+{
+    expectPackages(R"({"code":10000,"data":[]})");
+    server.expect("POST", codesTarget).body("[]").reset();
+    EXPECT_FALSE(get(error));
+    expectHttpError(error, exceptionValue, L"generic exception", resetBy(server.url()), resetCode);
+    EXPECT_EQ(log.lines(), Lines{noPackages});
+}
+
 TEST_F(ArchiveWireTest, aProjectWithoutAnIdIsToldInTheLogAndSendsNothing)
 {
     project = projectOf(L"");
@@ -486,6 +520,26 @@ TEST_F(ArchiveWireTest, anErrorOnEntryIsWipedByTheLastQuestion)
     expectDatasets();
     EXPECT_TRUE(get(error));
     expectClear(error);
+}
+
+TEST_F(ArchiveWireTest, anErrorOnEntryIsWipedWhereNoPackagesWereFound)
+{
+    error.Assign(badInputValue, std::make_shared<GenericError>(L"earlier"));
+    expectPackages(R"({"code":10000,"data":[]})");
+    expectTheRestForNothing();
+    EXPECT_FALSE(get(error));
+    expectClear(error);
+    EXPECT_EQ(log.lines(), (Lines{L"E@" + frameName + L" 传入的ErrorCode，已有错误存在:earlier", noPackages}));
+}
+
+TEST_F(ArchiveWireTest, anErrorOnEntryIsReplacedByTheFirstReason)
+{
+    error.Assign(badInputValue, std::make_shared<GenericError>(L"earlier"));
+    expectPackages();
+    server.expect("POST", versionsTarget).body(versionsBody).reply(404, "first");
+    expectTheRestForNothing();
+    EXPECT_FALSE(get(error));
+    expectHttpError(error, errorStatusValue, L"HttpError", L"first", 404);
 }
 
 TEST_F(ArchiveWireTest, aTreeThatWouldTakeAllMemoryIsAnException)

@@ -1,10 +1,13 @@
 #include "support/ProjectObjectTest.h"
 
+#include <BaseCommon/Text.h>
 #include <OrloProjectManager/Resources/IProjectComponentLibrary.h>
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
+#include <string>
 
 // The component library as a whole: its categories, searches in it, and what changes it.
 namespace orlo::test {
@@ -456,6 +459,26 @@ TEST_F(ComponentLibraryWireTest, ofTwoRowsWithOnePublicIdTheLastCounts)
     expectQuiet();
 }
 
+TEST_F(ComponentLibraryWireTest, manyComponentsAreAddedInTheOrderOfTheirIds)
+{
+    std::map<std::wstring, std::wstring> ids;
+    std::string members;
+    for (int i = 100000; i < 120000; ++i) {
+        const std::string number = std::to_string(i);
+        ids.emplace(utils::toWstring(number), L"public " + utils::toWstring(number));
+        members += std::string(members.empty() ? "" : ",").append("\"public " + number + "\":\"" + number + "\"");
+    }
+    // One of the public ids again: it stays in its place, with the last id.
+    ids.emplace(L"200000", L"public 100000");
+    members.replace(members.find("\"100000\""), 8, "\"200000\"");
+    host.change([](OrloConfig& config) { config.appVersion = L"1.0"; });
+    server.expect("POST", addTarget)
+        .body(R"({"softwareVersion":"1.0","publicComponentIdToProjectComponentIdMap":{)" + members + "}}")
+        .reply(200, R"({"code":"success"})");
+    EXPECT_TRUE(project->AddComponentsWithIds(ids, error));
+    expectQuiet();
+}
+
 TEST_F(ComponentLibraryWireTest, onlyTheTextSuccessConfirmsWhatWasAdded)
 {
     for (const char* body : {"", "null", "[]", "{}", R"({"code":10000})", R"({"code":"Success"})", R"({"code":""})", R"({"code":null})",
@@ -484,6 +507,7 @@ TEST_F(ComponentLibraryWireTest, addingFailsAsEveryRetriedOperationDoes)
                                 return project->AddComponentsWithIds({{L"1", L"90"}}, ec);
                             }};
     add.afterwards = addFailed;
+    add.operationName = L"orlo::Project::AddComponentsWithIds";
     add.goodAnswer = R"({"code":"success"})";
     expectFailuresOf(add, server, log);
     expectSuccessAtLast(add, server, log);
@@ -539,7 +563,12 @@ TEST_F(ComponentLibraryWireTest, categoriesAndSearchesFailAsEveryRetriedOperatio
         {"POST", "/structural/project/p-1/suites/check4update?major=1", "[]", L"OrloWebService::SearchComponentsCanBeUpdated - code:",
          [&](ErrorCode& ec) { return Library::SearchComponentsCanBeUpdated(L"p-1", {}, L"", L"", SpecialtyType::ZOK, components, ec); }},
     };
-    for (RequestingOperation operation : operations) {
+    const std::vector<std::wstring> names{
+        L"orlo::IProjectComponentLibrary::GetCategoryCodes", L"orlo::IProjectComponentLibrary::GetCategoryTree",
+        L"orlo::IProjectComponentLibrary::GetCategoryTreeCanBeUpdated", L"orlo::IProjectComponentLibrary::SearchComponentsCanBeUpdated"};
+    for (std::size_t i = 0; i < operations.size(); ++i) {
+        RequestingOperation operation = operations[i];
+        operation.operationName = names.at(i);
         operation.goodAnswer = R"({"data":[]})";
         expectFailuresOf(operation, server, log);
         expectSuccessAtLast(operation, server, log);
@@ -548,10 +577,12 @@ TEST_F(ComponentLibraryWireTest, categoriesAndSearchesFailAsEveryRetriedOperatio
                                   L"OrloWebService::SearchComponents - code:", [&](ErrorCode& ec) {
                                       return Library::SearchComponents(L"p-1", {{}, L"", 1, 20}, components, totalCount, ec);
                                   }};
+    searching.operationName = L"orlo::IProjectComponentLibrary::SearchComponents";
     searching.goodAnswer = R"({"data":{}})";
     RequestingOperation changes{
         "GET", "/structural/project/p-1/components/changed?major=1&time=5", "", L"OrloWebService::GetComponentsChanged - code:",
         [&](ErrorCode& ec) { return Library::GetComponentsChanged(L"p-1", SpecialtyType::ZOK, 5, components, ec); }};
+    changes.operationName = L"orlo::IProjectComponentLibrary::GetComponentsChanged";
     changes.goodAnswer = R"({"data":{"updateComponents":[]}})";
     for (const RequestingOperation* operation : {&searching, &changes}) {
         expectFailuresOf(*operation, server, log);
@@ -567,12 +598,15 @@ TEST_F(ComponentLibraryWireTest, changesFailAsEveryRetriedOperationDoes)
 {
     RequestingOperation deletion{"GET", "/structural/project/p-1/suite/7", "", L"OrloWebService::DeleteComponent - code:",
                                  [&](ErrorCode& ec) { return Library::DeleteComponent(L"p-1", L"7", deleted, ec); }};
+    deletion.operationName = L"orlo::IProjectComponentLibrary::DeleteComponent";
     deletion.goodAnswer = R"({"data":true})";
     RequestingOperation upgrade{"PUT", "/structural/project/p-1/suite/7/upgrade", "{}", L"OrloWebService::UpgradeComponent - code:",
                                 [&](ErrorCode& ec) { return Library::UpgradeComponent(L"p-1", L"7", L"{}", component, ec); }};
+    upgrade.operationName = L"orlo::IProjectComponentLibrary::UpgradeComponent";
     upgrade.goodAnswer = R"({"data":{"id":"7"}})";
     RequestingOperation upload{"POST", "/structural/v2/project/p-1/suite/upload", "{}", L"OrloWebService::UploadComponent - code:",
                                [&](ErrorCode& ec) { return Library::UploadComponent(L"p-1", L"{}", component, ec); }};
+    upload.operationName = L"orlo::IProjectComponentLibrary::UploadComponent";
     upload.goodAnswer = R"({"data":{"id":"7"}})";
     for (const RequestingOperation* operation : {&deletion, &upgrade, &upload})
         expectFailuresOf(*operation, server, log);

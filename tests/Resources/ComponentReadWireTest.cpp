@@ -306,6 +306,7 @@ TEST_F(ComponentReadWireTest, readsFailAsEveryRetriedOperationDoes)
         RequestingOperation request{"GET", operation.target, "", L"OrloWebService::" + operation.name + L" - code:", operation.read};
         request.goodAnswer = operation.goodAnswer;
         request.readsJson = operation.isJson;
+        request.operationName = L"orlo::IProjectComponentLibrary::" + operation.name;
         expectFailuresOf(request, server, log);
     }
     expectBefore();

@@ -132,12 +132,14 @@ TEST_F(TemplateManagerWireTest, failsAsEveryRetriedOperationDoes)
 {
     RequestingOperation asking{"GET", plateName, "", L"OrloWebService::IsTemplateExistedInProject - code:",
                                [&](ErrorCode& code) { return isThere(code); }};
+    asking.operationName = L"orlo::TemplateManager::IsTemplateExistedInProject";
     asking.goodAnswer = R"({"data":true})";
     expectFailuresOf(asking, server, log);
     expectSuccessAtLast(asking, server, log);
 
     RequestingOperation listing{"GET", plates, "", L"OrloWebService::GetAllTemplatesOfProject - code:",
                                 [&](ErrorCode& code) { return list(code); }};
+    listing.operationName = L"orlo::TemplateManager::GetAllTemplatesOfProject";
     listing.goodAnswer = R"({"data":[{"id":"a"}]})";
     expectFailuresOf(listing, server, log);
     EXPECT_EQ(listed.size(), 1u);
@@ -146,6 +148,7 @@ TEST_F(TemplateManagerWireTest, failsAsEveryRetriedOperationDoes)
 
     RequestingOperation adding{"POST", newPlate, newPlateBody, L"OrloWebService::AddTemplateToProject - code:",
                                [&](ErrorCode& code) { return add(code); }};
+    adding.operationName = L"orlo::TemplateManager::AddTemplateToProject";
     adding.readsJson = false;
     expectFailuresOf(adding, server, log);
     expectSuccessAtLast(adding, server, log);

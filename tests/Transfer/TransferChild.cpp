@@ -5,22 +5,29 @@
 //   full-download  the same, with no room for files of more than 64 KiB
 //   leave      leaves main while a transfer of each kind has just been started
 //   leave-busy leaves main while a transfer of each kind waits for its answer, which the platform never gives
+//   leave-scope    the same inside a scope that lives on, with an operation on another thread that waits in a scope of its own, while a
+//   third
+//                  thread cancels scopes
+//   exit-in-report leaves by exit, out of the callback that is told of the progress
 //   unready    leaves main while the futures are gone already
 
 #include "support/OwnProcess.h"
 #include "support/SilentLog.h"
 #include "support/Waiting.h"
 
+#include <BaseCommon/CallScope.h>
 #include <BaseCommon/ErrorCode.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
 #include <OrloCommon/OrloConfigManager.h>
 #include <OrloNetwork/NetworkCommon.h>
-#include <OrloProjectManager/Transfer/HttpClient.h>
+#include <OrloProjectManager/OrloProjectManager.h>
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <iostream>
+#include <thread>
 
 /// What this program leaves behind when it ends in the middle of its work is no leak; for a build with the address sanitizer.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options()
@@ -82,6 +89,42 @@ int leaveBusy(const std::wstring& ownFile, const Counter& counter)
     return counter.waitForRequests(static_cast<int>(futures.size())) ? 0 : 3;
 }
 
+std::atomic<int> answered{0};
+
+void ask()
+{
+    ICollaborationProjectManager::Get()->GetAllProjects(lasting());
+    ++answered;
+}
+
+/// Three threads that are in scopes when main returns; and the scope of main itself, which never ends.
+int leaveScope(const std::wstring& ownFile, const Counter& counter)
+{
+    new CallScope(CancelToken(), [](const Progress&) {});
+    static auto& futures = *new std::vector<std::future<PromiseData>>(startAll(ownFile));
+    std::thread([] {
+        const CallScope scope(CancelToken(), [](const Progress&) {});
+        ask();
+        test::waitForEver();
+    }).detach();
+    std::thread([] {
+        while (true) {
+            const CancelToken token;
+            const CallScope scope(token, [](const Progress&) {});
+            std::thread([token] { token.cancel(); }).detach();
+            ask();
+        }
+    }).detach();
+    return counter.waitForRequests(static_cast<int>(futures.size())) && test::waitUntil([] { return answered > 20; }) ? 0 : 3;
+}
+
+int exitInReport(const std::wstring& ownFile)
+{
+    const CallScope scope([](const Progress&) { std::exit(0); });
+    HttpClient::uploadFile(lasting(), ownFile, L"n", L"p", true).get();
+    test::waitForEver();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -110,6 +153,10 @@ int main(int argc, char** argv)
     }
     if (what == "unready")
         return startAll(ownFile).size() == 3 ? 0 : 3;
+    if (what == "leave-scope")
+        return leaveScope(ownFile, *counter);
+    if (what == "exit-in-report")
+        return exitInReport(ownFile);
     if (what == "leave-busy")
         return leaveBusy(ownFile, *counter);
     return 2;

@@ -190,5 +190,22 @@ TEST_F(TransferLifetimeTest, leavingMainWhileTransfersWaitForTheirAnswersIsClean
     expectCleanExits(20, silent.url(), "leave-busy");
 }
 
+TEST_F(TransferLifetimeTest, leavingMainWhileScopesAreCancelledIsClean)
+{
+    SocketServer silent([](Connection& connection) {
+        std::string request;
+        while (connection.read(request)) {
+        }
+    });
+    expectCleanExits(20, silent.url(), "leave-scope");
+}
+
+TEST_F(TransferLifetimeTest, leavingByExitOutOfAProgressReportIsClean)
+{
+    ScriptedServer answering;
+    answering.always("PUT", "/file/new?fileName=n&filepath=p").reply(200, "{}");
+    expectCleanExits(10, answering.url(), "exit-in-report");
+}
+
 } // namespace
 } // namespace orlo::test

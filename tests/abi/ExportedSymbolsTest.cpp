@@ -11,11 +11,11 @@
 namespace orlo::test {
 namespace {
 
-/// The demangled names that the library defines and exports, as nm tells them.
-std::vector<std::string> exportedNames()
+/// The demangled names that a library defines and exports, as nm tells them.
+std::vector<std::string> exportedNames(const std::string& library = ORLO_LIBRARY_FILE)
 {
     std::vector<std::string> names;
-    for (const std::string& line : ChildProcess({ORLO_NM, "-D", "-C", "--defined-only", ORLO_LIBRARY_FILE}).lines()) {
+    for (const std::string& line : ChildProcess({ORLO_NM, "-D", "-C", "--defined-only", library}).lines()) {
         // "0000000000012345 T name(arguments)"
         const std::size_t kind = line.find(' ');
         if (kind != std::string::npos && line.size() > kind + 3)
@@ -89,6 +89,46 @@ TEST_F(ExportedSymbolsTest, theEntriesOfModulesAreThere)
         EXPECT_TRUE(exportsAny(entry)) << entry;
 }
 
+TEST_F(ExportedSymbolsTest, theEntriesOfTheAxisGridAreThere)
+{
+    for (const char* entry :
+         {"orlo::IAxisGrid::Create()", "orlo::IAxisLine::Create()", "orlo::IAxisArc::Create()", "orlo::IAxisLine::GetCurveType() const",
+          "orlo::IAxisArc::GetCurveType() const", "orlo::IAxisCurve::IAxisCurve()", "orlo::IAxisGrid::IAxisGrid()",
+          "orlo::Point3d::dot(orlo::Point3d const&) const", "orlo::Point3d::length() const", "orlo::Point3d::normalize()",
+          "orlo::Point3d::SerializeToJson(orlo::JsonWrapper&) const", "orlo::Point3d::DeserializeFromJson(orlo::JsonWrapper const&)"})
+        EXPECT_TRUE(exportsAny(entry)) << entry;
+    for (const char* face : {"IAxisCurve", "IAxisLine", "IAxisArc", "IAxisGrid"}) {
+        EXPECT_EQ(std::count(names.begin(), names.end(), "vtable for orlo::" + std::string(face)), 1) << face;
+        EXPECT_EQ(std::count(names.begin(), names.end(), "typeinfo for orlo::" + std::string(face)), 1) << face;
+    }
+}
+
+TEST_F(ExportedSymbolsTest, theEntriesOfArchivePackagesAreThere)
+{
+    for (const char* face : {"IArchivePackage", "IArchivePackageProperty", "IArchiveUnit"}) {
+        EXPECT_TRUE(exportsAny("orlo::" + std::string(face) + "::" + face + "()")) << face;
+        EXPECT_EQ(std::count(names.begin(), names.end(), "vtable for orlo::" + std::string(face)), 1) << face;
+        EXPECT_EQ(std::count(names.begin(), names.end(), "typeinfo for orlo::" + std::string(face)), 1) << face;
+    }
+}
+
+TEST_F(ExportedSymbolsTest, theBridgeStandsInTheLibraryBelow)
+{
+    const std::vector<std::string> below = exportedNames(ORLO_BASE_LIBRARY_FILE);
+    for (const char* entry : {"orlo::IOrloBridge::m_pBridge", "vtable for orlo::IOrloBridge", "typeinfo for orlo::IOrloBridge"}) {
+        EXPECT_EQ(std::count(below.begin(), below.end(), entry), 1) << entry;
+        EXPECT_FALSE(exportsAny(entry)) << entry << " would be there twice";
+    }
+}
+
+TEST_F(ExportedSymbolsTest, theWayBackOfADatasetsFileIsThere)
+{
+    EXPECT_EQ(std::count_if(names.begin(), names.end(),
+                            [](const std::string& name) { return startsWith(name, "orlo::DatasetFiles::listVersions(std::"); }),
+              2);
+    EXPECT_TRUE(exportsAny("orlo::DatasetFiles::downloadVersion(std::"));
+}
+
 TEST_F(ExportedSymbolsTest, bothFormsOfLoadAreThere)
 {
     EXPECT_EQ(std::count_if(names.begin(), names.end(),
@@ -131,6 +171,15 @@ TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
                                "orlo::TemplateManager::",
                                "orlo::ModuleManager::",
                                "orlo::CollaborationModule::",
+                               "orlo::AxisGrid::",
+                               "orlo::AxisLine",
+                               "orlo::AxisArc",
+                               "orlo::AxisCurve",
+                               "orlo::IStoredCurve",
+                               "orlo::ArchivePackage::",
+                               "orlo::ArchivePackageProperty::",
+                               "orlo::ArchiveUnit::",
+                               "orlo::OrloBridge::",
                                "orlo::log::",
                                "orlo::http::",
                                "orlo::utils::",
@@ -142,6 +191,10 @@ TEST_F(ExportedSymbolsTest, nothingInsideIsExported)
                                "orlo::jsonText",
                                "vtable for orlo::ProjectManager",
                                "vtable for orlo::Project",
+                               "vtable for orlo::AxisGrid",
+                               "vtable for orlo::ArchivePackage",
+                               "vtable for orlo::ArchiveUnit",
+                               "vtable for orlo::OrloBridge",
                                "typeinfo for orlo::Project",
                                "(anonymous namespace)",
                                "web::",

@@ -126,6 +126,78 @@ TEST(Records, ofTemplatesHaveTheirFieldsInOrder)
     EXPECT_EQ(wireId + L"|" + wireName + L"|" + wireProject, L"t|n|p");
 }
 
+TEST(Records, ofArchivePackagesHaveTheirFieldsInOrder)
+{
+    const auto [packageId, packageName, desc, version, receiver, receiverName, projectId, createTime, sharer, sharerName, enable] =
+        handedOn(http::ORLOHTTPPayloadArchivePackage{L"1", L"2", L"3", 4, L"5", L"6", L"7", L"8", L"9", L"10", true});
+    EXPECT_EQ(packageId + packageName + desc + receiver + receiverName + projectId + createTime + sharer + sharerName, L"1235678910");
+    EXPECT_EQ(version, 4);
+    EXPECT_TRUE(enable);
+    EXPECT_FALSE(http::ORLOHTTPPayloadArchivePackage().enable);
+    const auto [resourceId, integratePackageId, type] = handedOn(http::ORLOHTTPPayloadArchiveUint{L"r", L"i", L"t"});
+    EXPECT_EQ(resourceId + L"|" + integratePackageId + L"|" + type, L"r|i|t");
+}
+
+TEST(Records, ofVersionsInArchivesHaveTheirFieldsInOrder)
+{
+    const auto [id, version, ownerId, ownerName, packageId, contents] =
+        handedOn(http::ORLOHTTPPayloadArchivePackageVersion{1, 2, L"o", L"n", L"p", {{}, {}}});
+    EXPECT_EQ(id, 1);
+    EXPECT_EQ(version, 2);
+    EXPECT_EQ(ownerId + L"|" + ownerName + L"|" + packageId, L"o|n|p");
+    EXPECT_EQ(contents.size(), 2u);
+    const auto [unitVersionId, unitVersion, status, integratePackage, name, time, datasetVersions] =
+        handedOn(http::ORLOHTTPPayloadArchiveUnitVersion{3, 4, L"s", L"p", L"n", L"t", {5, 6}});
+    EXPECT_EQ(unitVersionId, 3);
+    EXPECT_EQ(unitVersion, 4);
+    EXPECT_EQ(status + L"|" + integratePackage + L"|" + name + L"|" + time, L"s|p|n|t");
+    EXPECT_THAT(datasetVersions, ElementsAre(5, 6));
+    const auto [datasetId, number, versionId, size] = handedOn(ArchiveDatasetEntry{L"d", 7, 8, 9});
+    EXPECT_EQ(datasetId, L"d");
+    EXPECT_EQ(number, 7);
+    EXPECT_EQ(versionId, 8);
+    EXPECT_EQ(size, 9);
+}
+
+/// An answer about archives: the code, the words, then the list.
+template <class Ack, class List>
+void expectArchiveAck(List list)
+{
+    const auto [code, msg, records] = handedOn(Ack{7, L"m", std::move(list)});
+    EXPECT_EQ(code, 7);
+    EXPECT_EQ(msg, L"m");
+    EXPECT_EQ(records.size(), 2u);
+}
+
+TEST(Records, ofAnswersAboutArchivesHaveTheirFieldsInOrder)
+{
+    expectArchiveAck<http::ORLOHTTPPayloadArchivePackageAck>(std::vector<http::ORLOHTTPPayloadArchivePackage>(2));
+    expectArchiveAck<http::ORLOHTTPPayloadArchivePackageVersionAck>(std::vector<http::ORLOHTTPPayloadArchivePackageVersion>(2));
+    expectArchiveAck<http::ORLOHTTPPayloadArchiveUnitVersionAck>(std::vector<http::ORLOHTTPPayloadArchiveUnitVersion>(2));
+    expectArchiveAck<http::ORLOHTTPPayloadArchiveUnitStandardCodeAck>(std::map<int, std::vector<std::wstring>>{{1, {L"30-01"}}, {-2, {}}});
+}
+
+TEST(Records, ofComponentsHaveTheirFieldsInOrder)
+{
+    const auto [id, version] = handedOn(ComponentInfo{9007199254740993, 2});
+    EXPECT_EQ(id, 9007199254740993);
+    EXPECT_EQ(version, 2);
+    EXPECT_EQ(ComponentInfo{1}.version, -1);
+    const auto [cutline, name, thumbnail, placeholderType] = handedOn(Cutline{-9007199254740993, L"n", L"t", L"p"});
+    EXPECT_EQ(cutline, -9007199254740993);
+    EXPECT_EQ(name + L"|" + thumbnail + L"|" + placeholderType, L"n|t|p");
+    EXPECT_EQ(Cutline().id, 0);
+}
+
+TEST(Records, ofAStoredDocumentHaveTheirFieldsInOrder)
+{
+    const auto [type, id, version, birthTime, creationTime, configValue] =
+        handedOn(ProjectItemConfig{ConfigType::Coordinate, L"i", 3, L"b", L"c", L"v"});
+    EXPECT_EQ(type, ConfigType::Coordinate);
+    EXPECT_EQ(version, 3);
+    EXPECT_EQ(id + L"|" + birthTime + L"|" + creationTime + L"|" + configValue, L"i|b|c|v");
+}
+
 TEST(Records, haveTheNumbersOfTheirEnumerations)
 {
     EXPECT_EQ(static_cast<int>(CollaborationTeamStatus::Working), 0);

@@ -71,7 +71,8 @@ TEST(SupportSlotOrder, ofTheConfiguration)
 TEST(SupportSlotOrder, ofTheJobManagerWhoseFourthOperationAddsAJob)
 {
     expectSlotsBehindDestructor(&IJobManager::GetJobs, &IJobManager::GetJob, &IJobManager::AddJob, &IJobManager::WaitForIdle,
-                                &IJobManager::WaitForJob, &IJobManager::RunsJobs);
+                                &IJobManager::WaitForJob, &IJobManager::RunsJobs, &IJobManager::Retry, &IJobManager::Remove,
+                                &IJobManager::Pause, &IJobManager::Resume, &IJobManager::GetJobDetails);
 }
 
 TEST(SupportSlotOrder, ofTheJobEntitiesFromTheInterfaceDown)

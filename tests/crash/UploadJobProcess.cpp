@@ -14,6 +14,7 @@
 #include <OrloCommon/OrloConfigManager.h>
 #include <OrloJobManager/IJobManager.h>
 #include <OrloNetwork/NetworkCommon.h>
+#include <OrloNetwork/Reachability.h>
 #include <OrloProjectManager/FileJob/JobCopy.h>
 #include <OrloProjectManager/FileJob/UploadFileJobEntity.h>
 #include <OrloProjectManager/FileJob/UploadModuleJobEntity.h>
@@ -176,6 +177,24 @@ std::string startImpatient(const std::string&)
     return yesOrNo(IJobManager::Start(options));
 }
 
+/// MILLISECONDS: keeps what may succeed later, and rests so long. No request is repeated by itself.
+std::string startKeeping(const std::string& milliseconds)
+{
+    http::setRetryPolicy({0, 1});
+    JobManagerOptions options;
+    options.onFailure = keepIfItMaySucceed;
+    options.firstPause = options.longestPause = std::chrono::milliseconds(std::stoll(milliseconds));
+    return yesOrNo(IJobManager::Start(options));
+}
+
+/// Starts no job before somebody is signed in and the platform within reach.
+std::string startOnline(const std::string&)
+{
+    JobManagerOptions options;
+    options.mayStart = http::isSignedInAndOnline;
+    return yesOrNo(IJobManager::Start(options));
+}
+
 /// Between a failed request and the next attempt there is an hour.
 std::string pauseLong(const std::string&)
 {
@@ -224,6 +243,8 @@ const test::LineCommands commands = {
     {"pour", pour},
     {"upload-many", uploadMany},
     {"start-impatient", startImpatient},
+    {"start-keeping", startKeeping},
+    {"start-online", startOnline},
     {"pause-long", pauseLong},
     {"sign-out", signOut},
     {"stop-and-sign-out", stopAndSignOut},

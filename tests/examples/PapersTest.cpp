@@ -94,6 +94,43 @@ TEST(Readme, FirstProgramTellsThePlatformsReason)
     EXPECT_THAT(run.output, HasSubstr("\n{\"code\":40300,\"message\":\"closed for today\"}\n"));
 }
 
+TEST(Readme, FirstProgramCreatesAProjectWhereThereIsNone)
+{
+    const DemoPlatform platform;
+    const RunResult first = runProgram({FIRST_PROGRAM, platform.url()}, ChildProcess::Errors::joined);
+    EXPECT_EQ(0, first.exitCode);
+    EXPECT_EQ("No project yet; creating one. Run me again to find it.\nMy first project\n", first.output);
+    const RunResult second = runProgram({FIRST_PROGRAM, platform.url()}, ChildProcess::Errors::joined);
+    EXPECT_EQ(0, second.exitCode);
+    EXPECT_EQ("My first project\n", second.output);
+}
+
+TEST(Readme, FirstProgramGoesWhereTheEnvironmentSays)
+{
+    DemoPlatform platform;
+    platform.change(orlo::platform::addUser, {"ana", "ana-account", "ana-token"});
+    platform.change(addProject, {"Riverside School", "ana-account"});
+    const RunResult run = runProgram(
+        {"env", "ORLO_URL=" + platform.url(), "ORLO_USER=ana", "ORLO_ACCOUNT=ana-account", "ORLO_TOKEN=ana-token", FIRST_PROGRAM});
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("Riverside School\n", run.output);
+}
+
+TEST(HostGuide, SettingsOfTheEnvironmentAreShownWithoutTheToken)
+{
+    const RunResult run = runProgram({"env", "ORLO_URL=https://platform.example", "ORLO_USER=ana", "ORLO_TOKEN=a-very-secret-token",
+                                      "ORLO_PROXY=", "ORLO_TIMEOUT=7", FROM_ENVIRONMENT});
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("ana at https://platform.example, waiting up to 7 s, without a proxy\n", run.output);
+}
+
+TEST(HostGuide, SettingsOfTheEnvironmentAreWantedWhole)
+{
+    const RunResult run = runProgram({"env", "-u", "ORLO_URL", "-u", "ORLO_TOKEN", FROM_ENVIRONMENT}, ChildProcess::Errors::joined);
+    EXPECT_EQ(2, run.exitCode);
+    EXPECT_EQ("set ORLO_URL and ORLO_TOKEN\n", run.output);
+}
+
 TEST(HostGuide, SmallHostListsProjectsAndAdvises)
 {
     const TempFolder folder;
@@ -167,11 +204,60 @@ TEST_F(UploadLater, TellsTheReasonOfAFailure)
     EXPECT_THAT(run.output, HasSubstr("上传文件失败：{\"code\":40400,\"message\":\"no such folder: no-such-folder\""));
 }
 
+TEST_F(UploadLater, KeepTryingUploadsWhatFailedAtFirst)
+{
+    orlo::platform::Fault fault;
+    fault.path = "/file/doc/upload/url/with/filename";
+    fault.status = 401; // one that the retry policy doesn't repeat
+    platform.faults().add(fault);
+    writeFile(folder.path("plan.dwg"), "the drawing");
+    const RunResult run =
+        runProgram({KEEP_TRYING, platform.url(), folder.path("host").string(), "p-1", rootFolder, folder.path("plan.dwg").u8string()});
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("plan.dwg will be tried again\nplan.dwg is uploaded\n", run.output);
+    EXPECT_EQ(1u, platform.ask(orlo::platform::storedFiles).size());
+}
+
+TEST_F(UploadLater, KeepTryingGivesUpWhatThePlatformRefuses)
+{
+    writeFile(folder.path("plan.dwg"), "the drawing");
+    const RunResult run = runProgram(
+        {KEEP_TRYING, platform.url(), folder.path("host").string(), "p-1", "no-such-folder", folder.path("plan.dwg").u8string()});
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("plan.dwg was given up\n", run.output);
+}
+
 TEST_F(UploadLater, AcceptsNoFileThatIsNotThere)
 {
     const RunResult run = upload(rootFolder, "gone.dwg");
     EXPECT_EQ(0, run.exitCode);
     EXPECT_EQ("not accepted\n", run.output);
+}
+
+TEST(HostGuide, FileBackBringsWhatUploadLaterTook)
+{
+    const TempFolder folder;
+    const Options options{folder.path("platform").string(), 0, true};
+    const auto database = [&](const char* query) { return sqlTexts(folder.path("platform/platform.db"), query).at(0); };
+    const auto runHere = [&](const char* program, const std::vector<std::string>& arguments) {
+        LocalPlatform platform(options);
+        platform.start();
+        std::vector<std::string> command{program, platform.url(), folder.path("host").string()};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return runProgram(command, ChildProcess::Errors::joined);
+    };
+    LocalPlatform(options).change(addProject, {"滨江医院一期", "demo-account", "p-1"});
+    writeFile(folder.path("平面图.dwg"), "the drawing");
+    const std::string rootFolder = database("SELECT id FROM folder ORDER BY rank LIMIT 1");
+    ASSERT_EQ(0, runHere(UPLOAD_LATER, {"p-1", rootFolder, folder.path("平面图.dwg").u8string()}).exitCode);
+    const std::filesystem::path back = folder.path("回来.dwg");
+    const RunResult run = runHere(FILE_BACK, {database("SELECT id FROM dataset"), back.u8string()});
+    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ("version 1, 11 bytes, WIP\nversion 1 is back\n", run.output);
+    EXPECT_EQ("the drawing", readFile(back));
+    const RunResult none = runHere(FILE_BACK, {"no-such-dataset", back.u8string()});
+    EXPECT_EQ(1, none.exitCode);
+    EXPECT_THAT(none.output, HasSubstr("no such dataset: no-such-dataset"));
 }
 
 TEST(Papers, QuoteTheTreeAsItStands)

@@ -64,6 +64,17 @@ public:
                                       words + L"]"});
     }
 
+    void errorOnEntry()
+    {
+        ErrorCode error;
+        error.Assign(badInputValue, std::make_shared<GenericError>(L"earlier"));
+        fails(error, 1, [](Expectation& expected) { expected.reply(404, "none"); });
+        expectHttpError(error, errorStatusValue, L"HttpError", L"none", 404);
+        Lines lines = withWordsAfter(statusLine(404));
+        lines.insert(lines.begin(), L"E@" + m_operation.operationName + L" 传入的ErrorCode，已有错误存在:earlier");
+        expectLog(lines);
+    }
+
     void noneInTheEnd(const std::function<void()>& goOn, const Lines& told)
     {
         ErrorCode error;
@@ -157,6 +168,8 @@ void expectFailuresOf(const RequestingOperation& operation, ScriptedServer& serv
     failures.brokenTransport();
     if (operation.readsJson)
         failures.bodyThatIsNoJson();
+    if (!operation.operationName.empty())
+        failures.errorOnEntry();
 }
 
 void expectSuccessAtLast(const RequestingOperation& operation, ScriptedServer& server, LogCapture& log, const std::function<void()>& goOn,

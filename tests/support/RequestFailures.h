@@ -22,10 +22,12 @@ struct RequestingOperation
     std::wstring frame = {};               ///< the name in the log's lines, of one that asks directly; empty for one that is retried
     bool tellsProgress = false;            ///< whether it logs information, which is left out here
     bool isTagged = true;                  ///< whether the tag stands before the failure words
+    std::wstring operationName = {};       ///< under which it tells of an error on entry; empty where that isn't looked at
 };
 
 /// Lets the request fail in every way: error statuses with and without another attempt, other statuses that are not 200,
-/// a broken transport, a body that is no JSON. Expects the log, whole, the ErrorCode, and the number of requests.
+/// a broken transport, a body that is no JSON, and a status again for an operation with a name that is handed an error. Expects the log,
+/// whole, the ErrorCode, and the number of requests.
 void expectFailuresOf(const RequestingOperation& operation, ScriptedServer& server, LogCapture& log);
 
 /// Lets the first three attempts fail, each in its own way, and the last one get the good answer. Expects the log, whole, and a clear

@@ -118,6 +118,7 @@ void LocalPlatform::Core::pack(Answer& answer) const
 {
     answer.file->replace(packed(answer.file->file(), m_blobs));
     answer.contentEncoding = "gzip";
+    answer.contentMd5.clear(); // it was that of the file as it is
 }
 
 } // namespace orlo::platform

@@ -37,6 +37,9 @@ std::optional<int> readArguments(int argc, const char* const* argv, Arguments& a
 {
     CLI::App app("A collaboration platform on this machine, on 127.0.0.1 only.", "orlo-local-platform");
     app.failure_message(CLI::FailureMessage::help);
+    app.set_version_flag("--version", "orlo-local-platform " ORLO_VERSION);
+    app.footer("Its first line tells its address; it runs until Ctrl-C or SIGTERM.\n"
+               "docs/local-platform.md tells what it knows, and how it is prepared and made to fail.");
     app.add_option("--data", arguments.options.dataFolder, "keep everything in DIR; without it, nothing is kept")->type_name("DIR");
     app.add_option("--port", arguments.options.port, "port; 0, which is the default, takes a free one")->type_name("N");
     const auto addUsers = [&](const std::vector<std::string>& words) {

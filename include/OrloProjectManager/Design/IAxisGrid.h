@@ -27,7 +27,8 @@ public:
 
     virtual CurveType GetCurveType() const = 0;
     /// Adds the members of the curve's stored form. The id goes out as it stands, an empty one too.
-    /// Returns: false if a number that is to be stored is not finite, which JSON can't tell.
+    /// Returns: false if a number that is to be stored is not finite, which JSON can't tell. The length of a line is computed and
+    /// counts for nothing: beyond the largest double it is left out, and the result is true.
     virtual bool SerializeToJson(JsonWrapper& out) = 0;
     /// Reads the stored form.   Returns: false where something is missing that it can't do without; what was read before that stays.
     virtual bool DeserializeFromJson(const JsonWrapper& in) = 0;
@@ -69,7 +70,7 @@ class ORLO_PROJECT_API IAxisLine : public virtual IAxisCurve
 {
 public:
     /// A new line: no id, no name, both bubbles shown, extensions and diameter 3000.
-    static std::shared_ptr<IAxisLine> Create();
+    [[nodiscard]] static std::shared_ptr<IAxisLine> Create();
 
     virtual const Point3d& GetStartPt() const = 0;
     virtual void SetStartPt(const Point3d& point) = 0;
@@ -89,7 +90,7 @@ class ORLO_PROJECT_API IAxisArc : public virtual IAxisCurve
 {
 public:
     /// A new arc, with the values of a new line.
-    static std::shared_ptr<IAxisArc> Create();
+    [[nodiscard]] static std::shared_ptr<IAxisArc> Create();
 
     virtual const Point3d& GetStartPt() const = 0;
     virtual void SetStartPt(const Point3d& point) = 0;
@@ -107,7 +108,7 @@ class ORLO_PROJECT_API IAxisGrid
 {
 public:
     /// A new grid: empty, version 0, no id.
-    static std::shared_ptr<IAxisGrid> Create();
+    [[nodiscard]] static std::shared_ptr<IAxisGrid> Create();
 
     IAxisGrid();
     virtual ~IAxisGrid();
@@ -132,7 +133,8 @@ public:
     /// Returns: false if a curve couldn't be written whole.
     virtual bool SerializeToJson(JsonWrapper& out) = 0;
     /// Adds the curves of the "data" of a stored document of schema version 3.
-    /// Returns: false if something couldn't be read, which is logged; the rest is there.
+    /// Returns: false if something couldn't be read, which is logged; the rest is there. False too, without a line in the log, once
+    /// the grid holds 500,000 curves: it takes no more then.
     virtual bool LoadLinesAndArcs(const JsonWrapper& data) = 0;
 };
 

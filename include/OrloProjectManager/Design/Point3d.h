@@ -15,7 +15,8 @@ struct ORLO_PROJECT_API Point3d
 
     double dot(const Point3d& other) const;
     double length() const;
-    /// Makes the length 1. Without a tolerance: any length above 0 will do; a point of the length 0 stays as it is.
+    /// Makes the length 1. Without a tolerance: any length above 0 will do; a point of the length 0 stays as it is. The squares of the
+    /// coordinates have to fit a double: with one of 1e200 the point becomes 0, and one of 1e-300 has the length 0.
     void normalize();
 
     /// Adds "x", "y" and "z". A coordinate that is no finite number can't be told in JSON and is left out.

@@ -31,8 +31,9 @@ public:
     IIssue& operator=(const IIssue&) = delete;
 
     /// A new issue: open, with the id 0.   Requests: none.
-    static std::shared_ptr<IIssue> Create(const std::wstring& teamId, const std::wstring& userId, const std::wstring& title,
-                                          const std::wstring& description, const std::vector<IssuedDataSet>& datasets, EORLOIssueType type);
+    [[nodiscard]] static std::shared_ptr<IIssue> Create(const std::wstring& teamId, const std::wstring& userId, const std::wstring& title,
+                                                        const std::wstring& description, const std::vector<IssuedDataSet>& datasets,
+                                                        EORLOIssueType type);
 
     /// 0 for one that this process made: posting tells no id, the next list does.
     virtual int GetId() const = 0;

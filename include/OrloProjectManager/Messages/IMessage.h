@@ -21,11 +21,12 @@ public:
     IMessage(const IMessage&) = delete;
     IMessage& operator=(const IMessage&) = delete;
 
-    static std::shared_ptr<IMessage> CreateMessage(int messageId, const std::wstring& title, const std::wstring& content,
-                                                   const std::wstring& projectId, const std::wstring& datasetId, EMessageType messageType,
-                                                   EMessageStatus messageStatus, const std::wstring& resourceId,
-                                                   const std::wstring& resourceType, const std::wstring& senderId,
-                                                   const std::wstring& senderAction, const std::wstring& sendTime);
+    [[nodiscard]] static std::shared_ptr<IMessage> CreateMessage(int messageId, const std::wstring& title, const std::wstring& content,
+                                                                 const std::wstring& projectId, const std::wstring& datasetId,
+                                                                 EMessageType messageType, EMessageStatus messageStatus,
+                                                                 const std::wstring& resourceId, const std::wstring& resourceType,
+                                                                 const std::wstring& senderId, const std::wstring& senderAction,
+                                                                 const std::wstring& sendTime);
 
     virtual int GetMessageId() const = 0;
     virtual const std::wstring& GetTitle() const = 0;

@@ -40,8 +40,8 @@ public:
     /// Reads a project by its id.
     /// Returns: null on failure.   Errors: 0xE8000002 transport or exception; a negative value with the platform's answer
     /// as message for an error status.   Requests: one, retried.   Threads: any.
-    static std::shared_ptr<ICollaborationProject> Load(const std::wstring& projectId, ErrorCode& error);
-    static std::shared_ptr<ICollaborationProject> Load(const std::wstring& projectId);
+    [[nodiscard]] static std::shared_ptr<ICollaborationProject> Load(const std::wstring& projectId, ErrorCode& error);
+    [[nodiscard]] static std::shared_ptr<ICollaborationProject> Load(const std::wstring& projectId);
 
     ICollaborationProject();
     virtual ~ICollaborationProject();
@@ -98,8 +98,8 @@ public:
     /// Replaces the content of `out` by the project's archive packages, with the units of their newest versions and the datasets of these;
     /// nothing is remembered. Packages without an id are left out.
     /// Returns: false on failure, with `out` empty; also for a project without packages and for packages without units, which the log
-    /// tells.   Errors: 0xE8000002 transport or exception; a negative value for an error status. Clear where the question for
-    /// versions failed, since more is asked afterwards; the log tells the status.
+    /// tells.   Errors: 0xE8000002 transport or exception; a negative value for an error status; of several failures the first. Clear
+    /// where a question was answered with a status below 400 that isn't 200, or where there was nothing to ask for.
     /// Requests: five, of which the last one alone is retried; four where no package names a unit, three where there is no package.
     virtual bool GetArchivePackageList(std::vector<std::shared_ptr<IArchivePackage>>& out, ErrorCode& error) = 0;
     virtual bool GetArchivePackageList(std::vector<std::shared_ptr<IArchivePackage>>& out) = 0;

@@ -41,9 +41,9 @@ public:
     /// requestBody: the JSON text that names the module's file; not empty.   localPath: empty for a new file in the temporary folder.
     /// Returns: at once; the future's message is the local path.
     /// Failures, in the future: 400 "invalid remote uri path", "invalid file path"; a status of the platform; 5555.   Requests: two.
-    static std::future<PromiseData> DownloadModuleFile(const std::wstring& requestBody, const std::wstring& localPath,
-                                                       const std::wstring& resourceType, const std::wstring& spaceType,
-                                                       const std::wstring& spaceTypeParameter, ErrorCode& error);
+    [[nodiscard]] static std::future<PromiseData> DownloadModuleFile(const std::wstring& requestBody, const std::wstring& localPath,
+                                                                     const std::wstring& resourceType, const std::wstring& spaceType,
+                                                                     const std::wstring& spaceTypeParameter, ErrorCode& error);
 
     IModuleManager();
     virtual ~IModuleManager();

@@ -49,7 +49,8 @@ public:
     /// the next one.   Requests: none.
     virtual bool UploadTemplateByJob(const std::wstring& fileName, const std::wstring& projectId, const std::wstring& localPath,
                                      SpecialtyType specialty, ErrorCode& error) = 0;
-    /// Whether the project's own library has a template of that name. False on failure too: the ErrorCode tells.
+    /// Whether the project's own library has a template of that name. False on failure too: the ErrorCode tells; clear for an answer that
+    /// isn't as expected.
     /// Errors: also 0xE8000005 for an empty name or project id.   Requests: one, retried.   Blocks the caller.
     virtual bool IsTemplateExistedInProject(const std::wstring& templateName, const std::wstring& projectId, ErrorCode& error) = 0;
     /// Appends the templates that a project offers, in the platform's order.
@@ -63,8 +64,8 @@ public:
     /// Message: the local path, with the status 200; or why there is none, with the status 400: the platform's words, or those of a
     /// dataset that has no template, of one whose template comes from nowhere known, or whose name would lead out of the folder.
     /// Requests: up to four, retried.
-    virtual std::future<PromiseData> DownloadTemplateFile(const std::wstring& datasetId, const std::wstring& projectId,
-                                                          ErrorCode& error) = 0;
+    [[nodiscard]] virtual std::future<PromiseData> DownloadTemplateFile(const std::wstring& datasetId, const std::wstring& projectId,
+                                                                        ErrorCode& error) = 0;
 };
 
 } // namespace orlo

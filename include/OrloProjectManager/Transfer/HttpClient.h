@@ -25,21 +25,22 @@ namespace HttpClient {
 /// "versionIndex", "length".
 /// Failures: 400 "invalid file path", "read file fail", "invalid file content"; a status of the platform; 5555.
 /// Requests: two.
-ORLO_PROJECT_API std::future<PromiseData> uploadFile(ErrorCode& error, const std::wstring& path, std::wstring fileName,
-                                                     std::wstring filePath, bool gzip);
+[[nodiscard]] ORLO_PROJECT_API std::future<PromiseData> uploadFile(ErrorCode& error, const std::wstring& path, std::wstring fileName,
+                                                                   std::wstring filePath, bool gzip);
 
 /// The same into a folder of the document store.
-ORLO_PROJECT_API std::future<PromiseData> uploadFileByArkiv(ErrorCode& error, const std::wstring& path, const std::wstring& targetFolderId,
-                                                            std::wstring fileName, std::wstring filePath, bool gzip);
+[[nodiscard]] ORLO_PROJECT_API std::future<PromiseData> uploadFileByArkiv(ErrorCode& error, const std::wstring& path,
+                                                                          const std::wstring& targetFolderId, std::wstring fileName,
+                                                                          std::wstring filePath, bool gzip);
 
 /// The same for a file that is to become a module. resourceType: as the module service names it.   fileName: the module's name.
 /// md5: the sum of the file's bytes, 32 hexadecimal digits.
 /// Message: a JSON object with "fileKey" and "url", which the module is registered with.
 /// Failures: as above; 400 "param is empty" with 0xE8000005 for an empty text.
-ORLO_PROJECT_API std::future<PromiseData> uploadModule(ErrorCode& error, const std::wstring& spaceType,
-                                                       const std::wstring& spaceTypeParameter, const std::wstring& resourceType,
-                                                       const std::wstring& localPath, const std::wstring& fileName, const std::wstring& md5,
-                                                       bool gzip);
+[[nodiscard]] ORLO_PROJECT_API std::future<PromiseData> uploadModule(ErrorCode& error, const std::wstring& spaceType,
+                                                                     const std::wstring& spaceTypeParameter,
+                                                                     const std::wstring& resourceType, const std::wstring& localPath,
+                                                                     const std::wstring& fileName, const std::wstring& md5, bool gzip);
 
 /// Brings one file to the local disk, through memory. The file appears under its name only when it is whole.
 /// remotePath: not empty.   localPath: empty for a new file in the temporary folder.
@@ -48,13 +49,13 @@ ORLO_PROJECT_API std::future<PromiseData> uploadModule(ErrorCode& error, const s
 ORLO_PROJECT_API std::future<PromiseData> downloadFile(const std::wstring& remotePath, const std::wstring& localPath, ErrorCode& error);
 
 /// The same for a version of a file in the document store.   Failures: as above, with "invalid fileId".
-ORLO_PROJECT_API std::future<PromiseData> DownloadFileByArkiv(const std::wstring& fileId, int version, const std::wstring& localPath,
-                                                              ErrorCode& error);
+[[nodiscard]] ORLO_PROJECT_API std::future<PromiseData> DownloadFileByArkiv(const std::wstring& fileId, int version,
+                                                                            const std::wstring& localPath, ErrorCode& error);
 
 /// The same for a module. requestBody: the JSON text that names the module's file; not empty.
-ORLO_PROJECT_API std::future<PromiseData> downloadModuleFile(const std::wstring& requestBody, const std::wstring& localPath,
-                                                             const std::wstring& resourceType, const std::wstring& spaceType,
-                                                             const std::wstring& spaceTypeParameter, ErrorCode& error);
+[[nodiscard]] ORLO_PROJECT_API std::future<PromiseData> downloadModuleFile(const std::wstring& requestBody, const std::wstring& localPath,
+                                                                           const std::wstring& resourceType, const std::wstring& spaceType,
+                                                                           const std::wstring& spaceTypeParameter, ErrorCode& error);
 
 /// Brings files of a dataset into the local cache, at most six at a time, streamed to disk. Each file appears under its
 /// name only when it is whole.
@@ -66,9 +67,10 @@ ORLO_PROJECT_API std::future<PromiseData> downloadModuleFile(const std::wstring&
 /// A file that can't be moved to its place is logged; it fails the batch unless it is the last to end.
 /// The future never becomes ready if the platform answers with no entry at all: wait with a time-out where that matters.
 /// Requests: one, and one for each file.
-ORLO_PROJECT_API std::future<PromiseData> downloadBatchFiles(ErrorCode& error, const std::string& folder, const std::string& datasetId,
-                                                             const std::vector<std::string>& seeds,
-                                                             std::shared_ptr<OrloCallbackContext> callerContext);
+[[nodiscard]] ORLO_PROJECT_API std::future<PromiseData> downloadBatchFiles(ErrorCode& error, const std::string& folder,
+                                                                           const std::string& datasetId,
+                                                                           const std::vector<std::string>& seeds,
+                                                                           std::shared_ptr<OrloCallbackContext> callerContext);
 
 } // namespace HttpClient
 

@@ -43,17 +43,20 @@ public:
     static std::wstring DownloadFile(const std::string& dsId, const std::wstring& uri, ErrorCode& error);
 
     /// As HttpClient::downloadFile.
-    static std::future<PromiseData> DownloadFile(const std::wstring& remotePath, const std::wstring& localPath, ErrorCode& error);
+    [[nodiscard]] static std::future<PromiseData> DownloadFile(const std::wstring& remotePath, const std::wstring& localPath,
+                                                               ErrorCode& error);
 
     /// As HttpClient::DownloadFileByArkiv; the first form asks for version 1.
-    static std::future<PromiseData> DownloadFileByArkiv(const std::wstring& fileId, const std::wstring& localPath, ErrorCode& error);
-    static std::future<PromiseData> DownloadFileByArkiv(const std::wstring& fileId, int version, const std::wstring& localPath,
-                                                        ErrorCode& error);
+    [[nodiscard]] static std::future<PromiseData> DownloadFileByArkiv(const std::wstring& fileId, const std::wstring& localPath,
+                                                                      ErrorCode& error);
+    [[nodiscard]] static std::future<PromiseData> DownloadFileByArkiv(const std::wstring& fileId, int version,
+                                                                      const std::wstring& localPath, ErrorCode& error);
 
     /// As HttpClient::uploadFile and HttpClient::uploadFileByArkiv, never compressed.
-    static std::future<PromiseData> UploadFile(const std::wstring& path, std::wstring fileName, std::wstring filePath, ErrorCode& error);
-    static std::future<PromiseData> UploadFileByArkiv(const std::wstring& path, std::wstring fileName, std::wstring filePath,
-                                                      const std::wstring& targetFolderId, ErrorCode& error);
+    [[nodiscard]] static std::future<PromiseData> UploadFile(const std::wstring& path, std::wstring fileName, std::wstring filePath,
+                                                             ErrorCode& error);
+    [[nodiscard]] static std::future<PromiseData> UploadFileByArkiv(const std::wstring& path, std::wstring fileName, std::wstring filePath,
+                                                                    const std::wstring& targetFolderId, ErrorCode& error);
 
     /// Binds a version of a drawing file to a version of a dataset.   Requests: one, retried.   Blocks the caller.
     static bool CreateFileDatasetRelationship(const std::string& datasetId, int datasetVersion, const std::string& dwgId, int dwgVersion,

@@ -62,4 +62,14 @@ std::wstring ErrorCode::GetErrorMessage() const
     return m_category ? m_category->GetErrorMessage() : std::wstring();
 }
 
+ErrorCode cancelledError()
+{
+    return {error::cancelled, makeGenericError(L"Cancelled", L"cancelled")};
+}
+
+bool isCancelled(const ErrorCode& error)
+{
+    return error.GetValue() == error::cancelled;
+}
+
 } // namespace orlo

@@ -72,6 +72,8 @@ constexpr long long success = static_cast<long long>(0xFFFFFFFFE8000000ULL);
 constexpr long long badInput = 0xE8000001LL;
 constexpr long long exception = 0xE8000002LL;
 constexpr long long emptyParameter = 0xE8000005LL;
+/// The host's own doing, through a CancelToken: no operation gives it outside of a CallScope and of a job with a token.
+constexpr long long cancelled = 0xE8000006LL;
 /// An answer with a status of 400 or above; sign-extended.
 constexpr long long errorStatus = static_cast<long long>(0xFFFFFFFFE8000002ULL);
 } // namespace error
@@ -107,6 +109,11 @@ private:
     long long m_value = error::none;
     std::shared_ptr<ErrorCategory> m_category;
 };
+
+/// What an operation gives that was cancelled: error::cancelled and the message "cancelled".
+ORLO_BASE_API ErrorCode cancelledError();
+/// Whether the host cancelled what this tells of, so that it was no failure.
+ORLO_BASE_API bool isCancelled(const ErrorCode& error);
 
 } // namespace orlo
 

@@ -21,7 +21,9 @@ enum class DatasetMetaKey : int {
 
 /// The way of sibling libraries to the project library, which they must not link.
 /// Test `m_pBridge` before each use: it is null before the project library is loaded and after it is unloaded.
-/// Every operation blocks the caller and leaves the reason of a failure in its ErrorCode.
+/// Every operation blocks the caller and leaves the reason of a failure in its ErrorCode, as far as there is one. It stays clear for an
+/// unknown modeling id, a project that can't be loaded, an answer without what was asked for, and a status below 400 that isn't 200;
+/// the log tells of most of these.
 class ORLO_BASE_API IOrloBridge
 {
 public:
@@ -35,8 +37,8 @@ public:
     virtual std::wstring GetDatasetMeta(ErrorCode& error, DatasetMetaKey key, const std::wstring& versionId) = 0;
 
     /// The configurations of the project that a modeling id belongs to.
-    /// Returns: false where there is no such project. The lists of versions give true for a project whose list can't be read, too; the
-    /// ErrorCode tells.
+    /// Returns: false where there is no such project, or where it or its configuration can't be read. The lists of versions give true for
+    /// a project whose list can't be read, too; the ErrorCode tells.
     virtual bool GetSpaceConfig(const std::wstring& modelingId, int version, std::wstring& configText, ErrorCode& error) = 0;
     virtual bool GetSpaceConfigAllVersions(const std::wstring& modelingId, std::vector<int>& versions, ErrorCode& error) = 0;
     virtual bool GetAxisGridConfig(const std::wstring& modelingId, int version, std::string& configText, ErrorCode& error) = 0;

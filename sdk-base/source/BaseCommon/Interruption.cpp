@@ -14,6 +14,29 @@ thread_local const Interruption::Scope* innermost = nullptr;
 Interruption::Interruption() = default;
 Interruption::~Interruption() = default;
 
+std::shared_ptr<Interruption> Interruption::within(const Bounds& bounds)
+{
+    auto part = std::make_shared<Interruption>();
+    part->m_isAwaited = bounds.isAwaited;
+    part->m_outer = bounds.outer;
+    part->m_token = bounds.token;
+    part->m_meter = bounds.meter || !bounds.outer ? bounds.meter : bounds.outer->m_meter;
+    part->listenTo(bounds.outer, part->m_byOuter, part);
+    part->listenTo(bounds.token, part->m_byToken, part);
+    return part;
+}
+
+void Interruption::listenTo(const std::shared_ptr<Interruption>& other, std::optional<Listener>& listener,
+                            const std::shared_ptr<Interruption>& self)
+{
+    if (!other)
+        return;
+    listener.emplace(other, [weak = std::weak_ptr(self)] {
+        if (const auto part = weak.lock())
+            part->request();
+    });
+}
+
 void Interruption::request()
 {
     Listeners listeners;
@@ -33,6 +56,11 @@ bool Interruption::isRequested() const
 {
     const std::lock_guard lock(m_mutex);
     return m_isRequested;
+}
+
+bool Interruption::isCancelled() const
+{
+    return (m_token && m_token->isRequested()) || (m_outer && m_outer->isCancelled());
 }
 
 bool Interruption::waitFor(std::chrono::milliseconds atMost) const

@@ -8,8 +8,11 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace orlo {
+
+class ProgressMeter;
 
 /// Breaks off work that somebody waits for. Whoever carries the work out asks for it between two steps and listens to it during a step,
 /// and comes back with a failure, which then says nothing of the work itself.   Threads: any.
@@ -18,12 +21,29 @@ class ORLO_BASE_API Interruption
 public:
     Interruption();
     ~Interruption();
+
+    /// Of a part of other work.
+    struct Bounds
+    {
+        std::shared_ptr<Interruption> outer; ///< requested with it; null: it stands for itself
+        std::shared_ptr<Interruption> token; ///< the host's: requested with it too, as cancelled
+        std::shared_ptr<ProgressMeter> meter;
+        bool isAwaited = true; ///< an operation or a job waits for the part
+    };
+    static std::shared_ptr<Interruption> within(const Bounds& bounds);
+
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
 
     /// Tells all who listen, once. Must not throw out of a listener.
     void request();
     bool isRequested() const;
+    /// Whether it was the host who asked, so that what failed is to be called cancelled.
+    bool isCancelled() const;
+    /// Null counts as no.
+    static bool isAwaited(const std::shared_ptr<Interruption>& interruption) { return interruption && interruption->m_isAwaited; }
+    /// Null where nobody wants to know how far the work is.
+    const std::shared_ptr<ProgressMeter>& meter() const { return m_meter; }
     /// Waits no longer than that.   Returns: whether it was requested.
     bool waitFor(std::chrono::milliseconds atMost) const;
 
@@ -64,11 +84,21 @@ public:
 private:
     using Listeners = std::map<unsigned long long, std::function<void()>>;
 
+    void listenTo(const std::shared_ptr<Interruption>& other, std::optional<Listener>& listener, const std::shared_ptr<Interruption>& self);
+
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_requested;
     bool m_isRequested = false;
     unsigned long long m_lastNumber = 0;
     Listeners m_listeners;
+
+    // Set once, before anybody else knows it.
+    bool m_isAwaited = true;
+    std::shared_ptr<ProgressMeter> m_meter;
+    std::shared_ptr<Interruption> m_outer;
+    std::shared_ptr<Interruption> m_token;
+    std::optional<Listener> m_byOuter;
+    std::optional<Listener> m_byToken;
 };
 
 } // namespace orlo

@@ -130,6 +130,22 @@ unsigned long currentProcessId()
     return GetCurrentProcessId();
 }
 
+std::optional<std::wstring> environmentVariable(const char* name)
+{
+    const std::wstring wideName = toWstring(name);
+    std::wstring value;
+    DWORD size = GetEnvironmentVariableW(wideName.c_str(), nullptr, 0); // with the NUL at the end
+    if (size == 0)
+        return std::nullopt;
+    // It may have grown meanwhile.
+    do {
+        value.resize(size);
+        size = GetEnvironmentVariableW(wideName.c_str(), value.data(), static_cast<DWORD>(value.size()));
+    } while (size > value.size());
+    value.resize(size);
+    return value;
+}
+
 std::size_t memoryLimit()
 {
     MEMORYSTATUSEX status{};
@@ -377,6 +393,12 @@ bool setHiddenAttribute(const std::wstring& path)
 unsigned long currentProcessId()
 {
     return static_cast<unsigned long>(::getpid());
+}
+
+std::optional<std::wstring> environmentVariable(const char* name)
+{
+    const char* value = ::secure_getenv(name);
+    return value == nullptr ? std::nullopt : std::optional(toWstring(value));
 }
 
 std::size_t memoryLimit()

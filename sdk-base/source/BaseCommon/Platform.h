@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,10 @@ namespace orlo::utils {
 ORLO_BASE_API bool setHiddenAttribute(const std::wstring& path);
 
 ORLO_BASE_API unsigned long currentProcessId();
+
+/// A variable of the environment, whatever the locale; none where it isn't set. Not to be called while another thread changes the
+/// environment.
+ORLO_BASE_API std::optional<std::wstring> environmentVariable(const char* name);
 
 /// How much memory this process can ever have, in bytes: that of the machine, or less where the process is limited.
 ORLO_BASE_API std::size_t memoryLimit();

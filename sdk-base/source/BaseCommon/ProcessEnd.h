@@ -10,8 +10,9 @@ class ORLO_BASE_API ProcessEnd
 {
 public:
     enum class Step {
-        breakOffJobs,  ///< no job starts any more, and those that run know that what fails from now on is no failure of theirs
-        breakOffCalls, ///< no operation begins any more, and those under way are cancelled
+        silenceReports, ///< no host is told of any progress any more
+        breakOffJobs,   ///< no job starts any more, and those that run know that what fails from now on is no failure of theirs
+        breakOffCalls,  ///< no operation begins any more, and those under way are cancelled
         awaitJobs,
         awaitCalls,
     };

@@ -52,7 +52,7 @@ void watchSessions(SessionWatch watch)
     state().watch = watch;
 }
 
-UserSession::UserSession(UserIdentity identity) : m_identity(std::move(identity))
+UserSession::UserSession(UserIdentity identity) : m_identity(std::move(identity)), m_signIn(std::make_shared<const int>(0))
 {}
 
 UserSession::~UserSession() = default;
@@ -72,6 +72,25 @@ std::shared_ptr<UserSession> UserSession::GetInstance()
 {
     const std::lock_guard lock(state().mutex);
     return state().session;
+}
+
+bool UserSession::isOfSameUser(const UserSession& other) const
+{
+    return m_identity.userId == other.m_identity.userId && m_identity.accountId == other.m_identity.accountId;
+}
+
+// No watch is told: it is the same user who works on.
+void UserSession::continueWith(const std::wstring& token) const
+{
+    if (token.empty() || token == m_identity.accessToken)
+        return;
+    SecretGuard::protect(token);
+    auto next = std::make_shared<UserSession>(UserIdentity{m_identity.userId, m_identity.accountId, token});
+    next->m_signIn = m_signIn;
+    // What was swapped out is freed after the lock is gone.
+    const std::lock_guard lock(state().mutex);
+    if (state().session.get() == this)
+        state().session.swap(next);
 }
 
 std::wstring UserSession::GetId() const

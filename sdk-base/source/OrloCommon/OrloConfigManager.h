@@ -22,6 +22,10 @@ struct OrloConfig
     bool keepConnections = false;
     /// How large a file may become, in bytes, whose download comes packed; in any case no larger than its disk has room.
     unsigned long long largestUnpackedFile = 64ULL << 30;
+    /// How long a transfer of a file may go without a byte; 0: httpTimeoutSeconds, as it was when a transfer first asked for it.
+    int stallTimeoutSeconds = 0;
+    /// How long a transfer of a file may take in all, each of its attempts; 0: as long as it makes headway.
+    int transferTimeoutSeconds = 0;
 };
 
 /// The configuration of the process. It may be replaced at any time; every reader then sees the old one whole or the new one whole.

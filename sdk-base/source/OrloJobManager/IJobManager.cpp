@@ -34,6 +34,11 @@ public:
     bool WaitForIdle(std::chrono::milliseconds atMost) override;
     bool WaitForJob(const std::string& jobId, std::chrono::milliseconds atMost) override;
     bool RunsJobs() const override;
+    bool Retry(const std::string& jobId) override;
+    bool Remove(const std::string& jobId) override;
+    bool Pause(const std::string& jobId) override;
+    bool Resume(const std::string& jobId) override;
+    std::optional<JobDetails> GetJobDetails(const std::string& jobId) const override;
 
 private:
     std::shared_ptr<JobRunner> runner() const;
@@ -184,6 +189,36 @@ bool JobManager::RunsJobs() const
 {
     const auto current = runner();
     return current && current->runsJobs();
+}
+
+bool JobManager::Retry(const std::string& jobId)
+{
+    const auto current = runner();
+    return current && current->board().retry(jobId);
+}
+
+bool JobManager::Remove(const std::string& jobId)
+{
+    const auto current = runner();
+    return current && current->remove(jobId);
+}
+
+bool JobManager::Pause(const std::string& jobId)
+{
+    const auto current = runner();
+    return current && current->pause(jobId);
+}
+
+bool JobManager::Resume(const std::string& jobId)
+{
+    const auto current = runner();
+    return current && current->board().resume(jobId);
+}
+
+std::optional<JobDetails> JobManager::GetJobDetails(const std::string& jobId) const
+{
+    const auto current = runner();
+    return current ? current->details(jobId) : std::nullopt;
 }
 
 } // namespace

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <BaseCommon/CancelToken.h>
+#include <BaseCommon/Progress.h>
 #include <OrloJobManager/IJobEntity.h>
+#include <OrloJobManager/JobAnswers.h>
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace orlo {
@@ -12,14 +16,17 @@ namespace orlo {
 /// Something that happened to a job.
 struct JobEvent
 {
-    /// CutOff: the run was broken off, by Stop or because the user signed out, and says nothing of the job, which waits again.
-    enum class Kind { Added, Started, Ended, CutOff };
+    /// CutOff: the run was broken off, by Stop, by Pause or because the user signed out, and says nothing of the job, which waits again.
+    /// Kept: the run has failed, and the host's onFailure keeps the job, which runs again behind a pause.
+    enum class Kind { Added, Started, Ended, CutOff, Kept };
 
     Kind kind = Kind::Added;
     std::string jobId;
-    /// The state that the event brought: Waiting, Running, and at the end Succeeded or Failed; Waiting for a run that was cut off.
+    /// The state that the event brought: Waiting, Running, and at the end Succeeded or Failed; Waiting for a run that was cut off and for
+    /// a job that is kept.
     JobState state = JobState::Waiting;
-    /// Of an ended job: what its ErrorInfo() gives, or the exception that left its Run().
+    /// Of an ended job: what its ErrorInfo() gives, or the exception that left its Run(); isCancelled() of one that was cancelled or
+    /// removed. Of a kept one: what onFailure was asked about.
     ErrorCode error;
     std::shared_ptr<IJobEntity> job;
 };
@@ -33,6 +40,46 @@ struct JobManagerOptions
     /// Told of every event, one at a time and in order, on a thread of its own: it may take its time and holds no job up.
     /// What it throws is dropped.
     std::function<void(const JobEvent&)> onEvent;
+
+    // A host that sets none of the next ones has jobs that end with their first failure, start as soon as they may, and can't be cancelled.
+    // All of them are called on threads of the library, several at once, never under a lock: they may call the manager. They should come
+    // back soon: a job that ends, a worker, or Stop waits for them.
+
+    /// Asked when the run of a job has failed, once for each run; null drops the job, with its row and what else it holds, as an end. Not
+    /// asked of a run that was cut off or cancelled, nor of a job that has no row (any more), which can't be kept. keepIfItMaySucceed is a
+    /// ready-made answer. A kept job keeps its row and its copy of the file; it has no outcome yet. It rests, runs again, and so on; what
+    /// is kept when the manager stops or the process ends runs at the next Start, without a pause. error: the cause, as the step that
+    /// failed gave it; for a job class that doesn't ask (LocalDbJobEntity::isRunKept) the exception that left its Run(), or what its
+    /// ErrorInfo() gives in the state Failed.   What it throws counts as Keep: nothing is lost that way.
+    std::function<FailedJob(const IJobEntity& job, const ErrorCode& error)> onFailure;
+    /// How long a kept job rests: firstPause behind its first failure, then twice as long each time, longestPause at the most, all of it
+    /// with a tenth more or less as chance wants it. At least as long as the platform's answer asked for, within longestPause.
+    std::chrono::milliseconds firstPause{5000};
+    std::chrono::milliseconds longestPause{std::chrono::minutes(15)};
+    /// Asked before jobs start; null: they may. While the answer is no none starts, and it is asked again each second as long as a job
+    /// waits for it. isSomebodySignedIn and http::isSignedInAndOnline are ready-made ones.   What it throws counts as no.
+    std::function<bool()> mayStart;
+    /// The token that cancels a job; asked once for each, when the manager takes it in. A job that is cancelled, whether it runs, waits,
+    /// rests or is paused, ends as failed with error::cancelled, without its row and its copy; one whose run is cut off at the same time
+    /// stays.   What it throws leaves the job without a token.
+    std::function<CancelToken(const IJobEntity& job)> cancelTokenOf;
+    /// Told how far the run of a job is: at most ten times a second, one call at a time for each job, and the last state before the job's
+    /// end is told. Each run counts from nothing. What it throws is dropped; it must not wait for Stop.
+    std::function<void(const IJobEntity& job, const Progress& progress)> onProgress;
+};
+
+/// How a job that waits or runs stands.
+struct JobDetails
+{
+    std::string jobId;
+    std::wstring fileName; ///< empty for a job without a file, as is the project
+    std::string projectId;
+    JobState state = JobState::Waiting; ///< or Running
+    bool isPaused = false;              ///< by Pause
+    unsigned attempts = 0;              ///< runs that have failed so far, those of earlier processes included
+    ErrorCode lastFailure;              ///< of the last one that failed in this process; without an error where none has
+    /// When a job that rests behind a failure runs again; empty for all others.
+    std::optional<std::chrono::system_clock::time_point> nextRun;
 };
 
 /// Runs jobs, and runs those that an earlier process left behind. One process at a time runs the jobs of a database; what the others
@@ -77,13 +124,27 @@ public:
     /// saved before the manager started and has been run by its row since is not run again.
     virtual void AddJob(std::shared_ptr<IJobEntity> job) = 0;
 
-    /// Waits until no job runs or could run now: those of accounts that aren't signed in don't count.   Returns: false if the time ran out
-    /// or the manager was stopped with jobs left.
+    /// Waits until no job runs or could run now: those of accounts that aren't signed in don't count, nor those that rest behind a failure,
+    /// are paused, or wait for mayStart, as it answered last.   Returns: false if the time ran out or the manager was stopped with jobs
+    /// left.
     virtual bool WaitForIdle(std::chrono::milliseconds atMost) = 0;
-    /// Waits until the job has ended; one that the manager doesn't know counts as ended.   Returns: as above.
+    /// Waits until the job has ended, through all its pauses; one that the manager doesn't know counts as ended.   Returns: as above.
     virtual bool WaitForJob(const std::string& jobId, std::chrono::milliseconds atMost) = 0;
     /// Whether this process is the one that runs the jobs.
     virtual bool RunsJobs() const = 0;
+
+    // Of a job that the manager knows, as GetJob does; each returns whether it does.
+
+    /// A kept job rests no longer: it runs as soon as it may.
+    virtual bool Retry(const std::string& jobId) = 0;
+    /// Drops the job with its row and its copy; its end is told as cancelled. One that runs is broken off first, and ends when its Run has
+    /// come back: if that has succeeded meanwhile, the job has succeeded.
+    virtual bool Remove(const std::string& jobId) = 0;
+    /// The job doesn't start until Resume; one that runs is broken off, and waits. A pause isn't saved: the next Start knows nothing of it.
+    virtual bool Pause(const std::string& jobId) = 0;
+    virtual bool Resume(const std::string& jobId) = 0;
+    /// Returns: empty for a job that the manager doesn't know.
+    virtual std::optional<JobDetails> GetJobDetails(const std::string& jobId) const = 0;
 };
 
 } // namespace orlo

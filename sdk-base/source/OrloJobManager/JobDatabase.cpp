@@ -53,6 +53,12 @@ auto atWork(const Work& work)
     }
 }
 
+constexpr const char* rowsAlone =
+    "SELECT rank, id, typeKey, json, createTime, jobType, account, 0 FROM job WHERE rank > ? ORDER BY rank LIMIT ?";
+constexpr const char* rowsWithAttempts =
+    "SELECT rank, id, typeKey, json, createTime, jobType, account, coalesce(attempts, 0) FROM job LEFT JOIN kept USING (rank) "
+    "WHERE rank > ? ORDER BY rank LIMIT ?";
+
 std::string systemName(const std::wstring& path)
 {
     return utils::toSystemPath(path).u8string();
@@ -129,7 +135,7 @@ void JobDatabase::check()
         std::replace(verdict.begin(), verdict.end(), '\n', ' ');
         throw DamagedDatabase(verdict);
     }
-    if (!hasSchema(m_database, jobSchemaSteps()))
+    if (!hasSchema(m_database, jobSchemaSteps()) || !isTableOfKeptSound(m_database))
         throw DamagedDatabase("its tables aren't those of a job database");
 }
 
@@ -194,18 +200,35 @@ bool JobDatabase::contains(const std::string& id)
     });
 }
 
+void JobDatabase::setAttempts(const std::string& id, unsigned attempts)
+{
+    atWork([&] {
+        SQLite::Transaction transaction(m_database, SQLite::TransactionBehavior::IMMEDIATE);
+        addTableOfKept(m_database);
+        SQLite::Statement statement(m_database, "INSERT OR REPLACE INTO kept (rank, attempts) SELECT rank, ? FROM job WHERE id = ?");
+        statement.bind(1, attempts);
+        statement.bind(2, id);
+        statement.exec();
+        transaction.commit();
+    });
+}
+
 std::vector<JobRow> JobDatabase::rowsAfter(std::int64_t rank, std::size_t atMost)
 {
-    return atWork([&] {
-        std::vector<JobRow> rows;
-        SQLite::Statement statement(
-            m_database, "SELECT rank, id, typeKey, json, createTime, jobType, account FROM job WHERE rank > ? ORDER BY rank LIMIT ?");
-        statement.bind(1, rank);
-        statement.bind(2, static_cast<std::int64_t>(atMost));
-        while (statement.executeStep())
-            rows.push_back(jobRowFrom(statement));
-        return rows;
-    });
+    return atWork([&] { return rowsAfter(hasTableOfKept(m_database) ? rowsWithAttempts : rowsAlone, rank, atMost); });
+}
+
+std::vector<JobRow> JobDatabase::rowsAfter(const char* query, std::int64_t rank, std::size_t atMost)
+{
+    std::vector<JobRow> rows;
+    SQLite::Statement statement(m_database, query);
+    statement.bind(1, rank);
+    statement.bind(2, static_cast<std::int64_t>(atMost));
+    while (statement.executeStep()) {
+        rows.push_back(jobRowFrom(statement));
+        rows.back().attempts = statement.getColumn(7).getUInt();
+    }
+    return rows;
 }
 
 int JobDatabase::dataVersion()

@@ -22,6 +22,8 @@ struct JobRow
     std::string account;
     /// Given by the database: rises from row to row.
     std::int64_t rank = 0;
+    /// How many of its runs have failed.
+    unsigned attempts = 0;
 };
 
 /// From the columns rank, id, typeKey, json, createTime, jobType, account.
@@ -50,6 +52,8 @@ public:
     void put(const std::vector<JobRow>& rows);
     void erase(const std::string& id);
     bool contains(const std::string& id);
+    /// Notes how many runs of a job have failed; nothing for one without a row.
+    void setAttempts(const std::string& id, unsigned attempts);
     /// The next rows above the rank, in the order of their ranks.
     std::vector<JobRow> rowsAfter(std::int64_t rank, std::size_t atMost);
 
@@ -63,6 +67,7 @@ public:
 private:
     void check();
     void configure();
+    std::vector<JobRow> rowsAfter(const char* query, std::int64_t rank, std::size_t atMost);
 
     SQLite::Database m_database;
 };

@@ -70,6 +70,12 @@ void JobQueue::add(const Job& job)
     entry.position = classOf(entry).untried.insert(&entry);
 }
 
+void JobQueue::remove(const IJobEntity& entity)
+{
+    if (Entry* const entry = find(&entity))
+        take(*entry);
+}
+
 void JobQueue::retryAll()
 {
     ++m_round;

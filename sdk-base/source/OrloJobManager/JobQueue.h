@@ -1,5 +1,7 @@
 #pragma once
 
+#include "JobCancel.h"
+
 #include <OrloJobManager/IJobEntity.h>
 
 #include <atomic>
@@ -22,6 +24,7 @@ struct Job
     std::shared_ptr<IJobEntity> entity;
     /// That handed it over; empty where nobody was signed in then.
     std::string account;
+    std::shared_ptr<JobCancel> cancel;
 };
 
 /// The jobs that wait, and the choice of the one that starts next. Calls the jobs' own operations, so it must be used without a lock that
@@ -32,6 +35,8 @@ class JobQueue
 {
 public:
     void add(const Job& job);
+    /// Takes a job out again, if it is there.
+    void remove(const IJobEntity& entity);
     /// A job has ended, so those that had to wait for it may be asked again.
     void retryAll();
     bool hasUntried() const;

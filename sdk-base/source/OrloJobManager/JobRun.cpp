@@ -4,16 +4,23 @@
 #include <OrloAuth/UserSession.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace orlo {
 
 namespace {
 
-thread_local const JobRun* ofThisThread = nullptr;
+thread_local JobRun* ofThisThread = nullptr;
 
 std::string accountOf(const std::shared_ptr<UserSession>& session)
 {
     return session ? utils::toString(session->getAccountId()) : std::string();
+}
+
+/// A token that was renewed leaves it the same.
+bool isSameSignIn(const std::shared_ptr<UserSession>& one, const std::shared_ptr<UserSession>& other)
+{
+    return one == other || (one && other && one->isOfSameSignIn(*other));
 }
 
 } // namespace
@@ -36,12 +43,26 @@ void JobRuns::breakOff()
         m_areBrokenOff = true;
         for (const JobRun* const run : m_runs) {
             if (run != JobRun::current())
-                runs.push_back(run->m_interruption);
+                runs.push_back(run->m_cutOff);
         }
     }
     // Without the lock: what is broken off may come back at once.
     for (const auto& run : runs)
         run->request();
+}
+
+void JobRuns::breakOff(const std::string& jobId)
+{
+    std::shared_ptr<Interruption> cutOff;
+    {
+        const std::lock_guard lock(m_mutex);
+        for (const JobRun* const run : m_runs) {
+            if (run->m_terms.jobId == jobId)
+                cutOff = run->m_cutOff;
+        }
+    }
+    if (cutOff)
+        cutOff->request();
 }
 
 // With the lock: no run may begin between the two, and take the one session for the other.
@@ -51,7 +72,7 @@ void JobRuns::changeSession(const std::shared_ptr<UserSession>& next, const std:
     const std::string account = accountOf(next);
     for (const JobRun* const run : m_runs) {
         if (run->m_account != account)
-            run->m_interruption->request();
+            run->m_cutOff->request();
     }
     replace();
 }
@@ -63,7 +84,7 @@ void JobRuns::add(JobRun& run)
     run.m_account = accountOf(run.m_session);
     m_runs.push_back(&run);
     if (m_areBrokenOff)
-        run.m_interruption->request(); // nobody listens yet
+        run.m_cutOff->request(); // nobody listens yet
 }
 
 void JobRuns::drop(const JobRun& run)
@@ -72,7 +93,11 @@ void JobRuns::drop(const JobRun& run)
     m_runs.erase(std::find(m_runs.begin(), m_runs.end(), &run));
 }
 
-JobRun::JobRun(JobRuns& all) : m_all(all), m_interruption(std::make_shared<Interruption>()), m_scope(m_interruption)
+JobRun::JobRun(JobRuns& all, Terms terms)
+    : m_all(all),
+      m_terms(std::move(terms)),
+      m_cutOff(std::make_shared<Interruption>()),
+      m_scope(Interruption::within({m_cutOff, m_terms.cancel, m_terms.meter, true}))
 {
     m_all.add(*this);
     ofThisThread = this;
@@ -86,10 +111,24 @@ JobRun::~JobRun()
 
 bool JobRun::isCutOff() const
 {
-    return m_interruption->isRequested() || UserSession::GetInstance() != m_session;
+    return m_cutOff->isRequested() || !isSameSignIn(UserSession::GetInstance(), m_session);
 }
 
-const JobRun* JobRun::current()
+bool JobRun::isKept(const ErrorCode& cause)
+{
+    if (!m_terms.keeps)
+        return false;
+    // In this order: whatever cuts the run off meanwhile, nothing is dropped that nobody was asked about.
+    if (!m_cause && !isCancelled()) {
+        if (isCutOff())
+            return true;
+        m_cause = cause;
+        m_isKept = m_terms.keeps(cause);
+    }
+    return m_isKept;
+}
+
+JobRun* JobRun::current()
 {
     return ofThisThread;
 }

@@ -1,15 +1,18 @@
 #pragma once
 
+#include <BaseCommon/ErrorCode.h>
 #include <BaseCommon/Interruption.h>
 
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace orlo {
 
+class ProgressMeter;
 class UserSession;
 class JobRun;
 
@@ -24,6 +27,8 @@ class JobRuns
 public:
     /// From now on all runs are broken off, new ones as they begin; that of the calling thread isn't.
     void breakOff();
+    /// That of one job, if it runs.
+    void breakOff(const std::string& jobId);
     /// Breaks off the runs of all other accounts than that of the next session before they can ask for anything in its name.
     void changeSession(const std::shared_ptr<UserSession>& next, const std::function<void()>& replace);
 
@@ -41,7 +46,16 @@ private:
 class JobRun
 {
 public:
-    explicit JobRun(JobRuns& all);
+    struct Terms
+    {
+        std::string jobId;
+        std::shared_ptr<Interruption> cancel; ///< requested when the host wants the job no more
+        std::shared_ptr<ProgressMeter> meter; ///< null where nobody wants to know
+        /// Whether the job is kept if its run fails for that cause. Empty: it isn't, and nobody is asked.
+        std::function<bool(const ErrorCode& cause)> keeps;
+    };
+
+    JobRun(JobRuns& all, Terms terms);
     ~JobRun();
     JobRun(const JobRun&) = delete;
     JobRun& operator=(const JobRun&) = delete;
@@ -51,19 +65,30 @@ public:
 
     /// Whether the run was broken off, or whoever was signed in when it began is no more: what failed since may not be the job's fault.
     bool isCutOff() const;
+    /// Whether the host wants the job no more; a run that was cut off says nothing of that.
+    bool isCancelled() const { return !isCutOff() && m_terms.cancel && m_terms.cancel->isRequested(); }
+
+    /// Whether the run's failure isn't the job's end. Of a run that is neither cut off nor cancelled the host is asked, once: the cause of
+    /// the first failure counts.
+    bool isKept(const ErrorCode& cause);
+    /// The cause that the host was asked about; none if he wasn't.
+    const std::optional<ErrorCode>& cause() const { return m_cause; }
 
     /// That of the calling thread; null on any other.
-    static const JobRun* current();
+    static JobRun* current();
 
 private:
     friend class JobRuns;
 
     JobRuns& m_all;
-    const std::shared_ptr<Interruption> m_interruption;
+    const Terms m_terms;
+    const std::shared_ptr<Interruption> m_cutOff;
     const Interruption::Scope m_scope;
     /// Of its beginning.
     std::shared_ptr<UserSession> m_session;
     std::string m_account;
+    std::optional<ErrorCode> m_cause;
+    bool m_isKept = false;
 };
 
 } // namespace orlo

@@ -3,10 +3,15 @@
 #include "JobLog.h"
 #include "StrayCopies.h"
 
+#include <BaseCommon/ProgressMeter.h>
+#include <BaseCommon/ProgressReports.h>
+#include <BaseCommon/RequestError.h>
 #include <BaseCommon/Text.h>
+#include <OrloJobManager/IFileJob.h>
 #include <OrloJobManager/LocalDbJobEntity.h>
 
 #include <algorithm>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -51,10 +56,42 @@ void setStatus(const Job& job, JobState state)
     }
 }
 
+/// What a job that has failed says of it.
+ErrorCode errorInfoOf(const Job& job)
+{
+    try {
+        ErrorCode error = job.entity->ErrorInfo();
+        if (!error.isClear())
+            return error;
+    }
+    catch (...) {
+        log::error(L"job " + utils::toWstring(job.id) + L" can't say why it failed: " + wordsOfCaught());
+    }
+    return {error::exception, makeGenericError(L"the job failed")};
+}
+
+template <class Work>
+void giveUp(const Job& job, const Work& work)
+{
+    try {
+        work();
+    }
+    catch (...) {
+        log::error(L"job " + utils::toWstring(job.id) + L" can't drop what it holds: " + wordsOfCaught());
+    }
+}
+
+/// A tenth more or less, so that jobs which failed together don't come back together.
+std::chrono::milliseconds varied(std::chrono::milliseconds pause)
+{
+    thread_local std::minstd_rand random{std::random_device{}()};
+    return std::chrono::milliseconds(pause.count() * std::uniform_int_distribution<long long>{900, 1100}(random) / 1000);
+}
+
 } // namespace
 
 JobRunner::JobRunner(const JobManagerOptions& options)
-    : m_options(options), m_store(JobStore::at(JobStore::currentPath())), m_events(options.onEvent)
+    : m_options(options), m_store(JobStore::at(JobStore::currentPath())), m_board(options.mayStart), m_events(options.onEvent)
 {}
 
 bool JobRunner::start()
@@ -149,7 +186,7 @@ void JobRunner::abandon()
 
 void JobRunner::add(const std::shared_ptr<IJobEntity>& entity)
 {
-    const Job job{entity->JobId(), entity->GetCreateTime(), entity, accountOf(*entity)};
+    const Job job = jobOf(entity); // the host is asked without the lock
     const std::lock_guard lock(m_addMutex);
     m_store->handedOver(job.id);
     if (m_board.isStopped())
@@ -164,12 +201,74 @@ void JobRunner::add(const std::shared_ptr<IJobEntity>& entity)
         addKnown(job);
 }
 
+Job JobRunner::jobOf(const std::shared_ptr<IJobEntity>& entity)
+{
+    Job job{entity->JobId(), entity->GetCreateTime(), entity, accountOf(*entity), nullptr};
+    job.cancel = std::make_shared<JobCancel>(tokenOf(*entity), [self = weak_from_this()] {
+        if (const auto runner = self.lock())
+            runner->m_board.noteCancelled();
+    });
+    return job;
+}
+
+std::shared_ptr<Interruption> JobRunner::tokenOf(const IJobEntity& entity) const
+{
+    if (!m_options.cancelTokenOf || !m_runsJobs)
+        return nullptr;
+    try {
+        return m_options.cancelTokenOf(entity).interruption();
+    }
+    catch (...) {
+        log::warning(L"the token of a job can't be told, so that it has none: " + wordsOfCaught());
+        return nullptr;
+    }
+}
+
 // The event first: the job may run as soon as the board has it.
-void JobRunner::addKnown(const Job& job)
+void JobRunner::addKnown(const Job& job, unsigned attempts)
 {
     setStatus(job, JobState::Waiting);
     tell(JobEvent::Kind::Added, job, JobState::Waiting);
-    m_board.add(job);
+    m_board.add(job, attempts);
+}
+
+bool JobRunner::remove(const std::string& id)
+{
+    const auto removal = m_board.takeOut(id);
+    if (!removal)
+        return false;
+    removal->job.cancel->request();
+    if (removal->isCallers)
+        drop(removal->job);
+    return true;
+}
+
+bool JobRunner::pause(const std::string& id)
+{
+    const bool isKnown = m_board.pause(id);
+    m_runs.breakOff(id);
+    return isKnown;
+}
+
+std::optional<JobDetails> JobRunner::details(const std::string& id) const
+{
+    const auto standing = m_board.standing(id);
+    if (!standing)
+        return std::nullopt;
+    JobDetails details;
+    details.jobId = id;
+    details.state = standing->isRunning ? JobState::Running : JobState::Waiting;
+    details.isPaused = standing->isPaused;
+    details.attempts = standing->attempts;
+    details.lastFailure = standing->lastFailure;
+    if (standing->restsUntil)
+        details.nextRun = std::chrono::system_clock::now() +
+                          std::chrono::duration_cast<std::chrono::milliseconds>(*standing->restsUntil - JobBoard::Clock::now());
+    if (const auto* const ofFile = dynamic_cast<const IFileJob*>(standing->entity.get())) {
+        details.fileName = ofFile->GetFileName();
+        details.projectId = ofFile->GetProjectId();
+    }
+    return details;
 }
 
 void JobRunner::tell(JobEvent::Kind kind, const Job& job, JobState state, const ErrorCode& error)
@@ -187,27 +286,116 @@ void JobRunner::work()
 
 void JobRunner::run(const Job& job)
 {
-    const JobRun thisRun(m_runs);
-    if (thisRun.isCutOff() || !thisRun.isOf(job.account))
+    const auto meter = m_options.onProgress ? std::make_shared<ProgressMeter>() : nullptr;
+    JobRun thisRun(m_runs, termsOf(job, meter));
+    if (thisRun.isCutOff() || !thisRun.isOf(job.account) || m_board.isPaused(job.id))
         m_board.putBack(job);
+    else if (job.cancel->isRequested())
+        drop(job);
     else
-        runWhole(job, thisRun);
+        runWhole(job, thisRun, meter);
 }
 
-void JobRunner::runWhole(const Job& job, const JobRun& thisRun)
+JobRun::Terms JobRunner::termsOf(const Job& job, const std::shared_ptr<ProgressMeter>& meter) const
+{
+    JobRun::Terms terms{job.id, job.cancel->interruption(), meter, nullptr};
+    if (m_options.onFailure)
+        terms.keeps = [this, &job](const ErrorCode& cause) { return keeps(*job.entity, cause); };
+    return terms;
+}
+
+void JobRunner::runWhole(const Job& job, JobRun& thisRun, const std::shared_ptr<ProgressMeter>& meter)
 {
     setStatus(job, JobState::Running);
     tell(JobEvent::Kind::Started, job, JobState::Running);
-    const Outcome outcome = outcomeOf(job);
+    const Outcome outcome = watchedOutcomeOf(job, meter);
+    const bool mayStay = isKept(job, thisRun, outcome);
     if (isCutOff(job, thisRun, outcome)) {
         setStatus(job, JobState::Waiting);
         tell(JobEvent::Kind::CutOff, job, JobState::Waiting);
         m_board.putBack(job);
         return;
     }
+    if (mayStay)
+        return rest(job, *thisRun.cause());
+    if (outcome.state == JobState::Failed && thisRun.isCancelled())
+        return drop(job);
     setStatus(job, outcome.state);
     dropRow(job);
     tell(JobEvent::Kind::Ended, job, outcome.state, outcome.error);
+    m_board.ended(job);
+}
+
+JobRunner::Outcome JobRunner::watchedOutcomeOf(const Job& job, const std::shared_ptr<ProgressMeter>& meter) const
+{
+    if (!meter)
+        return outcomeOf(job);
+    const ProgressReports reports(meter, [this, &job](const Progress& progress) { m_options.onProgress(*job.entity, progress); });
+    return outcomeOf(job);
+}
+
+// Whoever asked during the run has his answer. A job without a row can't be kept, and one that was cancelled meanwhile isn't.
+bool JobRunner::isKept(const Job& job, JobRun& thisRun, const Outcome& outcome)
+{
+    if (outcome.state != JobState::Failed || !m_options.onFailure || thisRun.isCutOff() || !m_store->contains(job.id).value_or(true))
+        return false;
+    if (!thisRun.cause() && !thisRun.isCancelled())
+        thisRun.isKept(causeOf(job, outcome));
+    return thisRun.cause() && thisRun.isKept(*thisRun.cause()) && !thisRun.isCancelled();
+}
+
+ErrorCode JobRunner::causeOf(const Job& job, const Outcome& outcome)
+{
+    if (!outcome.error.isClear())
+        return outcome.error;
+    setStatus(job, JobState::Failed);
+    return errorInfoOf(job);
+}
+
+bool JobRunner::keeps(const IJobEntity& job, const ErrorCode& cause) const
+{
+    try {
+        return m_options.onFailure(job, cause) == FailedJob::Keep;
+    }
+    catch (...) {
+        log::warning(L"whether a job is kept can't be said, so that it is: " + wordsOfCaught());
+        return true;
+    }
+}
+
+void JobRunner::rest(const Job& job, const ErrorCode& cause)
+{
+    const auto standing = m_board.standing(job.id);
+    const unsigned attempts = standing ? standing->attempts + 1 : 1;
+    m_store->setAttempts(job.id, attempts);
+    setStatus(job, JobState::Waiting);
+    m_board.rest(job, pauseBehind(attempts, cause), cause, [&] { tell(JobEvent::Kind::Kept, job, JobState::Waiting, cause); });
+}
+
+std::chrono::milliseconds JobRunner::pauseBehind(unsigned attempts, const ErrorCode& cause) const
+{
+    using std::chrono::milliseconds;
+    constexpr milliseconds shortest{1};
+    const milliseconds longest = std::clamp<milliseconds>(m_options.longestPause, shortest, std::chrono::hours(24 * 365));
+    milliseconds pause = std::clamp(m_options.firstPause, shortest, longest);
+    for (unsigned i = 1; i < attempts && pause < longest; ++i)
+        pause *= 2;
+    pause = varied(pause);
+    if (const RequestDetails* const details = requestDetails(cause); details && details->retryAfter)
+        pause = std::max<milliseconds>(pause, std::min<std::chrono::seconds>(*details->retryAfter, std::chrono::hours(24 * 365)));
+    return std::min(pause, longest);
+}
+
+void JobRunner::drop(const Job& job)
+{
+    setStatus(job, JobState::Failed);
+    giveUp(job, [&] { job.entity->remove(); });
+    dropRow(job);
+    giveUp(job, [&] {
+        if (auto* const ofFile = dynamic_cast<IFileJob*>(job.entity.get()))
+            ofFile->Cancelled();
+    });
+    tell(JobEvent::Kind::Ended, job, JobState::Failed, cancelledError());
     m_board.ended(job);
 }
 
@@ -243,6 +431,8 @@ void JobRunner::dropRow(const Job& job)
 void JobRunner::watch()
 {
     while (!m_board.waitForStop(watchInterval)) {
+        for (const Job& job : m_board.takeCancelled())
+            drop(job);
         if (m_runsJobs)
             lookForRows();
         else if (claim())
@@ -300,9 +490,10 @@ void JobRunner::load(const JobRow& row)
     const std::shared_ptr<IJobEntity> entity = entityOf(row);
     if (!entity)
         return;
+    const Job job = jobOf(entity);
     const std::lock_guard lock(m_addMutex);
     if (!m_board.knows(row.id) && !m_board.isStopped())
-        addKnown({row.id, row.createTime, entity, row.account});
+        addKnown(job, row.attempts);
 }
 
 bool JobRunner::isExpectedElsewhere(const std::string& id)

@@ -40,6 +40,9 @@ public:
     void abandon();
 
     void add(const std::shared_ptr<IJobEntity>& entity);
+    bool remove(const std::string& id);
+    bool pause(const std::string& id);
+    std::optional<JobDetails> details(const std::string& id) const;
     bool runsJobs() const { return m_runsJobs; }
     JobBoard& board() { return m_board; }
 
@@ -55,10 +58,19 @@ private:
 
     void work();
     void run(const Job& job);
-    void runWhole(const Job& job, const JobRun& thisRun);
+    void runWhole(const Job& job, JobRun& thisRun, const std::shared_ptr<ProgressMeter>& meter);
     bool isCutOff(const Job& job, const JobRun& thisRun, const Outcome& outcome);
+    bool isKept(const Job& job, JobRun& thisRun, const Outcome& outcome);
+    static ErrorCode causeOf(const Job& job, const Outcome& outcome);
     static Outcome outcomeOf(const Job& job);
+    Outcome watchedOutcomeOf(const Job& job, const std::shared_ptr<ProgressMeter>& meter) const;
+    JobRun::Terms termsOf(const Job& job, const std::shared_ptr<ProgressMeter>& meter) const;
+    bool keeps(const IJobEntity& job, const ErrorCode& cause) const;
+    void rest(const Job& job, const ErrorCode& cause);
+    std::chrono::milliseconds pauseBehind(unsigned attempts, const ErrorCode& cause) const;
     void dropRow(const Job& job);
+    /// Ends a job that doesn't run any more, or never has, as cancelled.
+    void drop(const Job& job);
     void tell(JobEvent::Kind kind, const Job& job, JobState state, const ErrorCode& error = {});
 
     void watch();
@@ -69,7 +81,9 @@ private:
     bool isExpectedElsewhere(const std::string& id);
     std::shared_ptr<IJobEntity> entityOf(const JobRow& row);
     void keepRow(const JobRow& row, const wchar_t* reason);
-    void addKnown(const Job& job);
+    Job jobOf(const std::shared_ptr<IJobEntity>& entity);
+    std::shared_ptr<Interruption> tokenOf(const IJobEntity& entity) const;
+    void addKnown(const Job& job, unsigned attempts = 0);
     void dropSpentRows();
 
     const JobManagerOptions m_options;

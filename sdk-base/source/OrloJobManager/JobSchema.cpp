@@ -26,6 +26,13 @@ CREATE TABLE job (
 // Who handed the job over; empty where nobody was signed in, and for rows from before this step.
 constexpr const char* accountColumn = "ALTER TABLE job ADD COLUMN account TEXT NOT NULL DEFAULT ''";
 
+// By rank and without an index, so that whoever reads the pages of a damaged database takes none of its pages for one of the jobs' or of
+// their index.
+constexpr const char* tableOfKept = R"sql(
+CREATE TABLE IF NOT EXISTS kept (rank INTEGER PRIMARY KEY, attempts INTEGER NOT NULL);
+CREATE TRIGGER IF NOT EXISTS keptNoMore AFTER DELETE ON job BEGIN DELETE FROM kept WHERE rank = old.rank; END;
+)sql";
+
 // Another process may have taken the step since: the number is read again inside the transaction.
 void take(SQLite::Database& database, std::size_t step, const char* words)
 {
@@ -80,6 +87,22 @@ bool hasSchema(SQLite::Database& database, const std::vector<const char*>& steps
     SQLite::Database made(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
     migrate(made, {steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(seen)});
     return describe(database) == describe(made);
+}
+
+void addTableOfKept(SQLite::Database& database)
+{
+    database.exec(tableOfKept);
+}
+
+bool hasTableOfKept(SQLite::Database& database)
+{
+    return database.execAndGet("SELECT count(*) FROM pragma_table_info('kept') WHERE name IN ('rank', 'attempts')").getInt() == 2;
+}
+
+bool isTableOfKeptSound(SQLite::Database& database)
+{
+    return database.execAndGet("SELECT count(*) FROM sqlite_master WHERE type = 'trigger' AND name = 'keptNoMore'").getInt() == 0 ||
+           hasTableOfKept(database);
 }
 
 const std::vector<const char*>& jobSchemaSteps()

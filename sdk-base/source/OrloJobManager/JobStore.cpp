@@ -117,6 +117,11 @@ std::optional<bool> JobStore::contains(const std::string& id)
     return result;
 }
 
+bool JobStore::setAttempts(const std::string& id, unsigned attempts)
+{
+    return attempt(L"can't note an attempt", [&](JobDatabase& database) { database.setAttempts(id, attempts); });
+}
+
 std::optional<std::vector<JobRow>> JobStore::rowsAfter(std::int64_t rank, std::size_t atMost)
 {
     std::optional<std::vector<JobRow>> result;

@@ -50,6 +50,7 @@ public:
     bool erase(const std::string& id);
     /// Empty where the database can't be read.
     std::optional<bool> contains(const std::string& id);
+    bool setAttempts(const std::string& id, unsigned attempts);
     std::optional<std::vector<JobRow>> rowsAfter(std::int64_t rank, std::size_t atMost);
     /// Asked for again and again, by one thread at a time, so a failure is told once until it is another one.
     std::optional<Mark> mark();

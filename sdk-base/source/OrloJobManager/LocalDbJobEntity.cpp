@@ -64,6 +64,18 @@ bool LocalDbJobEntity::isRunCutOff()
     return run && run->isCutOff();
 }
 
+bool LocalDbJobEntity::isRunCancelled()
+{
+    const JobRun* const run = JobRun::current();
+    return run && run->isCancelled();
+}
+
+bool LocalDbJobEntity::isRunKept(const ErrorCode& cause)
+{
+    JobRun* const run = JobRun::current();
+    return run && run->isKept(cause);
+}
+
 std::string LocalDbJobEntity::account() const
 {
     return m_account.value_or(std::string());

@@ -35,6 +35,13 @@ protected:
     /// Whether the run that this thread is in was cut off: by the end of the process, by Stop, or because whoever was signed in when it
     /// began has gone. What fails then is no outcome, and a Run that gives false and leaves the row alone is done again.
     static bool isRunCutOff();
+    /// Whether the host wants the job no more, which breaks its run off. What fails then ends the job, as cancelled.
+    static bool isRunCancelled();
+    /// Whether the host wants the job to run again, now that this run has failed: JobManagerOptions::onFailure is asked, once for each run.
+    /// A Run that hears yes gives false, and leaves the row and whatever the next run needs. For a Run that doesn't ask the manager does,
+    /// behind it.
+    /// cause: what the step that failed gave.   Returns: false outside of a run, and of one that was cancelled.
+    static bool isRunKept(const ErrorCode& cause);
 
 private:
     /// Where the row was written, so that it can be deleted there whatever the place of the moment is.

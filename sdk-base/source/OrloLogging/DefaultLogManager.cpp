@@ -4,6 +4,7 @@
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
+#include <OrloLogging/NotOnTerminal.h>
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/rotating_file_sink.h>
@@ -79,12 +80,21 @@ std::shared_ptr<spdlog::logger> makeLogger(std::vector<spdlog::sink_ptr> sinks)
     return logger;
 }
 
-spdlog::sink_ptr stderrSink()
+/// Beside a file some lines may be left out; where stderr is all there is, it gets them all.
+class StderrSink : public spdlog::sinks::stderr_sink_mt
 {
-    auto sink = std::make_shared<spdlog::sinks::stderr_sink_mt>();
-    sink->set_level(spdlog::level::warn);
-    return sink;
-}
+public:
+    explicit StderrSink(bool hasFile) : m_hasFile(hasFile) { set_level(spdlog::level::warn); }
+
+    void log(const spdlog::details::log_msg& message) override
+    {
+        if (!m_hasFile || !log::NotOnTerminal::isInForce())
+            spdlog::sinks::stderr_sink_mt::log(message);
+    }
+
+private:
+    const bool m_hasFile;
+};
 
 std::wstring logFile(const std::wstring& folder, std::size_t number)
 {
@@ -163,7 +173,7 @@ std::shared_ptr<spdlog::logger> DefaultLogManager::loggerForNow()
 void DefaultLogManager::open(const std::wstring& folder)
 {
     const bool sayWhy = !m_logger || folder != m_folder;
-    std::vector<spdlog::sink_ptr> sinks{stderrSink()};
+    std::vector<spdlog::sink_ptr> sinks;
     m_folder = folder;
     m_hasFile = false;
     try {
@@ -173,6 +183,7 @@ void DefaultLogManager::open(const std::wstring& folder)
     catch (const std::exception&) {
         m_retryAt = Clock::now() + pauseAfterFailure;
     }
+    sinks.push_back(std::make_shared<StderrSink>(m_hasFile));
     m_logger = makeLogger(std::move(sinks));
     if (!m_hasFile && sayWhy)
         m_logger->warn(toLine(L"no log file in \"" + folder + L"\", the log goes to stderr only"));

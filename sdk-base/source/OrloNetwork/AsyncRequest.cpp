@@ -1,5 +1,6 @@
 // What the asynchronous requests share: their log lines and the end of their chains.
 
+#include "RequestNote.h"
 #include "Retry/TransportCode.h"
 #include "WebRequest.h"
 
@@ -75,7 +76,7 @@ void report(const std::shared_ptr<OrloCallbackContext>& context, const std::stri
     const utils::Caught caught = utils::caught();
     const std::wstring text = wordsWithoutAddress(caught);
     const int code = transportCodeOfCaught().value_or(caught.code);
-    errorCode.Assign(error::exception, makeHttpError(L"generic exception", text, code, 0));
+    errorCode.Assign(error::exception, errorOfCaught(L"generic exception", text, code));
     log::errorAt(ORLO_HERE(handlesException), utils::toWstring(stage) + L" - exception caught: message[" + text + L"]");
     if (!context)
         return;

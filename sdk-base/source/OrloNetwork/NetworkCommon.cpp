@@ -1,22 +1,22 @@
 #include "NetworkCommon.h"
 
+#include "RequestNote.h"
+#include "Retry/Attempts.h"
+#include "Retry/Patience.h"
 #include "Retry/TransportCode.h"
 
 #include <BaseCommon/Caught.h>
 #include <BaseCommon/ErrorInfoManager.h>
 #include <BaseCommon/Interruption.h>
 #include <OrloLogging/Log.h>
+#include <OrloLogging/NotOnTerminal.h>
 
-#include <atomic>
 #include <chrono>
 #include <thread>
 
 namespace orlo::http {
 
 namespace {
-
-std::atomic<unsigned> retryLimit{RetryPolicy{}.limit};
-std::atomic<unsigned> retryInterval{RetryPolicy{}.intervalSeconds};
 
 void logCaught(const CallSite& site, const std::wstring& message)
 {
@@ -36,13 +36,13 @@ void attemptOnce(ErrorCode& errorCode, const std::function<void()>& attempt)
             return logCaught(ORLO_HERE(function), L"unknown exception occurred");
         }
         const int code = transportCodeOfCaught().value_or(caught.code);
-        errorCode.Assign(error::exception, makeHttpError(L"generic exception", caught.text, code, 0));
+        errorCode.Assign(error::exception, errorOfCaught(L"generic exception", caught.text, code));
         logCaught(ORLO_HERE(function), L"A generic exception caught: message[" + caught.text + L"]");
     }
 }
 
 /// Returns: whether the work still goes on.
-bool pause(std::chrono::seconds length)
+bool pause(std::chrono::milliseconds length)
 {
     if (const auto interruption = Interruption::current())
         return !interruption->waitFor(length);
@@ -80,22 +80,6 @@ bool isTransientTransportFailure(const HttpError& failure)
 
 } // namespace
 
-void setRetryPolicy(const RetryPolicy& policy)
-{
-    retryLimit = policy.limit;
-    retryInterval = policy.intervalSeconds;
-}
-
-unsigned int getRetryLimitation()
-{
-    return retryLimit;
-}
-
-unsigned int getRetryInterval()
-{
-    return retryInterval;
-}
-
 bool CalculateIsNeedRetryRequest(const HttpError* httpError, ErrorCode&)
 {
     if (!httpError)
@@ -109,23 +93,27 @@ namespace detail {
 
 void attemptWithRetry(ErrorCode& errorCode, const std::function<void()>& attempt)
 {
-    const unsigned limit = getRetryLimitation();
-    const std::chrono::seconds interval(getRetryInterval());
+    const Patience patience = Patience::now();
+    const auto attempts = std::make_shared<Attempts>();
+    const Attempts::Scope scope(attempts);
     unsigned repeated = 0;
     while (true) {
         errorCode.Clear();
+        attempts->begin();
         attemptOnce(errorCode, attempt);
         const auto failure = std::dynamic_pointer_cast<HttpError>(errorCode.GetCategory());
-        if (!failure || repeated == limit || !CalculateIsNeedRetryRequest(failure.get(), errorCode))
+        if (!failure || repeated == patience.limit || !CalculateIsNeedRetryRequest(failure.get(), errorCode))
             break;
         ++repeated;
         log::warning(L"OrloNetworkRetry::SendNormalRequestWithRetry - retry attempts[" + std::to_wstring(repeated) + L"]");
-        if (!pause(interval))
+        if (!pause(patience.pauseBefore(repeated, errorCode)))
             break;
     }
     // Intended: a call that succeeds with its very last attempt is reported as exhausted all the same.
-    if (repeated == limit)
+    if (repeated == patience.limit) {
+        const log::NotOnTerminal quiet(errorCode.isClear());
         reportExhausted();
+    }
 }
 
 } // namespace detail

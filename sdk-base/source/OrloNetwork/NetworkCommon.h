@@ -4,8 +4,10 @@
 #include <BaseCommon/HttpMessage.h>
 #include <OrloNetwork/Export.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -22,6 +24,21 @@ struct RetryPolicy
 ORLO_NETWORK_API void setRetryPolicy(const RetryPolicy& policy);
 ORLO_NETWORK_API unsigned int getRetryLimitation();
 ORLO_NETWORK_API unsigned int getRetryInterval();
+
+/// Pauses that grow, instead of the interval of the RetryPolicy, whose limit holds all the same.
+struct BackoffPolicy
+{
+    std::chrono::milliseconds firstPause{500};
+    double factor = 2; ///< from one pause to the next; at least 1
+    std::chrono::milliseconds longestPause{30000};
+    /// 0 to 1: up to so much of each pause is left out, at random, so that many clients don't come back all at once.
+    double jitter = 0.5;
+    /// A pause that the platform asks for (Retry-After, in seconds or as a date) is made as it says; but none beyond the longest.
+    bool heedsRetryAfter = true;
+};
+
+/// Takes effect for calls that start afterwards; none: the interval again, which is the default.   Threads: any.
+ORLO_NETWORK_API void setBackoffPolicy(const std::optional<BackoffPolicy>& policy);
 
 /// Whether a failure deserves another attempt: the statuses 408, 429, 500, 502, 503 and 504, and failures of the
 /// transport (connect, reset, time-out). Other statuses, refused certificates and answers that can't be read do not.

@@ -4,8 +4,10 @@
 #include "Body/JsonText.h"
 #include "Body/SinkBuffer.h"
 #include "Engine/EngineStage.h"
+#include "Engine/ProxyAddress.h"
 #include "Lifetime/Operation.h"
 #include "Lifetime/WorkPermit.h"
+#include "RequestNote.h"
 
 #include <BaseCommon/Files.h>
 #include <BaseCommon/NativeText.h>
@@ -13,8 +15,6 @@
 #include <BaseCommon/Text.h>
 #include <OrloAuth/UserSession.h>
 #include <OrloCommon/OrloConfigManager.h>
-
-#include <cpprest/uri_builder.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -35,16 +35,31 @@ constexpr int wholeCall = 5;
 
 void takeProxy(const std::wstring& proxy, http::Route& route)
 {
-    const web::uri address(utils::toNative(proxy));
-    route.proxy = utils::fromNativeToUtf8(web::uri_builder(address).set_user_info(utility::string_t()).to_uri().to_string());
-    const std::string user = utils::fromNativeToUtf8(address.user_info());
-    const std::size_t colon = std::min(user.find(':'), user.size());
-    const auto decoded = [](const std::string& text) { return utils::fromNativeToUtf8(web::uri::decode(utils::toNative(text))); };
-    route.proxyUser = decoded(user.substr(0, colon));
-    route.proxyPassword = decoded(user.substr(std::min(colon + 1, user.size())));
+    const http::ProxyAddress address = http::readProxyAddress(proxy);
+    route.proxy = address.url;
+    route.proxyUser = address.user;
+    route.proxyPassword = address.password;
 }
 
-std::shared_ptr<const http::Route> routeOf(const http_client_config& config, Traffic traffic)
+std::chrono::microseconds asTimeout(int seconds)
+{
+    return std::chrono::seconds(seconds);
+}
+
+/// How long files may take is the host's to say; without that they take the time-out of all requests, for each pause.
+void takePatience(const OrloConfig& host, http::Route& route)
+{
+    if (!route.isOfFiles) {
+        route.wholeTime = wholeCall * route.timeout;
+        return;
+    }
+    if (host.stallTimeoutSeconds > 0)
+        route.timeout = asTimeout(host.stallTimeoutSeconds);
+    if (host.transferTimeoutSeconds > 0)
+        route.wholeTime = asTimeout(host.transferTimeoutSeconds);
+}
+
+std::shared_ptr<const http::Route> routeOf(const http_client_config& config, Traffic traffic, std::shared_ptr<RequestNote> note)
 {
     using std::chrono::microseconds;
     constexpr microseconds year = std::chrono::hours(365 * 24);
@@ -52,8 +67,8 @@ std::shared_ptr<const http::Route> routeOf(const http_client_config& config, Tra
     const auto route = std::make_shared<http::Route>();
     route->timeout = std::min(config.timeout<microseconds>(), year);
     route->isOfFiles = traffic == Traffic::files || traffic == Traffic::filesOfBatch;
-    if (!route->isOfFiles)
-        route->wholeTime = wholeCall * route->timeout;
+    takePatience(*host, *route);
+    route->note = std::move(note);
     route->keepsConnections = traffic == Traffic::filesOfBatch || (traffic != Traffic::changes && host->keepConnections);
     if (!host->proxy.empty())
         takeProxy(host->proxy, *route);
@@ -111,13 +126,14 @@ std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri)
     return CreateClient(baseUri, config);
 }
 
-std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri, http_client_config& config, Traffic traffic)
+std::shared_ptr<http_client> CreateClient(const std::wstring& baseUri, http_client_config& config, Traffic traffic,
+                                          std::shared_ptr<RequestNote> note)
 {
     // From here on the end of the process knows of requests.
     if (const http::WorkPermit permit; !permit)
         throw std::runtime_error("the process ends");
     config.set_max_redirects(0);
-    const auto route = routeOf(config, traffic);
+    const auto route = routeOf(config, traffic, std::move(note));
     // It would be cut there without a word.
     if (utils::holdsNul(baseUri))
         throw std::invalid_argument("an address can't hold a NUL");
@@ -141,16 +157,22 @@ std::shared_ptr<http_request> CreateRequest(const web::http::method& method, con
     return request;
 }
 
-http_response SendAndWait(http_client& client, const http_request& request)
-{
+http_response SendAndWait(http_client& client, const http_request& request, const RequestNote* note)
+try {
     const http::CarriedHere here;
     http_response response = client.request(request, http::Operation::token()).get();
     // content_ready would go through a thread of cpprestsdk's pool.
     pplx::create_task(response._get_impl()->_get_data_available()).get();
+    http::tellEnd(request, note, response.status_code());
     return response;
 }
+catch (...) {
+    http::tellFailure(request, note);
+    throw;
+}
 
-http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode, std::size_t limit)
+http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_request>& request, ErrorCode& errorCode, std::size_t limit,
+                             const RequestNote* note)
 {
     const auto body = std::make_shared<std::string>();
     request->set_response_stream(http::SinkBuffer::stream(
@@ -160,10 +182,10 @@ http_response ExecuteRequest(http_client& client, const std::shared_ptr<http_req
             body->append(reinterpret_cast<const char*>(bytes), count);
         },
         http::SinkBuffer::Place::inPlace));
-    http_response response = SendAndWait(client, *request);
+    http_response response = SendAndWait(client, *request, note);
 
     if (response.status_code() >= 400)
-        errorCode.Assign(error::errorStatus, makeHttpError(L"HttpError", TextOf(response, *body), response.status_code(), 0));
+        errorCode.Assign(error::errorStatus, http::errorOfStatus(*request, note, response, TextOf(response, *body)));
     // An answer that names no content type is taken for JSON; the type given here fills that gap only.
     response.set_body(std::move(*body), "application/json");
     return response;

@@ -26,7 +26,13 @@ private:
     std::wstring m_accountId;
 };
 
+namespace http {
+struct RequestNote;
+}
+
 namespace OrloWebService {
+
+using http::RequestNote;
 
 /// What the requests of a client carry.
 enum class Traffic {
@@ -42,10 +48,13 @@ constexpr std::size_t largestErrorBody = std::size_t{1} << 20;
 /// A client for one request. It follows no redirects, which would carry the access token to another host, verifies
 /// certificates always, and uses the proxy and the certificate file of the configuration. The time-out of the config is how long a request
 /// may go without any headway: nothing looked up, connected, sent or received.
+/// note: of its request, for what is told of a failure; null: nothing but the words.
 /// Throws std::invalid_argument for an empty or unusable address, and std::runtime_error once the process ends.
 ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri);
-ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client>
-CreateClient(const std::wstring& baseUri, web::http::client::http_client_config& config, Traffic traffic = Traffic::calls);
+ORLO_NETWORK_API std::shared_ptr<web::http::client::http_client> CreateClient(const std::wstring& baseUri,
+                                                                              web::http::client::http_client_config& config,
+                                                                              Traffic traffic = Traffic::calls,
+                                                                              std::shared_ptr<RequestNote> note = nullptr);
 
 /// A request with the user's identity in its headers. A null body means no body. A request is sent once; another
 /// attempt makes another one. Throws for a path that is no valid URI and for a token that fits no header.
@@ -56,7 +65,8 @@ ORLO_NETWORK_API std::shared_ptr<web::http::http_request> CreateRequest(const we
 
 /// Sends the request on this thread, and returns when all of the answer is in the request's response stream. Throws on a transport failure,
 /// and what the stream throws.
-ORLO_NETWORK_API web::http::http_response SendAndWait(web::http::client::http_client& client, const web::http::http_request& request);
+ORLO_NETWORK_API web::http::http_response SendAndWait(web::http::client::http_client& client, const web::http::http_request& request,
+                                                      const RequestNote* note = nullptr);
 
 /// No answer of the REST services comes near this; beyond it an answer is taken for an attack on the memory.
 constexpr std::size_t largestAnswer = std::size_t{128} << 20;
@@ -66,7 +76,7 @@ constexpr std::size_t largestAnswer = std::size_t{128} << 20;
 /// and std::length_error for a body of more than `limit` bytes, of which no more than those are read into memory.
 ORLO_NETWORK_API web::http::http_response ExecuteRequest(web::http::client::http_client& client,
                                                          const std::shared_ptr<web::http::http_request>& request, ErrorCode& errorCode,
-                                                         std::size_t limit = largestAnswer);
+                                                         std::size_t limit = largestAnswer, const RequestNote* note = nullptr);
 
 /// The bytes of an answer that ExecuteRequest returned.
 ORLO_NETWORK_API std::string ReadBody(const web::http::http_response& response);

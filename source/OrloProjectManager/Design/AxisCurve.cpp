@@ -4,6 +4,8 @@
 #include "JsonSink.h"
 #include "Point3dMath.h"
 
+#include <BaseCommon/NeverDestroyed.h>
+
 namespace orlo {
 
 IAxisCurve::IAxisCurve() = default;
@@ -31,37 +33,47 @@ CurveType IAxisArc::GetCurveType() const
 
 namespace {
 
-const std::string curveTypeKey = "curveType";
-const std::string curveIdKey = "id";
-const std::string curveNameKey = "name";
-const std::string startTagVisKey = "startTagVis";
-const std::string endTagVisKey = "endTagVis";
-const std::string extKey = "ext";
-const std::string startExtKey = "startExt";
-const std::string endExtKey = "endExt";
-const std::string lenKey = "len";
-const std::string dirKey = "dir";
-const std::string curveKey = "curve";
-const std::string startPtKey = "startPt";
-const std::string endPtKey = "endPt";
-const std::string middlePtKey = "middlePt";
-
-/// The lengths and heights that read as 0 where they are missing, in the order in which they are stored.
+/// One of the lengths and heights that read as 0 where they are missing.
 struct Length
 {
     std::string key;
     double AxisCurveState::*member;
 };
 
-const Length lengths[] = {
-    {"startElbowLength", &AxisCurveState::startElbowLength},
-    {"endElbowLength", &AxisCurveState::endElbowLength},
-    {"verticalMin", &AxisCurveState::verticalMin},
-    {"verticalMax", &AxisCurveState::verticalMax},
-    {"diameter", &AxisCurveState::diameter},
-    {"min", &AxisCurveState::min},
-    {"max", &AxisCurveState::max},
+struct CurveKeys
+{
+    const std::string type = "curveType";
+    const std::string id = "id";
+    const std::string name = "name";
+    const std::string startTagVis = "startTagVis";
+    const std::string endTagVis = "endTagVis";
+    const std::string ext = "ext";
+    const std::string startExt = "startExt";
+    const std::string endExt = "endExt";
+    const std::string len = "len";
+    const std::string dir = "dir";
+    const std::string curve = "curve";
+    const std::string startPt = "startPt";
+    const std::string endPt = "endPt";
+    const std::string middlePt = "middlePt";
+    /// In the order in which they are stored.
+    const Length lengths[7] = {
+        {"startElbowLength", &AxisCurveState::startElbowLength},
+        {"endElbowLength", &AxisCurveState::endElbowLength},
+        {"verticalMin", &AxisCurveState::verticalMin},
+        {"verticalMax", &AxisCurveState::verticalMax},
+        {"diameter", &AxisCurveState::diameter},
+        {"min", &AxisCurveState::min},
+        {"max", &AxisCurveState::max},
+    };
 };
+
+/// Curves are read and written outside of all frames: nothing waits for a thread of the host's that does it while main returns.
+const CurveKeys& curveKeys()
+{
+    static const auto& keys = utils::neverDestroyed(new const CurveKeys);
+    return keys;
+}
 
 bool readText(const JsonWrapper& in, const std::string& key, std::wstring& text)
 {
@@ -105,34 +117,36 @@ bool readPoint(const JsonWrapper& in, const std::string& key, Point3d& point)
 CurveType storedCurveType(const JsonWrapper& in)
 {
     std::wstring text;
-    return readText(in, curveTypeKey, text) ? curveTypeTexts().valueOf(text) : CurveType::Line;
+    return readText(in, curveKeys().type, text) ? curveTypeTexts().valueOf(text) : CurveType::Line;
 }
 
 template <class Out>
 bool AxisCurveState::write(Out& out, CurveType type) const
 {
-    out.Add(curveTypeKey, utils::toString(curveTypeTexts().textOf(type)));
-    out.Add(curveIdKey, utils::toString(id));
-    out.Add(curveNameKey, utils::toString(name));
-    out.AddBool(startTagVisKey, startTagVis);
-    out.AddBool(endTagVisKey, endTagVis);
-    bool isWhole = out.Add(startExtKey, startExt);
-    isWhole = out.Add(endExtKey, endExt) && isWhole;
-    for (const Length& length : lengths)
+    const CurveKeys& keys = curveKeys();
+    out.Add(keys.type, utils::toString(curveTypeTexts().textOf(type)));
+    out.Add(keys.id, utils::toString(id));
+    out.Add(keys.name, utils::toString(name));
+    out.AddBool(keys.startTagVis, startTagVis);
+    out.AddBool(keys.endTagVis, endTagVis);
+    bool isWhole = out.Add(keys.startExt, startExt);
+    isWhole = out.Add(keys.endExt, endExt) && isWhole;
+    for (const Length& length : keys.lengths)
         isWhole = out.Add(length.key, this->*length.member) && isWhole;
     return isWhole;
 }
 
 bool AxisCurveState::read(const JsonWrapper& in, CurveType type)
 {
-    if (storedCurveType(in) != type || !readText(in, curveIdKey, id) || !readText(in, curveNameKey, name))
+    const CurveKeys& keys = curveKeys();
+    if (storedCurveType(in) != type || !readText(in, keys.id, id) || !readText(in, keys.name, name))
         return false;
-    startTagVis = readOr<bool>(&JsonWrapper::GetBool, in, startTagVisKey, false);
-    endTagVis = readOr<bool>(&JsonWrapper::GetBool, in, endTagVisKey, false);
-    const double ext = readNumberOr(in, extKey, 3000.0); // older writers told one length for both ends
-    startExt = readNumberOr(in, startExtKey, ext);
-    endExt = readNumberOr(in, endExtKey, ext);
-    for (const Length& length : lengths)
+    startTagVis = readOr<bool>(&JsonWrapper::GetBool, in, keys.startTagVis, false);
+    endTagVis = readOr<bool>(&JsonWrapper::GetBool, in, keys.endTagVis, false);
+    const double ext = readNumberOr(in, keys.ext, 3000.0); // older writers told one length for both ends
+    startExt = readNumberOr(in, keys.startExt, ext);
+    endExt = readNumberOr(in, keys.endExt, ext);
+    for (const Length& length : keys.lengths)
         this->*length.member = readNumberOr(in, length.key, 0.0);
     return true;
 }
@@ -143,20 +157,22 @@ bool AxisLine::tell(Out& out) const
     const bool isWhole = writeShared(out) && isFinite(m_startPt) && isFinite(m_endPt);
     // Both are told as the points give them, whatever direction the line was given.
     Point3d dir = m_endPt - m_startPt;
-    out.Add(lenKey, dir.length());
+    out.Add(curveKeys().len, dir.length());
     dir.normalize();
-    addPoint(out, dirKey, dir);
-    addObject(out, curveKey, [this](Out& curve) {
-        addPoint(curve, startPtKey, m_startPt);
-        addPoint(curve, endPtKey, m_endPt);
+    addPoint(out, curveKeys().dir, dir);
+    addObject(out, curveKeys().curve, [this](Out& curve) {
+        addPoint(curve, curveKeys().startPt, m_startPt);
+        addPoint(curve, curveKeys().endPt, m_endPt);
     });
     return isWhole;
 }
 
 bool AxisLine::DeserializeFromJson(const JsonWrapper& in)
 {
+    const CurveKeys& keys = curveKeys();
     JsonWrapper curve;
-    if (!readShared(in) || !in.Get(curveKey, curve) || !readPoint(curve, startPtKey, m_startPt) || !readPoint(curve, endPtKey, m_endPt))
+    if (!readShared(in) || !in.Get(keys.curve, curve) || !readPoint(curve, keys.startPt, m_startPt) ||
+        !readPoint(curve, keys.endPt, m_endPt))
         return false;
     m_dir = m_endPt - m_startPt;
     m_len = m_dir.length();
@@ -168,23 +184,24 @@ template <class Out>
 bool AxisArc::tell(Out& out) const
 {
     const bool isWhole = writeShared(out) && isFinite(m_startPt) && isFinite(m_endPt) && isFinite(m_middlePt);
-    addObject(out, curveKey, [this](Out& curve) {
-        addPoint(curve, startPtKey, m_startPt);
-        addPoint(curve, endPtKey, m_endPt);
-        addPoint(curve, middlePtKey, m_middlePt);
+    addObject(out, curveKeys().curve, [this](Out& curve) {
+        addPoint(curve, curveKeys().startPt, m_startPt);
+        addPoint(curve, curveKeys().endPt, m_endPt);
+        addPoint(curve, curveKeys().middlePt, m_middlePt);
     });
     return isWhole;
 }
 
 bool AxisArc::DeserializeFromJson(const JsonWrapper& in)
 {
+    const CurveKeys& keys = curveKeys();
     if (!readShared(in))
         return false;
     JsonWrapper curve;
-    if (in.Get(curveKey, curve)) {
-        readPoint(curve, startPtKey, m_startPt);
-        readPoint(curve, endPtKey, m_endPt);
-        readPoint(curve, middlePtKey, m_middlePt);
+    if (in.Get(keys.curve, curve)) {
+        readPoint(curve, keys.startPt, m_startPt);
+        readPoint(curve, keys.endPt, m_endPt);
+        readPoint(curve, keys.middlePt, m_middlePt);
     }
     return true;
 }

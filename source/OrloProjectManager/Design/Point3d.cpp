@@ -2,17 +2,28 @@
 
 #include <BaseCommon/JsonWrapper.h>
 #include <BaseCommon/JsonWriter.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <OrloProjectManager/Design/Point3d.h>
 
 #include <cmath>
+#include <string>
 
 namespace orlo {
 
 namespace {
 
-const std::string xKey = "x";
-const std::string yKey = "y";
-const std::string zKey = "z";
+struct CoordinateKeys
+{
+    const std::string x = "x";
+    const std::string y = "y";
+    const std::string z = "z";
+};
+
+const CoordinateKeys& coordinateKeys()
+{
+    static const auto& keys = utils::neverDestroyed(new const CoordinateKeys);
+    return keys;
+}
 
 } // namespace
 
@@ -46,9 +57,10 @@ bool Point3d::SerializeToJson(JsonWrapper& out) const
 template <class Out>
 void addCoordinates(Out& out, const Point3d& point)
 {
-    out.Add(xKey, point.x);
-    out.Add(yKey, point.y);
-    out.Add(zKey, point.z);
+    const CoordinateKeys& keys = coordinateKeys();
+    out.Add(keys.x, point.x);
+    out.Add(keys.y, point.y);
+    out.Add(keys.z, point.z);
 }
 
 template void addCoordinates(JsonWrapper& out, const Point3d& point);
@@ -56,7 +68,8 @@ template void addCoordinates(JsonWriter& out, const Point3d& point);
 
 bool Point3d::DeserializeFromJson(const JsonWrapper& in)
 {
-    return in.Get(xKey, x) && in.Get(yKey, y) && in.Get(zKey, z);
+    const CoordinateKeys& keys = coordinateKeys();
+    return in.Get(keys.x, x) && in.Get(keys.y, y) && in.Get(keys.z, z);
 }
 
 Point3d operator-(const Point3d& a, const Point3d& b)

@@ -2,10 +2,12 @@
 #include "../Frame/Retried.h"
 #include "../NetworkProject/Design/ConfigWeb.h"
 #include "../Projects/Project.h"
+#include "AxisCurve.h"
 #include "AxisGrid.h"
 
 #include <BaseCommon/Text.h>
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -20,13 +22,23 @@ bool isOfVersion(const std::shared_ptr<IAxisGrid>& grid, int version)
     return grid && grid->GetVersion() == version;
 }
 
+/// Whether nothing in it is of a class of the host's, which may have reasons of its own.
+bool isOurs(const IAxisGrid& grid)
+{
+    if (!dynamic_cast<const AxisGrid*>(&grid))
+        return false;
+    const std::vector<IAxisCurve*> curves = grid.GetCurves();
+    return std::all_of(curves.begin(), curves.end(), [](const IAxisCurve* curve) { return dynamic_cast<const IStoredCurve*>(curve); });
+}
+
 std::string documentOf(IAxisGrid* grid)
 {
     if (!grid)
         throw std::invalid_argument("the axis grid is null");
     if (auto document = axisGridDocument(*grid))
         return *document;
-    throw std::invalid_argument("the axis grid holds a number that is not finite");
+    throw std::invalid_argument(isOurs(*grid) ? "the axis grid holds a number that is not finite"
+                                              : "the axis grid couldn't be written whole");
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "JobOutcome.h"
 
+#include <BaseCommon/Caught.h>
+
 namespace orlo {
 
 void JobOutcome::set(bool success, int status, const std::wstring& message)
@@ -13,9 +15,19 @@ bool JobOutcome::fail(const ErrorCode& error)
     return false;
 }
 
+void JobOutcome::cancel()
+{
+    std::call_once(m_once, [&] {
+        m_isCancelled = true;
+        m_promise.set_value(PromiseData(false, utils::Caught::known, cancelledError().GetErrorMessage()));
+    });
+}
+
 ErrorCode JobOutcome::asErrorCode() const
 {
     const PromiseData outcome = m_future.get();
+    if (m_isCancelled)
+        return cancelledError();
     return {error::exception, makeHttpError(L"httpError", outcome.message, outcome.status, 0)};
 }
 

@@ -1,6 +1,5 @@
 #include "UploadFileJobEntity.h"
 
-#include "../Transfer/CollaborationFileManager.h"
 #include "JobFields.h"
 
 #include <BaseCommon/Text.h>
@@ -63,32 +62,31 @@ std::string UploadFileJobEntity::GetJobTypeKey() const
     return jobTypeKey;
 }
 
+template <class Self, class Visit>
+void UploadFileJobEntity::eachField(Self& self, const Visit& visit)
+{
+    visit("createTime", self.m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.");
+    visit("projectId", self.m_projectId, L"parse cloudify m_projectId failed.");
+    visit("fileName", self.m_fileName, L"parse cloudify m_fileName failed.");
+    visit("fileId", self.m_fileId, L"parse cloudify m_fileId failed.");
+    visit("folderId", self.m_folderId, L"parse cloudify m_folderId failed.");
+    visit("localFilePath", self.m_localFilePath, L"parse cloudify m_localFilePath failed.");
+    visit("dsId", self.m_dsId, L"parse cloudify m_localFilePath failed."); // with the word of the key before, on purpose
+    visit("dsVersion", self.m_dsVersion, L"parse cloudify m_dsVersion failed.");
+}
+
 bool UploadFileJobEntity::fromJsonForCloudify(const JsonWrapper& document)
 {
-    return JobFieldReader(document, ORLO_HERE("orlo::UploadFileJobEntity::fromJsonForCloudify"))
-        .read("createTime", m_jobCreateTime, L"parse cloudify m_jobCreateTime failed.")
-        .read("projectId", m_projectId, L"parse cloudify m_projectId failed.")
-        .read("fileName", m_fileName, L"parse cloudify m_fileName failed.")
-        .read("fileId", m_fileId, L"parse cloudify m_fileId failed.")
-        .read("folderId", m_folderId, L"parse cloudify m_folderId failed.")
-        .read("localFilePath", m_localFilePath, L"parse cloudify m_localFilePath failed.")
-        .read("dsId", m_dsId, L"parse cloudify m_localFilePath failed.") // with the word of the key before, on purpose
-        .read("dsVersion", m_dsVersion, L"parse cloudify m_dsVersion failed.")
-        .good();
+    JobFieldReader reader(document, ORLO_HERE("orlo::UploadFileJobEntity::fromJsonForCloudify"));
+    eachField(*this, [&](const char* key, auto& field, const wchar_t* words) { reader.read(key, field, words); });
+    return reader.good();
 }
 
 std::string UploadFileJobEntity::ToJson() const
 {
-    return JobFields()
-        .add("createTime", static_cast<long long>(GetCreateTime()))
-        .add("projectId", m_projectId)
-        .add("fileName", m_fileName)
-        .add("fileId", m_fileId)
-        .add("folderId", m_folderId)
-        .add("localFilePath", m_localFilePath)
-        .add("dsId", m_dsId)
-        .add("dsVersion", m_dsVersion)
-        .toJson(JobId());
+    JobFields fields;
+    eachField(*this, [&](const char* key, const auto& field, const wchar_t*) { fields.add(key, field); });
+    return fields.toJson(JobId());
 }
 
 bool UploadFileJobEntity::operator<(const IJobEntity& other) const
@@ -111,17 +109,25 @@ bool UploadFileJobEntity::upload(ErrorCode& error)
     CollaborationFileManager* const files = fileManager();
     if (!files)
         return missing(className, L"ICollaborationFileManager is null");
+    if (!wasKept())
+        m_upload = {};
     return m_isFile ? uploadFile(*files, error) : uploadTemplate(error);
 }
 
 bool UploadFileJobEntity::uploadFile(CollaborationFileManager& files, ErrorCode& error)
 {
-    const std::shared_ptr<ICollaborationFile> file = m_fileId.empty()
-                                                         ? files.UploadFileByArkiv(m_folderId, m_localFilePath, error)
-                                                         : files.UpdateFileByArkiv(m_fileId, m_folderId, m_localFilePath, error);
-    if (!file || (!m_dsId.empty() && !bindToDataset(*file, error)))
-        return fail(error);
+    if (!m_upload.file)
+        m_upload.file = m_fileId.empty() ? files.UploadFileByArkiv(m_folderId, m_localFilePath, m_upload, error)
+                                         : files.UpdateFileByArkiv(m_fileId, m_folderId, m_localFilePath, m_upload, error);
+    if (!m_upload.file || (!m_dsId.empty() && !bindToDataset(*m_upload.file, error)))
+        return failUpload(error);
     return succeed(L"upload file success");
+}
+
+// The error may be that of the version which was asked for all the same.
+bool UploadFileJobEntity::failUpload(const ErrorCode& error)
+{
+    return fail(error, m_upload.failure.isClear() ? error : m_upload.failure);
 }
 
 bool UploadFileJobEntity::bindToDataset(const ICollaborationFile& file, ErrorCode& error)

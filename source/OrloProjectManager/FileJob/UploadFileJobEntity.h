@@ -1,13 +1,11 @@
 #pragma once
 
+#include "../Transfer/CollaborationFileManager.h"
 #include "UploadJobEntity.h"
 
 #include <OrloProjectManager/Resources/ITemplateManager.h>
 
 namespace orlo {
-
-class CollaborationFileManager;
-class ICollaborationFile;
 
 /// What a template job needs of the template manager beyond its interface.
 class ITemplateUploads
@@ -52,7 +50,11 @@ protected:
 private:
     bool upload(ErrorCode& error) override;
     bool fromJsonForCloudify(const JsonWrapper& document) override;
+    /// Calls `visit(key, field, words)` for each saved field in its order. words: what is logged where the field can't be read.
+    template <class Self, class Visit>
+    static void eachField(Self& self, const Visit& visit);
     bool uploadFile(CollaborationFileManager& files, ErrorCode& error);
+    bool failUpload(const ErrorCode& error);
     bool bindToDataset(const ICollaborationFile& file, ErrorCode& error);
     bool uploadTemplate(ErrorCode& error);
 
@@ -62,6 +64,8 @@ private:
     std::wstring m_templateText;
     int m_dsVersion = -1;
     bool m_isFile = true;
+    /// What a run that failed and was kept leaves for the next one of this process.
+    DocumentUpload m_upload;
 };
 
 } // namespace orlo

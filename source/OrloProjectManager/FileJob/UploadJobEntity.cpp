@@ -4,6 +4,8 @@
 #include "JobCopy.h"
 #include "JobFields.h"
 
+#include <BaseCommon/Files.h>
+
 namespace orlo {
 
 UploadJobEntity::UploadJobEntity(JobType type)
@@ -36,15 +38,26 @@ ErrorCode UploadJobEntity::ErrorInfo() const
 
 bool UploadJobEntity::Run()
 {
-    m_wasCutOff = false;
+    m_isLeft = false;
     const bool succeeded = resumeExcution();
-    if (m_wasCutOff)
+    if (m_isLeft)
         return false;
     if (succeeded)
         tellHost();
     remove();
     deleteJobCopy(m_localFilePath);
     return succeeded;
+}
+
+std::wstring UploadJobEntity::GetFileName() const
+{
+    return m_fileName.empty() ? utils::getFileName(m_localFilePath) : m_fileName;
+}
+
+void UploadJobEntity::Cancelled()
+{
+    m_outcome.cancel();
+    deleteJobCopy(m_localFilePath);
 }
 
 bool UploadJobEntity::LoadFromJson(const std::string& text)
@@ -82,16 +95,31 @@ bool UploadJobEntity::succeed(const std::wstring& words)
 }
 
 // Decided here and once: what cuts the run off behind a failure has no part in it.
-bool UploadJobEntity::fail(const ErrorCode& error)
+bool UploadJobEntity::fail(const ErrorCode& error, const ErrorCode& cause)
 {
-    m_wasCutOff = isRunCutOff();
-    return !m_wasCutOff && m_outcome.fail(error);
+    m_isLeft = isRunCutOff() || isKept(cause);
+    if (m_isLeft)
+        return false;
+    if (!isRunCancelled() && !isCancelled(error))
+        return m_outcome.fail(error);
+    m_outcome.cancel();
+    return false;
+}
+
+bool UploadJobEntity::isKept(const ErrorCode& cause)
+{
+    const bool isKept = isRunKept(cause);
+    m_wasKept = m_wasKept || isKept;
+    return isKept;
 }
 
 bool UploadJobEntity::missing(const wchar_t* name, const std::wstring& words)
 {
+    constexpr int noManager = 10010;
     log::error(L"[" + std::wstring(name) + L"::resumeExcution] " + words);
-    m_outcome.set(false, 10010, words);
+    m_isLeft = isKept(ErrorCode(error::exception, makeHttpError(L"httpError", words, noManager, 0)));
+    if (!m_isLeft)
+        m_outcome.set(false, noManager, words);
     return false;
 }
 

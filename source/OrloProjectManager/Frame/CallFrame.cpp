@@ -1,6 +1,8 @@
 #include "CallFrame.h"
 
 #include <BaseCommon/Caught.h>
+#include <BaseCommon/Interruption.h>
+#include <OrloNetwork/RequestNote.h>
 #include <OrloNetwork/Retry/TransportCode.h>
 
 namespace orlo {
@@ -9,7 +11,7 @@ namespace {
 
 void assign(ErrorCode& error, const std::wstring& name, const std::wstring& text, int code)
 {
-    error.Assign(error::exception, makeHttpError(name, text, code, 0));
+    error.Assign(error::exception, http::errorOfCaught(name, text, code));
 }
 
 } // namespace
@@ -18,6 +20,12 @@ void CallFrame::checkEntry(const ErrorCode& error) const
 {
     if (!error.isClear())
         log::errorAt(m_site, L"传入的ErrorCode，已有错误存在:" + error.GetErrorMessage());
+}
+
+bool CallFrame::isCancelledOutside() noexcept
+{
+    const auto scope = Interruption::current();
+    return scope && !http::Operation::isUnderWay() && scope->isCancelled();
 }
 
 void CallFrame::caught(ErrorCode& error, Rungs rungs) const noexcept

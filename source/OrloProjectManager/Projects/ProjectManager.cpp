@@ -13,6 +13,7 @@
 #include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
 #include <BaseCommon/Uuid.h>
+#include <OrloLogging/NotOnTerminal.h>
 
 #include <limits>
 
@@ -64,6 +65,7 @@ ProjectPtr createProject(const CallSite& site, const ORLOHTTPPayloadProject& wan
         // The project exists, so a failure here is told in the log and not in the caller's ErrorCode.
         ErrorCode ofConfig;
         const bool added = retried(&OrloWebService::AddDefaultSpaceConfig, ofConfig, created->id);
+        const log::NotOnTerminal quiet(added); // good news alarm nobody
         log::errorAt(site, announcement + (added ? L"成功" : L"失败"));
     }
     return toProject(std::move(*created));

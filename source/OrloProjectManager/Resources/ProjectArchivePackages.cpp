@@ -62,7 +62,8 @@ bool addArchiveUnitToPackage(ArchivePackages& packages, const NamedArchiveUnits&
 
 bool Project::GetArchivePackageList(std::vector<std::shared_ptr<IArchivePackage>>& out, ErrorCode& error)
 {
-    return CallFrame(ORLO_HERE("orlo::Project::GetArchivePackageList")).runDirect(error, [&] {
+    const CallFrame frame(ORLO_HERE("orlo::Project::GetArchivePackageList"));
+    return frame.runDirect(error, [&] {
         out.clear();
         http::ORLOHTTPPayloadArchivePackageAck ack;
         if (!OrloWebService::GetArchivePackageListByProjectId(error, ack, m_id))
@@ -70,12 +71,16 @@ bool Project::GetArchivePackageList(std::vector<std::shared_ptr<IArchivePackage>
         const std::vector<std::wstring> packageIds = idsOf(ack.packages);
         ArchivePackages packages = toArchivePackages(std::move(ack.packages));
         NamedArchiveUnits units;
-        const bool found = getArchiveUnitInPackage(units, packageIds, error);
-        const ErrorCode reason = error;
-        // Intended: where no units were found the rest is asked for all the same. Its retry loop clears the ErrorCode.
-        const bool added = addArchiveUnitToPackage(packages, units, error);
-        if (!found && !reason.isClear())
+        ErrorCode reason;
+        const bool found = getArchiveUnitInPackage(units, packageIds, reason);
+        // Intended: where no units were found the rest is asked for all the same.
+        if (!reason.isClear()) {
+            ErrorCode second; // of several failures the first is told, the others are in the log
+            frame.runDirect(second, [&] { return addArchiveUnitToPackage(packages, units, second); });
             error = reason;
+            return false;
+        }
+        const bool added = addArchiveUnitToPackage(packages, units, error);
         if (!found || !added)
             return false;
         out.assign(packages.begin(), packages.end());

@@ -4,14 +4,11 @@
 #include "../NetworkProject/Resources/TemplateWeb.h"
 #include "../NetworkProject/Transfer/StreamWeb.h"
 #include "../Transfer/CachePlace.h"
-#include "../Transfer/TransferChain.h"
+#include "../Transfer/WaitingTransfer.h"
 
 #include <BaseCommon/Files.h>
-#include <BaseCommon/Interruption.h>
 #include <BaseCommon/LocalFolders.h>
 #include <BaseCommon/Text.h>
-#include <OrloNetwork/Lifetime/Operation.h>
-#include <OrloNetwork/Lifetime/WorkPermit.h>
 #include <OrloProjectManager/Transfer/IFileManager.h>
 
 namespace orlo {
@@ -86,31 +83,13 @@ PromiseData bringTemplate(const std::wstring& datasetId, const std::wstring& pro
     return noTemplate(L"样板来源异常：既不是公共库又不是项目库。");
 }
 
-/// Waits for its requests, unlike the workers of chains. So it is an operation, which the end of the process breaks off; what nobody waits
-/// for is dropped then, as its caller's ErrorCode may be gone.
-void workOnTemplate(TransferOutcome& outcome, const std::wstring& datasetId, const std::wstring& projectId)
-{
-    const bool isAwaited = Interruption::current() != nullptr;
-    const auto isDropped = [isAwaited] { return !isAwaited && http::WorkPermit::doesProcessEnd(); };
-    try {
-        const http::Operation operation;
-        ErrorCode error;
-        const PromiseData data = bringTemplate(datasetId, projectId, error);
-        if (!isDropped())
-            outcome.settle(data, error, ORLO_HERE(templateWorker));
-    }
-    catch (...) {
-        if (!isDropped())
-            throw;
-    }
-}
-
 } // namespace
 
 std::future<PromiseData> downloadTemplateFile(const std::wstring& datasetId, const std::wstring& projectId, ErrorCode& error)
 {
-    return startTransfer(ORLO_HERE("orlo::TemplateManager::DownloadTemplateFile"), error,
-                         [datasetId, projectId](const auto& outcome) { workOnTemplate(*outcome, datasetId, projectId); });
+    return startTransfer(ORLO_HERE("orlo::TemplateManager::DownloadTemplateFile"), error, [datasetId, projectId](const auto& outcome) {
+        settleByWaiting(*outcome, ORLO_HERE(templateWorker), [&](ErrorCode& own) { return bringTemplate(datasetId, projectId, own); });
+    });
 }
 
 } // namespace orlo

@@ -167,6 +167,7 @@ void DownloadBatchFilesHandler::stall(OrloCallbackContext& context)
     }
     log::warning(L"the platform named no file for a batch download; its future stays pending");
     keepStalled(shared_from_this());
+    m_outcome->settleWhenCancelled();
 }
 
 void DownloadBatchFilesHandler::finish(int status, const std::wstring& body, ErrorCode& error, bool succeeded)

@@ -47,14 +47,33 @@ FilePtr createVersion(VersionFunction create, const ORLOHTTPPayloadDatasetVersio
     return std::make_shared<CollaborationFile>(data.dataSetId, *version);
 }
 
-/// A dataset and its first version. A dataset whose version fails stays without one.
-FilePtr createDataset(VersionFunction create, const ORLOHTTPPayloadDataset& wanted, ORLOHTTPPayloadDatasetVersion data, ErrorCode& error)
+/// A dataset and its first version. A dataset whose version fails stays without one.   datasetId: where there is such a one already.
+FilePtr createDataset(VersionFunction create, const ORLOHTTPPayloadDataset& wanted, ORLOHTTPPayloadDatasetVersion data,
+                      std::string& datasetId, ErrorCode& error)
 {
-    const auto created = fetched(&OrloWebService::CreateDataSet, error, wanted);
-    if (!created)
-        return failed(L"CollaborationFileManager::UploadFile OrloWebService::CreateDataSet error.");
-    data.dataSetId = created->id;
+    if (datasetId.empty()) {
+        const auto created = fetched(&OrloWebService::CreateDataSet, error, wanted);
+        if (!created)
+            return failed(L"CollaborationFileManager::UploadFile OrloWebService::CreateDataSet error.");
+        datasetId = created->id;
+    }
+    data.dataSetId = datasetId;
     return createVersion(create, data, error);
+}
+
+/// Why the bytes of a file didn't arrive: a file that can't be read leaves the reason in the outcome alone.
+ErrorCode failureOf(const PromiseData& uploaded, const ErrorCode& error)
+{
+    if (uploaded.success || !error.isClear())
+        return uploaded.success ? ErrorCode() : error;
+    return {error::exception, makeHttpError(L"HttpError", uploaded.message, uploaded.status, 0)};
+}
+
+PromiseData uploadedBytes(const std::wstring& folderId, const std::wstring& path, DocumentUpload& upload, ErrorCode& error)
+{
+    PromiseData uploaded = IFileManager::UploadFileByArkiv(path, L"", L"", folderId, error).get();
+    upload.failure = failureOf(uploaded, error);
+    return uploaded;
 }
 
 /// The outcome isn't tested: a failed upload goes on with its words as the source file, which the platform refuses.
@@ -104,7 +123,8 @@ FilePtr CollaborationFileManager::UploadFile(const std::wstring& folderId, const
 {
     return CallFrame(ORLO_HERE("orlo::CollaborationFileManager::UploadFile")).run(error, [&] {
         const ORLOHTTPPayloadDatasetVersion data = uploadedVersion(path, error);
-        return createDataset(&OrloWebService::CreateVersion, datasetOf(folderId, path), data, error);
+        std::string datasetId;
+        return createDataset(&OrloWebService::CreateVersion, datasetOf(folderId, path), data, datasetId, error);
     });
 }
 
@@ -121,25 +141,38 @@ FilePtr CollaborationFileManager::UpdateFile(const std::string& dsId, const std:
 
 FilePtr CollaborationFileManager::UploadFileByArkiv(const std::wstring& folderId, const std::wstring& path, ErrorCode& error)
 {
+    DocumentUpload upload;
+    return UploadFileByArkiv(folderId, path, upload, error);
+}
+
+FilePtr CollaborationFileManager::UploadFileByArkiv(const std::wstring& folderId, const std::wstring& path, DocumentUpload& upload,
+                                                    ErrorCode& error)
+{
     constexpr const wchar_t* uploadFailed = L"CollaborationFileManager::UploadFileByArkiv 上传文件失败";
     return CallFrame(ORLO_HERE("orlo::CollaborationFileManager::UploadFileByArkiv")).run(error, [&]() -> FilePtr {
-        const PromiseData uploaded = IFileManager::UploadFileByArkiv(path, L"", L"", folderId, error).get();
+        const PromiseData uploaded = uploadedBytes(folderId, path, upload, error);
         if (!uploaded.success)
             return failed(uploadFailed);
         const ORLOHTTPPayloadDatasetVersion data = documentVersion(uploaded.message);
         if (data.dataSetSourceFile.empty() || data.size < 0)
             return failed(uploadFailed);
-        return createDataset(&OrloWebService::CreateDocVersion, datasetOf(folderId, path), data, error);
+        return createDataset(&OrloWebService::CreateDocVersion, datasetOf(folderId, path), data, upload.datasetId, error);
     });
 }
 
 FilePtr CollaborationFileManager::UpdateFileByArkiv(const std::string& dsId, const std::wstring& folderId, const std::wstring& path,
                                                     ErrorCode& error)
 {
+    DocumentUpload upload;
+    return UpdateFileByArkiv(dsId, folderId, path, upload, error);
+}
+
+FilePtr CollaborationFileManager::UpdateFileByArkiv(const std::string& dsId, const std::wstring& folderId, const std::wstring& path,
+                                                    DocumentUpload& upload, ErrorCode& error)
+{
     return CallFrame(ORLO_HERE("orlo::CollaborationFileManager::UpdateFileByArkiv")).run(error, [&] {
         // Neither the outcome nor the keys are tested: a failed upload ends in a version that the platform refuses.
-        ORLOHTTPPayloadDatasetVersion data =
-            documentVersion(IFileManager::UploadFileByArkiv(path, L"", L"", folderId, error).get().message);
+        ORLOHTTPPayloadDatasetVersion data = documentVersion(uploadedBytes(folderId, path, upload, error).message);
         data.dataSetId = dsId;
         return createVersion(&OrloWebService::CreateDocVersion, data, error);
     });

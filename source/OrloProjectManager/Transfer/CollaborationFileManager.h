@@ -1,5 +1,6 @@
 #pragma once
 
+#include <BaseCommon/ErrorCode.h>
 #include <OrloProjectManager/Projects/DatasetVersion.h>
 #include <OrloProjectManager/Transfer/ICollaborationFileManager.h>
 
@@ -23,6 +24,14 @@ private:
 /// Returns: without an id where that tells none, with the version -1 where it tells no number.
 http::ORLOHTTPPayloadDatasetVersion documentVersion(const std::wstring& message);
 
+/// An upload through the document store, step by step: what a caller who may try it again has to know of it.
+struct DocumentUpload
+{
+    std::string datasetId;                    ///< that was made for the file; another try makes no second one
+    std::shared_ptr<ICollaborationFile> file; ///< null until the upload is whole
+    ErrorCode failure;                        ///< that of the bytes, whatever the steps behind them say; clear where they arrived
+};
+
 class CollaborationFileManager : public ICollaborationFileManager
 {
 public:
@@ -33,6 +42,12 @@ public:
     std::shared_ptr<ICollaborationFile> UploadFileByArkiv(const std::wstring& folderId, const std::wstring& path, ErrorCode& error);
     std::shared_ptr<ICollaborationFile> UpdateFileByArkiv(const std::string& dsId, const std::wstring& folderId, const std::wstring& path,
                                                           ErrorCode& error);
+
+    /// The same for who tries again.   upload: of the try before; an empty one for the first.
+    std::shared_ptr<ICollaborationFile> UploadFileByArkiv(const std::wstring& folderId, const std::wstring& path, DocumentUpload& upload,
+                                                          ErrorCode& error);
+    std::shared_ptr<ICollaborationFile> UpdateFileByArkiv(const std::string& dsId, const std::wstring& folderId, const std::wstring& path,
+                                                          DocumentUpload& upload, ErrorCode& error);
 };
 
 } // namespace orlo

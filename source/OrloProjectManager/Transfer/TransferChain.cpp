@@ -3,7 +3,7 @@
 #include "../Frame/StayLoaded.h"
 
 #include <BaseCommon/Caught.h>
-#include <BaseCommon/Interruption.h>
+#include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Platform.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/Body/JsonText.h>
@@ -19,18 +19,28 @@ namespace {
 
 constexpr const wchar_t* endOfPromise = L"[END_SET_FALSE_TO_PROMISE]";
 
-std::future<PromiseData> failedFuture()
+const PromiseData& cancelledOutcome()
 {
+    static const PromiseData& outcome = utils::neverDestroyed(new PromiseData(false, utils::Caught::known, L"cancelled"));
+    return outcome;
+}
+
+/// interruption: what the transfer was to be bound to.
+std::future<PromiseData> failedFuture(const std::shared_ptr<Interruption>& interruption, ErrorCode& error)
+{
+    const bool isCancelled = interruption && interruption->isCancelled();
+    if (isCancelled)
+        error = cancelledError();
     std::promise<PromiseData> promise;
-    promise.set_value(PromiseData());
+    promise.set_value(isCancelled ? cancelledOutcome() : PromiseData());
     return promise.get_future();
 }
 
-/// interruption: that of whoever waits for the transfer; null where nobody does.
+/// interruption: that of whoever waits for the transfer, or of the host's scope; null where there is neither.
 void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutcome>& outcome, const CallSite& site,
                const std::shared_ptr<Interruption>& interruption) noexcept
 {
-    const http::WorkPermit permit(interruption != nullptr);
+    const http::WorkPermit permit(Interruption::isAwaited(interruption));
     if (!permit)
         return;
     const Interruption::Scope scope(interruption);
@@ -44,6 +54,10 @@ void runWorker(const TransferWorker& worker, const std::shared_ptr<TransferOutco
 }
 
 } // namespace
+
+TransferOutcome::TransferOutcome(ErrorCode& callersError, std::shared_ptr<Interruption> interruption)
+    : m_interruption(std::move(interruption)), m_callersError(&callersError)
+{}
 
 TransferOutcome::~TransferOutcome()
 {
@@ -60,10 +74,23 @@ TransferOutcome::~TransferOutcome()
 
 void TransferOutcome::set(const PromiseData& data, const ErrorCode& error)
 {
+    // Whatever the reason at hand: the host wanted it to end.
+    const bool isCancelled = !data.success && m_interruption && m_interruption->isCancelled();
     const std::lock_guard lock(m_mutex);
     if (ErrorCode* const callers = std::exchange(m_callersError, nullptr))
-        *callers = error;
-    m_promise.set_value(data);
+        *callers = isCancelled ? cancelledError() : error;
+    m_promise.set_value(isCancelled ? cancelledOutcome() : data);
+}
+
+void TransferOutcome::settleWhenCancelled()
+{
+    if (!m_interruption)
+        return;
+    const auto settle = [weak = weak_from_this()] {
+        if (const auto outcome = weak.lock(); outcome && outcome->m_interruption->isCancelled())
+            outcome->settle(cancelledOutcome(), cancelledError(), ORLO_HERE("TransferOutcome::settleWhenCancelled"));
+    };
+    m_whenCancelled.emplace(m_interruption, settle);
 }
 
 void TransferOutcome::refuse(const std::wstring& message)
@@ -97,12 +124,12 @@ std::future<PromiseData> startTransfer(const CallSite& site, ErrorCode& error, T
     // Asked before the frame, which would wait for itself.
     const auto interruption = Interruption::current();
     std::future<PromiseData> future = CallFrame(site).run(error, [&] {
-        const auto outcome = std::make_shared<TransferOutcome>(error);
+        const auto outcome = std::make_shared<TransferOutcome>(error, interruption);
         std::future<PromiseData> started = outcome->future();
         std::thread([worker = std::move(worker), outcome, site, interruption] { runWorker(worker, outcome, site, interruption); }).detach();
         return started;
     });
-    return future.valid() ? std::move(future) : failedFuture();
+    return future.valid() ? std::move(future) : failedFuture(interruption, error);
 }
 
 void startChain(std::shared_ptr<IOrloCallback> handler, FirstStep firstStep)

@@ -6,6 +6,7 @@
 #include "../Frame/CallFrame.h"
 
 #include <BaseCommon/Callbacks.h>
+#include <BaseCommon/Interruption.h>
 #include <OrloProjectManager/Transfer/PromiseData.h>
 
 #include <cpprest/json.h>
@@ -14,6 +15,7 @@
 #include <future>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace orlo {
 
@@ -30,10 +32,11 @@ public:
 };
 
 /// The end of a transfer: the promise, and the caller's ErrorCode, which is written once just before.
-class TransferOutcome
+class TransferOutcome : public std::enable_shared_from_this<TransferOutcome>
 {
 public:
-    explicit TransferOutcome(ErrorCode& callersError) : m_callersError(&callersError) {}
+    /// interruption: what the transfer is bound to; null where that is nothing.
+    explicit TransferOutcome(ErrorCode& callersError, std::shared_ptr<Interruption> interruption = nullptr);
     /// A transfer that was lost on its way ends as a local failure, never as a broken promise.
     ~TransferOutcome();
 
@@ -51,10 +54,15 @@ public:
     /// For an input that is refused before any request. The caller's ErrorCode is left as it is.
     void refuse(const std::wstring& message);
 
+    /// For a transfer that would never end: the host's cancelling settles it.
+    void settleWhenCancelled();
+
 private:
+    const std::shared_ptr<Interruption> m_interruption;
     std::mutex m_mutex;
     ErrorCode* m_callersError; ///< null once the outcome stands
     std::promise<PromiseData> m_promise;
+    std::optional<Interruption::Listener> m_whenCancelled;
 };
 
 using TransferWorker = std::function<void(const std::shared_ptr<TransferOutcome>&)>;

@@ -1,9 +1,12 @@
 #include "../Server/FileBody.h"
 #include "../Store/BlobStore.h"
+#include "../Store/Md5.h"
 #include "../Store/Store.h"
 #include "../Store/Transfers.h"
 #include "Files.h"
 #include "Routes.h"
+
+#include <algorithm>
 
 namespace orlo::platform {
 
@@ -11,9 +14,21 @@ namespace {
 
 constexpr const char* byteStream = "application/octet-stream";
 
+std::string toldSum(Sums sums, const OpenFile& file)
+{
+    if (sums == Sums::untold)
+        return {};
+    std::string sum = md5Of(file);
+    if (sums == Sums::wrong)
+        std::reverse(sum.begin(), sum.end());
+    return toBase64(sum);
+}
+
 Answer readBlob(const Call& call, World& world)
 {
-    return {200, {}, byteStream, std::make_shared<FileBody>(world.blobs.open(call.place("id")), call.download)};
+    Answer answer{200, {}, byteStream, std::make_shared<FileBody>(world.blobs.open(call.place("id")), call.download)};
+    answer.contentMd5 = toldSum(world.transfers.sums(), answer.file->file());
+    return answer;
 }
 
 Answer writeBlob(const Call& call, World& world)

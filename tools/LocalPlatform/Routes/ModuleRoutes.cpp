@@ -2,12 +2,11 @@
 #include "../Store/Clock.h"
 #include "../Store/Ids.h"
 #include "../Store/Json.h"
+#include "../Store/Md5.h"
 #include "../Store/Store.h"
 #include "Files.h"
 #include "Projects.h"
 #include "Routes.h"
-
-#include <openssl/evp.h>
 
 namespace orlo::platform {
 
@@ -104,18 +103,6 @@ Answer signModuleDownload(const Call& call, World& world)
     return signedFile(world, "GET", *blobId);
 }
 
-std::string md5Of(const OpenFile& file)
-{
-    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned length = 0;
-    bool isGood = context && EVP_DigestInit_ex(context.get(), EVP_md5(), nullptr) == 1;
-    file.read([&](std::string_view piece) { isGood = isGood && EVP_DigestUpdate(context.get(), piece.data(), piece.size()) == 1; });
-    if (!isGood || EVP_DigestFinal_ex(context.get(), digest.data(), &length) != 1)
-        throw std::runtime_error("MD5 failed");
-    return toHex({reinterpret_cast<const char*>(digest.data()), length});
-}
-
 // Modules. What is wrong with one is told by a word, not by a status.
 
 constexpr const char* nothingWrong = "none";
@@ -177,7 +164,7 @@ std::string verdictOnFile(World& world, std::int64_t shelfId, const json::Body& 
         return "file_not_uploaded";
     const std::string md5 = module.filledText("md5");
     const bool isAsSigned = world.tables.text("SELECT blobId FROM moduleFile WHERE blobId = ? AND md5 = ?", *blobId, md5).has_value();
-    return isAsSigned && md5Of(world.blobs.open(*blobId)) == md5 ? nothingWrong : "md5_mismatch";
+    return isAsSigned && toHex(md5Of(world.blobs.open(*blobId))) == md5 ? nothingWrong : "md5_mismatch";
 }
 
 std::string addModule(World& world, std::int64_t shelfId, const json::Body& module)

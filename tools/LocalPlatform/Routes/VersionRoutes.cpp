@@ -24,7 +24,11 @@ struct NewVersion
     std::string description;
     std::string metaInfo;
     std::int64_t size = 0;
+    std::optional<std::int64_t> documentVersion{}; ///< of a file by Arkiv
 };
+
+/// Among what a version remembers.
+const std::string documentVersionKey = "versionIndex";
 
 int nextNumber(World& world, const std::string& datasetId)
 {
@@ -47,6 +51,9 @@ std::string createVersion(World& world, const NewVersion& version)
                      version.datasetId, version.number, version.sourceFile, "V" + std::to_string(version.number), world.clock.text(),
                      version.status, version.description, version.metaInfo, version.size);
     const std::int64_t id = world.tables.lastRowId();
+    if (version.documentVersion)
+        world.tables.run("INSERT INTO versionMeta (versionId, name, value) VALUES (?, ?, ?)", id, documentVersionKey,
+                         std::to_string(*version.documentVersion));
     refreshDataset(world, version.datasetId);
     return *world.tables.row(selectVersions + "WHERE id = ?", id);
 }
@@ -81,7 +88,8 @@ Answer newDocVersion(const Call& call, World& world)
     const json::Body body(call.body);
     NewVersion version = nextVersion(call, world);
     // "version" is the file's own count; the dataset's versions are numbered here.
-    version.size = sizeOfSource(version, lengthOfFile(world, version.sourceFile, body.integer("version")));
+    version.documentVersion = body.integer("version");
+    version.size = sizeOfSource(version, lengthOfFile(world, version.sourceFile, *version.documentVersion));
     if (body.integer("length") != version.size)
         throw Refusal(400, "the file has another length than \"length\"");
     return enveloped(createVersion(world, version));
@@ -112,6 +120,17 @@ Answer newVersionByNumber(const Call& call, World& world)
     return enveloped(createVersion(world, version));
 }
 
+/// A document's own count is told where it is another than the number of the dataset's version.
+std::string withDocumentVersion(World& world, const std::string& record)
+{
+    const json::Body version(record);
+    const auto own = world.tables.integer("SELECT CAST(value AS INTEGER) FROM versionMeta WHERE versionId = ? AND name = ?",
+                                          version.integer("id"), documentVersionKey);
+    if (!own || *own == version.integer("version"))
+        return record;
+    return record.substr(0, record.size() - 1) + ",\"" + documentVersionKey + "\":" + std::to_string(*own) + "}";
+}
+
 Answer oneVersion(const Call& call, World& world)
 {
     const std::string& datasetId = call.place("dsId");
@@ -124,7 +143,7 @@ Answer oneVersion(const Call& call, World& world)
                                call.numberPlace("dsVersion"));
     if (!found)
         throw Refusal(404, "the dataset has no such version: " + call.place("dsVersion"));
-    return enveloped(*found);
+    return enveloped(withDocumentVersion(world, *found));
 }
 
 std::string integerArray(const std::vector<std::int64_t>& numbers)

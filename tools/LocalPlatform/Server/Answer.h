@@ -16,6 +16,7 @@ struct Answer
     std::string contentType = "application/json";
     std::shared_ptr<FileBody> file{}; ///< Sent instead of `body`.
     std::string contentEncoding{};    ///< Of the file; empty: as it is.
+    std::string contentMd5{};         ///< Of the file; empty: not told.
 };
 
 /// A call that is refused: thrown by routes and seeding calls, answered as an envelope without data.

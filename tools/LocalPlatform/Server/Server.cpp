@@ -74,6 +74,8 @@ void sendFile(const Answer& answer, httplib::Response& response)
     response.set_header("Content-Length", std::to_string(answer.file->file().size()));
     if (!answer.contentEncoding.empty())
         response.set_header("Content-Encoding", answer.contentEncoding);
+    if (!answer.contentMd5.empty())
+        response.set_header("Content-MD5", answer.contentMd5);
     if (answer.file->file().size() > 0) // an empty one is done with when its head has been sent
         Connection::current()->setBody([file = answer.file](Connection& connection) { file->send(connection); });
 }

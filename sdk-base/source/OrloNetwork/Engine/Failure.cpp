@@ -1,6 +1,9 @@
 #include "Failure.h"
 
+#include "../RequestNote.h"
+
 #include <BaseCommon/NativeText.h>
+#include <BaseCommon/Text.h>
 
 #include <algorithm>
 #include <initializer_list>
@@ -45,9 +48,47 @@ const char* phraseOf(Stage stage)
     return readingBody;
 }
 
-std::exception_ptr exceptionWith(int number, const std::string& text)
+std::exception_ptr exceptionWith(int number, const std::string& text, const std::shared_ptr<RequestDetails>& about)
 {
+    if (about)
+        return std::make_exception_ptr(TransportError(transportFailure(number, text), about));
     return std::make_exception_ptr(transportFailure(number, text));
+}
+
+bool holds(const std::string& text, const char* words)
+{
+    return text.find(words) != std::string::npos;
+}
+
+/// OpenSSL tells of the certificate with a number, of the name and of a side without TLS in words.
+NetworkFailure kindOfHandshake(const Failure& failure)
+{
+    constexpr long notYetValid = 9;
+    constexpr long expired = 10;
+    if (failure.verifyResult == notYetValid || failure.verifyResult == expired || holds(failure.words, "certificate has expired"))
+        return NetworkFailure::certificateExpired;
+    if (holds(failure.words, "does not match target") || holds(failure.words, "matches target host name"))
+        return NetworkFailure::wrongHostName;
+    for (const char* const words : {"wrong version number", "packet length too long", "http request", "unknown protocol"}) {
+        if (holds(failure.words, words))
+            return NetworkFailure::noTls;
+    }
+    if (failure.verifyResult != 0 || failure.code == CURLE_PEER_FAILED_VERIFICATION)
+        return NetworkFailure::certificateNotTrusted;
+    return NetworkFailure::tlsFailed;
+}
+
+NetworkFailure kindOfBreak(const Failure& failure)
+{
+    if (failure.isThroughProxy && failure.stage < Stage::sends && holds(failure.words, "CONNECT"))
+        return NetworkFailure::proxyRefused;
+    return failure.stage == Stage::receives ? NetworkFailure::answerCutShort : NetworkFailure::connectionLost;
+}
+
+void tellOf(RequestDetails& about, NetworkFailure failure, const std::string& words)
+{
+    about.failure = failure;
+    about.words = utils::toWstring(words);
 }
 
 std::string sentence(const std::string& phrase, const std::string& place, const std::string& why)
@@ -125,7 +166,54 @@ web::http::http_exception transportFailure(int number, const std::string& text)
     return {std::error_code(number, std::generic_category()), utils::toNative(text)};
 }
 
-std::exception_ptr exceptionOf(Failure failure)
+NetworkFailure kindOf(const Failure& failure)
+{
+    if (isOfHandshake(failure.code))
+        return kindOfHandshake(failure);
+    switch (failure.code) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return NetworkFailure::hostNotFound;
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return NetworkFailure::proxyNotFound;
+    case CURLE_COULDNT_CONNECT:
+        return NetworkFailure::notConnected;
+    case CURLE_OPERATION_TIMEDOUT:
+        return kindOfTimeOut(failure.stage);
+    case CURLE_PROXY:
+        return NetworkFailure::proxyRefused;
+    case CURLE_GOT_NOTHING:
+        return NetworkFailure::connectionLost;
+    case CURLE_PARTIAL_FILE:
+        return NetworkFailure::answerCutShort;
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+        return kindOfBreak(failure);
+    case CURLE_UNSUPPORTED_PROTOCOL:
+    case CURLE_WEIRD_SERVER_REPLY:
+        return NetworkFailure::answerUnreadable;
+    default:
+        return NetworkFailure::other;
+    }
+}
+
+NetworkFailure kindOfTimeOut(Stage stage)
+{
+    switch (stage) {
+    case Stage::looksUp:
+    case Stage::connects:
+    case Stage::handshakes:
+        return NetworkFailure::timeoutConnecting;
+    case Stage::sends:
+        return NetworkFailure::timeoutSending;
+    case Stage::awaitsAnswer:
+        return NetworkFailure::timeoutWaiting;
+    case Stage::receives:
+        break;
+    }
+    return NetworkFailure::timeoutReceiving;
+}
+
+std::exception_ptr exceptionOf(Failure failure, const std::shared_ptr<RequestDetails>& about)
 {
     if (!isOfThisTransfer(failure))
         failure.systemError = 0;
@@ -133,17 +221,21 @@ std::exception_ptr exceptionOf(Failure failure)
     // The system's words are shorter than libcurl's, and the same each time.
     const bool isOfSystem = failure.systemError > 0 && isOneOf(failure.code, {CURLE_COULDNT_CONNECT, CURLE_SEND_ERROR, CURLE_RECV_ERROR});
     const std::string why = isOfSystem ? std::generic_category().message(static_cast<int>(failure.systemError)) : failure.words;
-    return exceptionWith(told.number, sentence(told.phrase, failure.place, why));
+    if (about)
+        tellOf(*about, kindOf(failure), why);
+    return exceptionWith(told.number, sentence(told.phrase, failure.place, why), about);
 }
 
-std::exception_ptr timedOut(Stage stage, const std::string& place, const char* why)
+std::exception_ptr timedOut(Stage stage, const std::string& place, const char* why, const std::shared_ptr<RequestDetails>& about)
 {
-    return exceptionWith(tooLate, sentence(phraseOf(stage), place, why));
+    if (about)
+        tellOf(*about, kindOfTimeOut(stage), why);
+    return exceptionWith(tooLate, sentence(phraseOf(stage), place, why), about);
 }
 
 std::exception_ptr cancelled()
 {
-    return exceptionWith(operationCancelled, "Operation canceled");
+    return exceptionWith(operationCancelled, "Operation canceled", nullptr);
 }
 
 } // namespace orlo::http

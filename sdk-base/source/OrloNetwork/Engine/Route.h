@@ -9,6 +9,8 @@
 
 namespace orlo::http {
 
+struct RequestNote;
+
 /// How the requests of one client go out.
 struct Route
 {
@@ -20,6 +22,7 @@ struct Route
     std::string proxyUser;
     std::string proxyPassword;
     std::shared_ptr<const Trust> trust; ///< null: the system's, as soon as it is needed
+    std::shared_ptr<RequestNote> note;  ///< null: nobody asks
 };
 
 } // namespace orlo::http

@@ -2,6 +2,7 @@
 
 #include "Workers.h"
 
+#include <OrloNetwork/RequestNote.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <algorithm>
@@ -97,10 +98,12 @@ Transfer::Transfer(std::shared_ptr<const Route> route, web::http::http_request r
       m_form(m_request),
       m_trust(!m_form.isSecure() ? nullptr
               : m_route->trust   ? m_route->trust
-                                 : trustInSystem())
+                                 : trustInSystem()),
+      m_tally(m_route->isOfFiles ? ProgressMeter::Kind::ofFile : ProgressMeter::Kind::ofCall, m_form.hasBody())
 {
     if (m_form.hasBody())
         m_source = BodySource(m_request.body(), m_form.bodySize);
+    m_tally.begin(m_form.bodySize);
 }
 
 Transfer::~Transfer() = default;
@@ -165,6 +168,7 @@ void Transfer::deliver()
     m_sink = BodySink(answer.outstream());
     m_sink.begin(m_response);
     m_isDelivered = true;
+    m_tally.headArrived(m_response, m_form.method != "HEAD");
     // libcurl takes a HEAD with a body for another method, and would wait for what doesn't come.
     m_isCut = m_form.method == "HEAD" && m_form.hasBody();
     m_answered.set(m_response);
@@ -181,6 +185,9 @@ std::size_t Transfer::take(const char* bytes, std::size_t count)
         return CURL_WRITEFUNC_PAUSE;
     }
     touch(); // a disk that took its time has used up none of the server's
+    m_tally.received(wanted);
+    if (m_route->note)
+        m_route->note->bytesReceived += wanted;
     m_isCut = wanted < count;
     return m_isCut ? 0 : count; // the rest isn't waited for
 }
@@ -191,6 +198,9 @@ std::size_t Transfer::give(char* room, std::size_t size)
     const auto given = m_source.read(room, size, m_wake);
     touch();
     m_isPaused = !given;
+    m_tally.sent(given.value_or(0));
+    if (m_route->note)
+        m_route->note->bytesSent += given.value_or(0);
     return given ? *given : CURL_READFUNC_PAUSE;
 }
 
@@ -232,9 +242,20 @@ Failure Transfer::failureOf(CURLcode code, const char* words) const
     failure.systemError = curl::numberOf(m_easy, CURLINFO_OS_ERRNO);
     failure.verifyResult = curl::numberOf(m_easy, CURLINFO_SSL_VERIFYRESULT);
     failure.isChunked = isChunked();
+    failure.isThroughProxy = !m_route->proxy.empty();
     failure.place = place();
     failure.words = words;
     return failure;
+}
+
+std::shared_ptr<RequestDetails> Transfer::details() const
+{
+    return m_route->note ? std::make_shared<RequestDetails>(detailsOf(m_request, *m_route->note)) : nullptr;
+}
+
+std::exception_ptr Transfer::failedWith(const Failure& failure) const
+{
+    return exceptionOf(failure, details());
 }
 
 /// Beyond a bound of its own libcurl says no more of a single line than that it has no memory, and of the whole head that it can't receive
@@ -254,21 +275,21 @@ void Transfer::end(CURLcode code)
     else if (m_thrown)
         return endWith(m_thrown);
     if (!m_head.isComplete() && isHeadTooLarge(code))
-        return endWith(exceptionOf(failureOf(CURLE_WEIRD_SERVER_REPLY, "the head of the answer is too large")));
+        return endWith(failedWith(failureOf(CURLE_WEIRD_SERVER_REPLY, "the head of the answer is too large")));
     if (code != CURLE_OK)
-        return endWith(exceptionOf(failureOf(code, m_words[0] != '\0' ? m_words : curl_easy_strerror(code))));
+        return endWith(failedWith(failureOf(code, m_words[0] != '\0' ? m_words : curl_easy_strerror(code))));
     if (!m_head.isComplete())
-        return endWith(exceptionOf(failureOf(CURLE_GOT_NOTHING, "the connection ended within the head of the answer")));
+        return endWith(failedWith(failureOf(CURLE_GOT_NOTHING, "the connection ended within the head of the answer")));
     if (!m_isCut && mayBeCut())
-        return endWith(
-            exceptionOf(failureOf(CURLE_PARTIAL_FILE, "the answer doesn't tell its length, so that it may have been cut short")));
+        return endWith(failedWith(failureOf(CURLE_PARTIAL_FILE, "the answer doesn't tell its length, so that it may have been cut short")));
+    m_tally.endedWell();
     m_sink.flush([self = shared_from_this()](const std::exception_ptr& thrown) { self->endWith(thrown); });
 }
 
 void Transfer::endTooLate()
 {
     const bool isWhole = m_route->wholeTime && Clock::now() >= m_begin + *m_route->wholeTime;
-    endWith(timedOut(stage(), place(), isWhole ? "the time for the whole call is over" : "nothing came or went in time"));
+    endWith(timedOut(stage(), place(), isWhole ? "the time for the whole call is over" : "nothing came or went in time", details()));
 }
 
 void Transfer::endWith(const std::exception_ptr& thrown)

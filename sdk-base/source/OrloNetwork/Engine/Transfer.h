@@ -6,6 +6,7 @@
 #include "Failure.h"
 #include "RequestForm.h"
 #include "Route.h"
+#include "Tally.h"
 
 #include <cpprest/http_msg.h>
 
@@ -64,6 +65,8 @@ private:
     Stage stage() const;
     std::string place() const;
     Failure failureOf(CURLcode code, const char* words) const;
+    std::exception_ptr failedWith(const Failure& failure) const;
+    std::shared_ptr<RequestDetails> details() const;
     bool isChunked() const;
     bool mayBeCut() const;
     bool isHeadTooLarge(CURLcode code) const;
@@ -84,6 +87,7 @@ private:
     AnswerHead m_head;
     BodySource m_source;
     BodySink m_sink;
+    Tally m_tally;
     std::exception_ptr m_thrown; ///< by one of the bodies, or about the head
     bool m_isConnected = false;
     bool m_isDelivered = false;

@@ -23,7 +23,10 @@ void goOnUnlessBrokenOff(const Interruption& interruption)
 std::shared_ptr<Interruption> ofThisWork()
 {
     auto interruption = Interruption::current();
-    return interruption ? interruption : std::make_shared<Interruption>();
+    if (!interruption)
+        return std::make_shared<Interruption>();
+    // A scope of the host's waits for nothing itself.
+    return Interruption::isAwaited(interruption) ? interruption : Interruption::within({interruption, nullptr, nullptr, true});
 }
 
 } // namespace
@@ -63,6 +66,11 @@ Operation::~Operation()
 {
     if (m_outermost)
         ofThisThread = nullptr;
+}
+
+bool Operation::isUnderWay()
+{
+    return ofThisThread != nullptr;
 }
 
 pplx::cancellation_token Operation::token()

@@ -26,6 +26,9 @@ public:
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
+    /// Whether this thread is in one.
+    static bool isUnderWay();
+
     /// Cancels the requests of this thread's operation; none outside of all operations.
     static pplx::cancellation_token token();
 

@@ -105,7 +105,7 @@ private:
 
 } // namespace
 
-void runAfter(std::chrono::seconds pause, std::function<void()> task, const std::shared_ptr<Interruption>& interruption)
+void runAfter(std::chrono::milliseconds pause, std::function<void()> task, const std::shared_ptr<Interruption>& interruption)
 {
     static DelayedTasks& tasks = utils::neverDestroyed(new DelayedTasks);
     const Clock::time_point when = Clock::now() + pause;
@@ -115,7 +115,8 @@ void runAfter(std::chrono::seconds pause, std::function<void()> task, const std:
     }
     // The task owns what listens for it, and hears nothing any more when it has run.
     const auto listening = std::make_shared<std::optional<Interruption::Listener>>();
-    const unsigned long long number = tasks.add({when, [task = std::move(task), listening] { task(); }, true});
+    const unsigned long long number =
+        tasks.add({when, [task = std::move(task), listening] { task(); }, Interruption::isAwaited(interruption)});
     try {
         listening->emplace(interruption, [when, number] { tasks.hasten(when, number); });
     }

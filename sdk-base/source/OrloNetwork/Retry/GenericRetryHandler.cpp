@@ -2,7 +2,9 @@
 
 #include "../NetworkCommon.h"
 #include "../WebRequest.h"
+#include "Attempts.h"
 #include "DelayedTasks.h"
+#include "Patience.h"
 
 #include <BaseCommon/Caught.h>
 #include <BaseCommon/Interruption.h>
@@ -21,7 +23,8 @@ bool isBrokenOff(const OrloCallbackContext& context)
 
 } // namespace
 
-GenericRetryHandler::GenericRetryHandler() : m_limit(getRetryLimitation()), m_pauseSeconds(getRetryInterval())
+GenericRetryHandler::GenericRetryHandler()
+    : m_patience(std::make_unique<const Patience>(Patience::now())), m_attempts(std::make_shared<Attempts>())
 {}
 
 GenericRetryHandler::~GenericRetryHandler() = default;
@@ -69,7 +72,7 @@ void GenericRetryHandler::on_complete(int status, const std::wstring& body, cons
 
 bool GenericRetryHandler::deservesAnotherAttempt(int status, const OrloCallbackContext& context, ErrorCode& error) const
 {
-    if (status == 200 || m_repeated == m_limit || !m_request || isBrokenOff(context))
+    if (status == 200 || m_repeated == m_patience->limit || !m_request || isBrokenOff(context))
         return false;
     const auto failure = std::dynamic_pointer_cast<HttpError>(error.GetCategory());
     return failure && CalculateIsNeedRetryRequest(failure.get(), error);
@@ -93,13 +96,14 @@ void GenericRetryHandler::repeatLater(const std::shared_ptr<OrloCallbackContext>
 {
     ++m_repeated;
     log::warning(L"OrloNetworkRetry::GenericRetryHandler - retry attempts[" + std::to_wstring(m_repeated) + L"]");
+    const std::chrono::milliseconds pause = m_patience->pauseBefore(m_repeated, error);
     const auto repeat = [self = shared_from_this(), context, &error] {
         const Interruption::Scope scope(context->interruption);
         context->propagate = self->m_originalPropagation;
         error.Clear();
         self->run(context, error);
     };
-    runAfter(std::chrono::seconds(m_pauseSeconds), repeat, context->interruption);
+    runAfter(pause, repeat, context->interruption);
 }
 
 void GenericRetryHandler::run(const std::shared_ptr<OrloCallbackContext>& context, ErrorCode& error)
@@ -108,6 +112,8 @@ void GenericRetryHandler::run(const std::shared_ptr<OrloCallbackContext>& contex
     const auto self = shared_from_this();
     const auto request = m_request;
     m_awaitsAnswer = true;
+    m_attempts->begin();
+    const Attempts::Scope scope(m_attempts);
     try {
         if (request)
             (*request)();

@@ -10,6 +10,9 @@
 
 namespace orlo::http {
 
+class Attempts;
+struct Patience;
+
 /// Stands between an asynchronous request and the handler of its chain, and repeats the request by the same rule and
 /// limits as SendNormalRequestWithRetry. Between two attempts it holds no thread. When it is done, it puts the chain's own
 /// handler back into the context and passes the last answer on, exactly once. A second answer to the same attempt is dropped.
@@ -47,9 +50,9 @@ private:
     std::shared_ptr<IOrloCallback> m_originalHandler;
     bool m_originalPropagation = false;
     std::shared_ptr<const std::function<void()>> m_request;
-    unsigned m_limit;
-    unsigned m_pauseSeconds;
+    const std::unique_ptr<const Patience> m_patience;
     unsigned m_repeated = 0;
+    const std::shared_ptr<Attempts> m_attempts;
     std::atomic<bool> m_awaitsAnswer{false};
 };
 

@@ -5,6 +5,7 @@
 #include <OrloNetwork/Engine/Workers.h>
 #include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
+#include <OrloNetwork/RequestNote.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <stdexcept>
@@ -27,11 +28,12 @@ void Step::complete(int status, const std::wstring& body, const std::vector<unsi
         complete(status, body);
 }
 
-void noteStatus(ErrorCode& error, const http_response& response, const std::string& body)
+void noteStatus(ErrorCode& error, const Arrival& arrival, const std::string& body)
 {
-    const int status = response.status_code();
-    if (status >= 400)
-        error.Assign(error::errorStatus, makeHttpError(L"HttpError", OrloWebService::TextOf(response, body), status, 0));
+    const http_response& response = arrival.response;
+    if (response.status_code() >= 400)
+        error.Assign(error::errorStatus,
+                     http::errorOfStatus(*arrival.made.request, arrival.made.note.get(), response, OrloWebService::TextOf(response, body)));
 }
 
 namespace {
@@ -52,7 +54,7 @@ void goOnUnlessBrokenOff(const Step& step)
 class Piece
 {
 public:
-    explicit Piece(const Step& step) : m_permit(interruptionOf(step) != nullptr), m_scope(interruptionOf(step)) {}
+    explicit Piece(const Step& step) : m_permit(Interruption::isAwaited(interruptionOf(step))), m_scope(interruptionOf(step)) {}
 
     explicit operator bool() const { return static_cast<bool>(m_permit); }
 
@@ -74,19 +76,32 @@ void reportCaught(const Step& step)
     http::HandleCasablancaException(pplx::task_from_exception<void>(std::current_exception()), step.context, step.key, *step.error);
 }
 
+http_response taken(const pplx::task<http_response>& arrived, const Exchange& made)
+try {
+    const http_response response = arrived.get();
+    http::tellEnd(*made.request, made.note.get(), response.status_code());
+    return response;
+}
+catch (...) {
+    http::tellFailure(*made.request, made.note.get());
+    throw;
+}
+
 /// The end of an exchange, in one piece: the outcome may stand and the process end while it still runs.
 void conclude(const pplx::task<http_response>& arrived, const Step& step, const Exchange& made,
-              const std::function<void(http_response)>& answered)
+              const std::function<void(const Arrival&)>& answered, const std::function<void()>& abandon)
 {
     const Piece piece(step);
     try {
-        const http_response response = arrived.get();
+        const Arrival arrival{taken(arrived, made), made};
         if (!piece)
             return;
-        OrloWebService::LogResponse(response, *made.request, *step.error);
-        answered(response);
+        OrloWebService::LogResponse(arrival.response, *made.request, *step.error);
+        answered(arrival);
     }
     catch (...) {
+        if (abandon)
+            abandon();
         if (piece)
             reportCaught(step);
     }
@@ -95,7 +110,7 @@ void conclude(const pplx::task<http_response>& arrived, const Step& step, const 
 } // namespace
 
 void exchange(const Step& step, const std::function<Exchange()>& prepare, const concurrency::streams::ostream& sink,
-              std::function<void(http_response)> answered)
+              std::function<void(const Arrival&)> answered, std::function<void()> abandon)
 {
     try {
         goOnUnlessBrokenOff(step);
@@ -105,8 +120,8 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, const 
         const auto cancellation = std::make_shared<const http::Cancellation>(interruptionOf(step));
         made.client->request(*made.request, cancellation->token())
             .then(&withContent, pplx::task_options(http::Workers::atOnce()))
-            .then([made, cancellation, step,
-                   answered = std::move(answered)](const pplx::task<http_response>& arrived) { conclude(arrived, step, made, answered); },
+            .then([made, cancellation, step, answered = std::move(answered), abandon = std::move(abandon)](
+                      const pplx::task<http_response>& arrived) { conclude(arrived, step, made, answered, abandon); },
                   pplx::task_options(http::Workers::scheduler()));
     }
     catch (...) {
@@ -115,7 +130,12 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, const 
     }
 }
 
-void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered)
+namespace {
+
+enum class Token { mayBeRenewed, isNew };
+
+void sendWith(Token token, const Step& step, const WebCall& call, const std::function<Exchange()>& prepare,
+              const std::function<void(WebAnswer&)>& answered)
 {
     const auto body = std::make_shared<std::string>();
     const auto receive = [body](const uint8_t* bytes, std::size_t count) {
@@ -123,14 +143,27 @@ void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)>
             throw std::length_error("the answer is too large");
         body->append(reinterpret_cast<const char*>(bytes), count);
     };
-    exchange(
-        step, [call] { return call.prepare(); }, http::SinkBuffer::stream(receive, http::SinkBuffer::Place::inPlace),
-        [step, call, body, answered = std::move(answered)](http_response response) {
-            noteStatus(*step.error, response, *body);
-            response.set_body(std::move(*body), "application/json");
-            WebAnswer answer = call.answer(response, *step.error);
-            answered(answer);
-        });
+    exchange(step, prepare, http::SinkBuffer::stream(receive, http::SinkBuffer::Place::inPlace),
+             [token, step, call, body, answered](const Arrival& arrival) {
+                 if (token == Token::mayBeRenewed) {
+                     if (const auto again = call.prepareAgain(arrival.made, arrival.response))
+                         return sendWith(
+                             Token::isNew, step, call, [made = *again] { return made; }, answered);
+                 }
+                 noteStatus(*step.error, arrival, *body);
+                 http_response response = arrival.response;
+                 response.set_body(std::move(*body), "application/json");
+                 WebAnswer answer = call.answer(response, *step.error);
+                 answered(answer);
+             });
+}
+
+} // namespace
+
+void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered)
+{
+    sendWith(
+        Token::mayBeRenewed, step, call, [call] { return call.prepare(); }, answered);
 }
 
 } // namespace orlo

@@ -3,10 +3,13 @@
 #include <BaseCommon/Files.h>
 #include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
+#include <OrloAuth/TokenRenewal.h>
+#include <OrloAuth/UserSession.h>
 #include <OrloCommon/OrloConfigManager.h>
 #include <OrloLogging/Log.h>
 #include <OrloLogging/SecretGuard.h>
 #include <OrloNetwork/Lifetime/Operation.h>
+#include <OrloNetwork/RequestNote.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <chrono>
@@ -259,12 +262,29 @@ Exchange WebCall::prepare() const
     web::http::client::http_client_config config;
     if (m_timeoutSeconds)
         config.set_timeout(secondsAsTimeout(*m_timeoutSeconds));
+    const auto session = UserSession::GetInstance();
     const auto request =
         m_text ? OrloWebService::CreateRequest(m_method, target(), *m_text) : OrloWebService::CreateRequest(m_method, target(), m_json);
+    // The token must be that of the session that is told, or a refusal would be taken for another's.
+    if (session != UserSession::GetInstance())
+        return prepare();
     if (m_isPlainText)
         request->headers().set_content_type(utils::toNative(std::string("text/plain; charset=utf-8")));
     const auto traffic = m_keepsApart ? OrloWebService::Traffic::changes : OrloWebService::Traffic::calls;
-    return {OrloWebService::CreateClient(base, config, traffic), request};
+    const auto note = http::noteRequest(m_name);
+    if (!note->id.empty())
+        request->headers().add(utils::toNative(std::string("X-Request-Id")), utils::toNative(note->id));
+    return {OrloWebService::CreateClient(base, config, traffic, note), request, note, session};
+}
+
+std::optional<Exchange> WebCall::prepareAgain(const Exchange& refused, const web::http::http_response& response) const
+{
+    if (response.status_code() != web::http::status_codes::Unauthorized || !renewToken(refused.session))
+        return std::nullopt;
+    Exchange made = prepare();
+    // Somebody else may have signed in since.
+    const bool isOfSameUser = made.session && made.session->isOfSameUser(*refused.session);
+    return isOfSameUser ? std::optional(std::move(made)) : std::nullopt;
 }
 
 WebAnswer WebCall::answer(const web::http::http_response& response, const ErrorCode& error) const
@@ -275,8 +295,15 @@ WebAnswer WebCall::answer(const web::http::http_response& response, const ErrorC
 WebAnswer WebCall::send(ErrorCode& error) const
 {
     const http::Operation operation;
-    const Exchange made = prepare();
-    return answer(OrloWebService::ExecuteRequest(*made.client, made.request, error), error);
+    const ErrorCode before = error;
+    Exchange made = prepare();
+    auto response = OrloWebService::ExecuteRequest(*made.client, made.request, error, OrloWebService::largestAnswer, made.note.get());
+    if (const auto again = prepareAgain(made, response)) {
+        error = before;
+        made = *again;
+        response = OrloWebService::ExecuteRequest(*made.client, made.request, error, OrloWebService::largestAnswer, made.note.get());
+    }
+    return answer(response, error);
 }
 
 std::chrono::microseconds secondsAsTimeout(int seconds)

@@ -16,6 +16,11 @@
 
 namespace orlo {
 
+class UserSession;
+namespace http {
+struct RequestNote;
+}
+
 /// The services of the platform, as the configuration names them.
 namespace service {
 inline constexpr const wchar_t* project = L"project";
@@ -63,6 +68,8 @@ struct Exchange
 {
     std::shared_ptr<web::http::client::http_client> client;
     std::shared_ptr<web::http::http_request> request;
+    std::shared_ptr<http::RequestNote> note;
+    std::shared_ptr<UserSession> session{}; ///< whose token goes along; null where none does
 };
 
 /// What is logged for a status that is not 200: the words and the status, with the platform's own words behind them or not;
@@ -162,6 +169,9 @@ public:
     WebAnswer send(ErrorCode& error) const;
     /// The client and the request alone, for an asynchronous step.
     Exchange prepare() const;
+    /// The same once more, where the platform refused the token and the same user has another one now: asks for it, which may take its
+    /// time.
+    std::optional<Exchange> prepareAgain(const Exchange& refused, const web::http::http_response& response) const;
     WebAnswer answer(const web::http::http_response& response, const ErrorCode& error) const;
 
 private:

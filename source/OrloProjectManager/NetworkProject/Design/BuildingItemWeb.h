@@ -22,8 +22,8 @@ bool GetBuildingItems(ErrorCode& error, std::vector<ProjectItemConfig>& items, c
 bool GetBuildingItem(ErrorCode& error, ProjectItemConfig& item, const std::wstring& projectId, const std::wstring& subItemId, int version);
 bool GetLatestBuildingItem(ErrorCode& error, ProjectItemConfig& item, const std::wstring& projectId, const std::wstring& subItemId);
 
-/// What a project or an item, the binder, has of a type. revision: that of the last element, 0 where there is none; -1 where no element
-/// tells one, or on failure.
+/// What a project or an item, the binder, has of a type. revision: that of the last element that tells one, 0 where there is no element; -1
+/// where none tells one, or on failure.
 bool GetLatestConfigByProjectIdAndOwnerId(ErrorCode& error, std::vector<ProjectItemConfig>& items, int* revision,
                                           const std::wstring& bindId, const std::wstring& projectId, ConfigType type);
 bool GetProjectItemConfig(ErrorCode& error, ProjectItemConfig& config, const std::wstring& projectId, const std::wstring& subItemId,

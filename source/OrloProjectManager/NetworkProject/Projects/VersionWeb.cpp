@@ -8,7 +8,15 @@
 #include <BaseCommon/Text.h>
 #include <OrloLogging/Log.h>
 
-namespace orlo::OrloWebService {
+namespace orlo {
+
+VersionOfFile::VersionOfFile()
+{
+    record.version = -1;
+    record.size = -1;
+}
+
+namespace OrloWebService {
 
 using http::ORLOHTTPPayloadDatasetVersion;
 using OrloPayloadProcessor::readDatasetVersion;
@@ -29,6 +37,16 @@ bool readVersion(WebAnswer answer, ORLOHTTPPayloadDatasetVersion& out)
         return false;
     readDatasetVersion(answer.body(), out);
     return true;
+}
+
+/// version: below 0 for the latest.
+WebCall versionCall(const wchar_t* name, const std::string& datasetId, int version, const std::wstring& mvd)
+{
+    const bool latest = version < 0;
+    WebCall call(name, service::project, methods::GET, versionPath);
+    call.place(L"{dsId}", datasetId).place(L"{dsVersion}", latest ? L"latest" : utils::toWstring(version));
+    call.query(L"onlySuccess", latest ? L"true" : L"false").query(L"mvd", mvd.empty() ? L"base" : mvd).withTimeoutOfFirstUse();
+    return call;
 }
 
 /// What the two ways of making a version from a file have in common; the body is their own.
@@ -77,11 +95,18 @@ bool GetDatasetVersionByMvd(ErrorCode& error, ORLOHTTPPayloadDatasetVersion& out
         error.Assign(error::exception, makeHttpError(L"Invalid argument", L"datasetId is empty", 0, 0));
         return false;
     }
-    const bool latest = version < 0;
-    WebCall call(L"OrloWebService::GetDatasetVersionByMvd", service::project, methods::GET, versionPath);
-    call.place(L"{dsId}", datasetId).place(L"{dsVersion}", latest ? L"latest" : utils::toWstring(version));
-    call.query(L"onlySuccess", latest ? L"true" : L"false").query(L"mvd", mvd.empty() ? L"base" : mvd).withTimeoutOfFirstUse();
-    return readVersion(call.send(error), out);
+    return readVersion(versionCall(L"OrloWebService::GetDatasetVersionByMvd", datasetId, version, mvd).send(error), out);
+}
+
+bool GetVersionOfFile(ErrorCode& error, VersionOfFile& out, const std::string& datasetId, int version)
+{
+    WebCall call = versionCall(L"OrloWebService::GetVersionOfFile", datasetId, version, L"");
+    WebAnswer answer = call.failsSilently().send(error);
+    if (!answer.ok())
+        return false;
+    readDatasetVersion(answer.body(), out.record);
+    readMember(answer.data(), L"versionIndex", out.documentVersion);
+    return true;
 }
 
 bool GetDatasetVersionAccordingMVD(ErrorCode& error, std::vector<ORLOHTTPPayloadDatasetVersion>& out, const std::vector<int>& versionIds,
@@ -129,4 +154,5 @@ bool UpsertDatasetMeta(ErrorCode& error, DatasetMetaKey key, const std::wstring&
     return call.withTimeoutOfFirstUse().untaggedFailureWords(L"IVersion::UpsertDatasetMeta - code:").send(error).ok();
 }
 
-} // namespace orlo::OrloWebService
+} // namespace OrloWebService
+} // namespace orlo

@@ -10,6 +10,15 @@ namespace orlo {
 
 class ErrorCode;
 
+/// A version of a dataset, with the marks that tell an untold number from 0.
+struct VersionOfFile
+{
+    VersionOfFile();
+
+    http::ORLOHTTPPayloadDatasetVersion record; ///< version, size: -1 where they aren't told
+    int documentVersion = -1;                   ///< of a file in the document store, which counts for itself; -1: not told
+};
+
 namespace OrloWebService {
 
 /// A version whose content is the record's `dataSetSourceFile`.
@@ -22,6 +31,8 @@ bool CreateVersionByNumber(ErrorCode& error, const std::wstring& datasetId, int 
 /// version: below 0 for the latest.   mvd: "base" is sent where it is empty.
 bool GetDatasetVersionByMvd(ErrorCode& error, http::ORLOHTTPPayloadDatasetVersion& out, const std::string& datasetId, int version,
                             const std::wstring& mvd);
+/// The same request for the sake of the version's file, in silence: a number that a dataset has skipped is no failure there.
+bool GetVersionOfFile(ErrorCode& error, VersionOfFile& out, const std::string& datasetId, int version);
 bool GetDatasetVersionAccordingMVD(ErrorCode& error, std::vector<http::ORLOHTTPPayloadDatasetVersion>& out,
                                    const std::vector<int>& versionIds, const std::string& mvd);
 /// The platform's own answer, true or false.

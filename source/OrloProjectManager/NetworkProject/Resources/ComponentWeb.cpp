@@ -5,11 +5,14 @@
 #include "ComponentReaders.h"
 
 #include <BaseCommon/JsonWrapper.h>
+#include <BaseCommon/JsonWriter.h>
 #include <BaseCommon/Text.h>
 #include <OrloLogging/Log.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <iterator>
+#include <string>
+#include <unordered_map>
 #include <utility>
 
 namespace orlo::OrloWebService {
@@ -142,6 +145,24 @@ std::string firstTwoParts(const std::string& version)
 {
     const std::size_t first = version.find('.');
     return first == std::string::npos ? version : version.substr(0, version.find('.', first + 1));
+}
+
+using NarrowPair = std::pair<std::string, std::string>;
+
+/// Rows the other way round, in their order. Of several with one public id the first gives the place and the last the id: what is written
+/// of them names each once.
+std::vector<NarrowPair> byPublicId(const std::map<std::wstring, std::wstring>& ids)
+{
+    std::vector<NarrowPair> rows;
+    std::unordered_map<std::string, std::size_t> places;
+    rows.reserve(ids.size());
+    for (const auto& [id, publicId] : ids) {
+        const auto [known, isNew] = places.try_emplace(utils::toString(publicId), rows.size());
+        if (isNew)
+            rows.emplace_back(known->first, std::string());
+        rows[known->second].second = utils::toString(id);
+    }
+    return rows;
 }
 
 /// A text as one segment of a path, whatever it holds.
@@ -335,14 +356,14 @@ bool UploadComponent(ErrorCode& error, Component& component, const std::wstring&
 
 bool AddComponentsWithIds(ErrorCode& error, const std::wstring& projectId, const std::map<std::wstring, std::wstring>& ids)
 {
-    JsonWrapper body;
+    JsonWriter body;
     body.Add("softwareVersion", firstTwoParts(utils::toString(OrloWebServiceUtils::GetAppVersion())));
-    body.AddEmptySubObject("publicComponentIdToProjectComponentIdMap");
-    JsonWrapper projectIds = body["publicComponentIdToProjectComponentIdMap"];
-    for (const auto& [id, publicId] : ids)
-        projectIds.Add(utils::toString(publicId), utils::toString(id));
+    body.StartObject("publicComponentIdToProjectComponentIdMap");
+    for (const auto& [publicId, id] : byPublicId(ids))
+        body.Add(publicId, id);
+    body.EndObject();
     WebCall call(L"Project::AddComponentsWithIds", service::structure, methods::POST, addComponentsPath);
-    WebAnswer answer = call.place(L"{projectId}", projectId).body(utils::toWstring(body.ToString())).send(error);
+    WebAnswer answer = call.place(L"{projectId}", projectId).body(utils::toWstring(body.Done())).send(error);
     std::wstring code;
     return answer.ok() && readMember(answer.body(), L"code", code) && code == L"success";
 }

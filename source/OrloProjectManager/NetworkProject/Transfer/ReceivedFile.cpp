@@ -57,6 +57,9 @@ void ReceivedFile::begin(const web::http::http_response& response)
 
 void ReceivedFile::receive(const unsigned char* bytes, std::size_t count)
 {
+    const std::lock_guard lock(m_mutex);
+    if (m_isDiscarded)
+        return;
     if (!m_isPacked || !m_isWanted)
         return keep(bytes, count);
     if (!m_inflater)
@@ -103,6 +106,13 @@ void ReceivedFile::write(const unsigned char* bytes, std::size_t count)
     catch (const std::exception&) {
         m_file.reset();
     }
+}
+
+void ReceivedFile::discard() noexcept
+{
+    const std::lock_guard lock(m_mutex);
+    m_isDiscarded = true;
+    m_file.reset();
 }
 
 bool ReceivedFile::moveToPlace()

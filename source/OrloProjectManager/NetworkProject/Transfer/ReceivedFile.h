@@ -5,6 +5,7 @@
 
 #include <cpprest/http_msg.h>
 
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,6 +33,8 @@ public:
     bool isLarge() const { return m_isLarge; }
     /// Flushes the large file and gives it its name.   Returns: false if that, or the writing before, failed; nothing stays then.
     bool moveToPlace();
+    /// Nothing of the file is on the disk any more, and what still comes is dropped. Never throws.   Threads: any.
+    void discard() noexcept;
 
 private:
     void keep(const unsigned char* bytes, std::size_t count);
@@ -45,6 +48,9 @@ private:
     std::vector<unsigned char> m_head;
     std::optional<http::Inflater> m_inflater; ///< from the first byte on
     std::optional<http::TempFile> m_file;     ///< none where it couldn't be written
+    // A failed transfer ends while what came before is still being written.
+    std::mutex m_mutex;
+    bool m_isDiscarded = false;
 };
 
 } // namespace orlo

@@ -18,9 +18,13 @@
 #include <OrloNetwork/Body/SinkBuffer.h>
 #include <OrloNetwork/Body/TempFile.h>
 #include <OrloNetwork/Lifetime/Operation.h>
+#include <OrloNetwork/RequestNote.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <cpprest/rawptrstream.h>
+
+#include <mutex>
+#include <optional>
 
 namespace orlo::OrloWebService {
 
@@ -49,7 +53,8 @@ void endTransfer(const std::wstring& words, const char* label)
 }
 
 /// Signed addresses go out as they stand, but for blanks, which no address may hold.
-Exchange signedExchange(const web::http::method& method, std::wstring address, Traffic traffic = Traffic::files)
+/// name: of the web function.
+Exchange signedExchange(const std::wstring& name, const web::http::method& method, std::wstring address, Traffic traffic = Traffic::files)
 {
     utils::strReplace(address, L" ", L"%20");
     web::http::client::http_client_config config;
@@ -57,7 +62,8 @@ Exchange signedExchange(const web::http::method& method, std::wstring address, T
     const auto request = std::make_shared<web::http::http_request>(method);
     // Empty on purpose, and set before any body: a signed address takes no content type, and the body would bring one.
     request->headers().add(web::http::header_names::content_type, utility::string_t());
-    return {CreateClient(address, config, traffic), request};
+    const auto note = http::noteRequest(name);
+    return {CreateClient(address, config, traffic, note), request, note};
 }
 
 /// Sends the bytes from where they are, and keeps their owner for as long as anything may read them.
@@ -136,12 +142,13 @@ std::wstring widened(const std::vector<unsigned char>& bytes)
     return wide;
 }
 
-void fileArrived(const Step& step, const http_response& response, ReceivedFile& file)
+void fileArrived(const Step& step, const Arrival& arrival, ReceivedFile& file)
 {
+    const http_response& response = arrival.response;
     const int status = response.status_code();
     file.end();
     const std::vector<unsigned char>& bytes = file.head();
-    noteStatus(*step.error, response, status < 400 ? std::string() : textOf(bytes));
+    noteStatus(*step.error, arrival, status < 400 ? std::string() : textOf(bytes));
     if (!okOrStopped(step, response, L"OrloWebService::GetFileAsync - code:")) {
         step.complete(status, step.error->GetErrorMessage(), {});
     }
@@ -160,21 +167,31 @@ void fileArrived(const Step& step, const http_response& response, ReceivedFile& 
 /// an answer that turns out to be an error.
 struct StreamTarget
 {
-    explicit StreamTarget(std::wstring wholeFile) : target(std::move(wholeFile)), file(temporaryName()) {}
+    explicit StreamTarget(std::wstring wholeFile) : target(std::move(wholeFile)) { file.emplace(temporaryName()); }
 
     void receive(const std::uint8_t* bytes, std::size_t count)
     {
+        const std::lock_guard lock(mutex);
+        if (!file)
+            return;
         constexpr std::size_t enoughForWords = std::size_t{64} << 10;
         if (head.size() < enoughForWords)
             head.append(reinterpret_cast<const char*>(bytes), std::min(count, enoughForWords - head.size()));
-        file.write(bytes, count);
+        file->write(bytes, count);
+    }
+
+    /// As that of a ReceivedFile.
+    void discard() noexcept
+    {
+        const std::lock_guard lock(mutex);
+        file.reset();
     }
 
     bool moveToPlace()
     {
-        file.close();
+        file->close();
         utils::createDirectoryRecursively(FilePath(target).GetDirectoryName());
-        if (file.moveTo(target))
+        if (file->moveTo(target))
             return true;
         log::error(L"Failed to move file to \"" + target + L"\"");
         return false;
@@ -187,24 +204,65 @@ struct StreamTarget
     }
 
     std::wstring target;
-    http::TempFile file;
+    std::optional<http::TempFile> file;
     std::string head;
+    std::mutex mutex;
 };
 
-void streamArrived(const Step& step, const http_response& response, StreamTarget& stream)
+void streamArrived(const Step& step, const Arrival& arrival, StreamTarget& stream)
 {
-    noteStatus(*step.error, response, stream.head);
-    if (okOrStopped(step, response, L"OrloWebService::GetFileByStreamModeAsync - code:") && !stream.moveToPlace())
+    const http_response& response = arrival.response;
+    noteStatus(*step.error, arrival, stream.head);
+    if (!okOrStopped(step, response, L"OrloWebService::GetFileByStreamModeAsync - code:"))
+        stream.discard();
+    else if (!stream.moveToPlace())
         step.stop();
     step.complete(response.status_code(), std::wstring());
     endTransfer(L"END TO GetFileByStreamModeAsync.", streamLabel);
+}
+
+constexpr const wchar_t* badAddress = L"the address is not a valid URI";
+
+/// name: of the web function. Throws on a transport failure, and web::uri_exception for an address that is none.
+Arrival getAndWait(const std::wstring& name, ErrorCode& error, const std::wstring& url, const concurrency::streams::ostream& sink)
+{
+    const Exchange made = signedExchange(name, methods::GET, url);
+    made.request->set_response_stream(sink);
+    LogRequest(*made.client, *made.request);
+    const http_response response = SendAndWait(*made.client, *made.request, made.note.get());
+    LogResponse(response, *made.request, error);
+    return {response, made};
+}
+
+/// In lower-case hexadecimal digits; empty for a text that isn't the Base64 of 16 bytes.
+std::string md5OfBase64(const utility::string_t& text)
+{
+    constexpr std::size_t bytesOfMd5 = 16;
+    constexpr const char* digits = "0123456789abcdef";
+    try {
+        const std::vector<unsigned char> sum = utility::conversions::from_base64(text);
+        std::string all;
+        for (const unsigned char byte : sum)
+            all.append({digits[byte >> 4], digits[byte & 15]});
+        return sum.size() == bytesOfMd5 ? all : std::string();
+    }
+    catch (const std::exception&) {
+        return {};
+    }
+}
+
+std::string toldMd5(const http_response& response)
+{
+    utility::string_t sum;
+    response.headers().match(web::http::header_names::content_md5, sum);
+    return response.headers().has(web::http::header_names::content_encoding) ? std::string() : md5OfBase64(sum);
 }
 
 /// giveBody: what throws fails the attempt. confirm: the same, when the store has taken all.
 void put(const Step& step, const std::string& url, std::function<void(web::http::http_request&)> giveBody, std::function<void()> confirm)
 {
     const auto prepare = [url, giveBody = std::move(giveBody)] {
-        const Exchange made = signedExchange(methods::PUT, utils::toWstring(url));
+        const Exchange made = signedExchange(L"OrloWebService::PutFileAsync", methods::PUT, utils::toWstring(url));
         giveBody(*made.request);
         return made;
     };
@@ -213,8 +271,9 @@ void put(const Step& step, const std::string& url, std::function<void(web::http:
         answer->append(reinterpret_cast<const char*>(bytes), std::min(count, largestAnswer - answer->size()));
     };
     exchange(step, prepare, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace),
-             [step, answer, confirm = std::move(confirm)](const http_response& response) {
-                 noteStatus(*step.error, response, *answer);
+             [step, answer, confirm = std::move(confirm)](const Arrival& arrival) {
+                 const http_response& response = arrival.response;
+                 noteStatus(*step.error, arrival, *answer);
                  const bool ok = okOrStopped(step, response, L"OrloWebService::PutFileAsync - code:");
                  if (ok)
                      confirm();
@@ -261,13 +320,14 @@ void GetFileAsync(ErrorCode& error, const std::wstring& url, const Context& cont
     const Step step{"GetFile", context, &error};
     beginTransfer(L"BEGIN TO GetFileAsync.", getLabel);
     const auto get = [url] {
-        const Exchange made = signedExchange(methods::GET, url);
+        const Exchange made = signedExchange(L"OrloWebService::GetFileAsync", methods::GET, url);
         made.request->headers().add(web::http::header_names::accept_encoding, utils::toNative(std::string("gzip")));
         return made;
     };
     const auto sink = SinkBuffer::stream([file](const std::uint8_t* bytes, std::size_t count) { file->receive(bytes, count); },
                                          SinkBuffer::Place::apart, [file](const http_response& response) { file->begin(response); });
-    exchange(step, get, sink, [step, file](const http_response& response) { fileArrived(step, response, *file); });
+    exchange(
+        step, get, sink, [step, file](const Arrival& arrival) { fileArrived(step, arrival, *file); }, [file] { file->discard(); });
 }
 
 void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const std::wstring& target, const Context& context)
@@ -277,29 +337,48 @@ void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const s
     const auto stream = std::make_shared<StreamTarget>(target);
     const auto receive = [stream](const std::uint8_t* bytes, std::size_t count) { stream->receive(bytes, count); };
     exchange(
-        step, [url] { return signedExchange(methods::GET, url, Traffic::filesOfBatch); }, SinkBuffer::stream(receive),
-        [step, stream](const http_response& response) { streamArrived(step, response, *stream); });
+        step, [url] { return signedExchange(L"OrloWebService::GetFileByStreamModeAsync", methods::GET, url, Traffic::filesOfBatch); },
+        SinkBuffer::stream(receive), [step, stream](const Arrival& arrival) { streamArrived(step, arrival, *stream); },
+        [stream] { stream->discard(); });
 }
 
 bool DownloadFileFromUrl(ErrorCode& error, const std::wstring& url, const std::wstring& target)
 try {
     const http::Operation operation;
     const auto stream = std::make_shared<StreamTarget>(target);
-    const Exchange made = signedExchange(methods::GET, url);
-    made.request->set_response_stream(SinkBuffer::stream(
-        [stream](const std::uint8_t* bytes, std::size_t count) { stream->receive(bytes, count); }, SinkBuffer::Place::inPlace));
-    LogRequest(*made.client, *made.request);
-    const http_response response = SendAndWait(*made.client, *made.request);
-    LogResponse(response, *made.request, error);
-    noteStatus(error, response, stream->head);
-    if (!okOrLogged(response, L"OrloWebService::DownloadFileFromUrl - code:"))
+    const auto receive = [stream](const std::uint8_t* bytes, std::size_t count) { stream->receive(bytes, count); };
+    const Arrival arrival =
+        getAndWait(L"OrloWebService::DownloadFileFromUrl", error, url, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace));
+    noteStatus(error, arrival, stream->head);
+    if (!okOrLogged(arrival.response, L"OrloWebService::DownloadFileFromUrl - code:"))
         return false;
     if (stream->moveToPlace())
         return true;
     return refuse(error, error::exception, L"the file can't be moved to its place");
 }
 catch (const web::uri_exception&) { // its text is the address, signature and all
-    return refuse(error, error::badInput, L"the address is not a valid URI");
+    return refuse(error, error::badInput, badAddress);
+}
+
+bool GetFileFromUrl(ErrorCode& error, std::string& md5, const std::wstring& url, const std::wstring& place)
+try {
+    const http::Operation operation;
+    const auto file = std::make_shared<ReceivedFile>(place);
+    const auto receive = [file](const std::uint8_t* bytes, std::size_t count) { file->receive(bytes, count); };
+    const auto begin = [file](const http_response& response) { file->begin(response); };
+    const Arrival arrival =
+        getAndWait(L"OrloWebService::GetFileFromUrl", error, url, SinkBuffer::stream(receive, SinkBuffer::Place::inPlace, begin));
+    file->end();
+    noteStatus(error, arrival, arrival.response.status_code() < 400 ? std::string() : textOf(file->head()));
+    if (!okOrLogged(arrival.response, L"OrloWebService::GetFileFromUrl - code:"))
+        return false;
+    md5 = toldMd5(arrival.response);
+    if (file->isLarge() ? file->moveToPlace() : utils::writeFileAtomically(place, textOf(file->head())))
+        return true;
+    return refuse(error, error::exception, L"the file can't be written");
+}
+catch (const web::uri_exception&) {
+    return refuse(error, error::badInput, badAddress);
 }
 
 } // namespace orlo::OrloWebService

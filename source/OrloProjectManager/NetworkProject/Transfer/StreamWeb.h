@@ -33,6 +33,11 @@ void GetFileByStreamModeAsync(ErrorCode& error, const std::wstring& url, const s
 /// The same without a chain, for callers that wait: a web function for SendNormalRequestWithRetry. Throws on a transport
 /// failure.   Returns: whether the whole file is in its place; without that, the target is as it was.
 bool DownloadFileFromUrl(ErrorCode& error, const std::wstring& url, const std::wstring& target);
+/// The same for a file that is to be looked at before it gets its name, of any size; a compressed answer is inflated. It lies at the place
+/// then, which is of the caller's making.
+/// md5: what the store tells of the bytes (Content-MD5), in lower-case hexadecimal digits. Empty where it tells nothing, or something that
+/// is no such sum, and where the answer came compressed, since it belongs to what was sent then.
+bool GetFileFromUrl(ErrorCode& error, std::string& md5, const std::wstring& url, const std::wstring& place);
 
 using CompressorMaker = std::unique_ptr<web::http::compression::compress_provider> (*)();
 /// For tests: what makes the gzip compressors. Null brings cpprestsdk's own back.

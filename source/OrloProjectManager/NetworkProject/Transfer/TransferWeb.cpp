@@ -2,6 +2,7 @@
 
 #include "../Call/AsyncCall.h"
 #include "../Call/FieldReaders.h"
+#include "../Call/FieldText.h"
 #include "../Call/Refusal.h"
 
 #include <BaseCommon/Text.h>
@@ -67,6 +68,27 @@ void acquireForFile(const Step& step, const WebCall& call, Authority place)
     send(step, call, [step, place](WebAnswer& answer) { step.complete(answer.status(), authorityOrStop(step, answer, place), {}); });
 }
 
+WebCall downloadCall(const std::wstring& remotePath)
+{
+    WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readFilePath);
+    call.plainText(remotePath);
+    return call;
+}
+
+WebCall documentDownloadCall(const std::wstring& fileId, int version)
+{
+    WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readDocumentPath);
+    call.place(L"{fileId}", fileId).query(L"version", utils::toWstring(version));
+    return call;
+}
+
+/// An authority without an address is one all the same.
+bool readAddress(const web::json::value& authority, std::wstring& address)
+{
+    address = utils::toWstring(fieldText(authority, L"fileUrlWithSAS"));
+    return true;
+}
+
 /// Refuses an input, and ends the chain with it.
 bool refuseStep(const Step& step, long long value, const std::wstring& words)
 {
@@ -102,15 +124,24 @@ void AcquireUploadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fi
 
 void AcquireDownloadAuthorityAsync(ErrorCode& error, const std::wstring& remotePath, const Context& context)
 {
-    WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readFilePath);
-    acquireForFile({downloadStep, context, &error}, call.plainText(remotePath), Authority::isTheBody);
+    acquireForFile({downloadStep, context, &error}, downloadCall(remotePath), Authority::isTheBody);
 }
 
 void AcquireDownloadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileId, int version, const Context& context)
 {
-    WebCall call(L"OrloWebService::AcquireDownloadAuthorityAsync", service::project, methods::POST, readDocumentPath);
-    call.place(L"{fileId}", fileId).query(L"version", utils::toWstring(version));
-    acquireForFile({downloadStep, context, &error}, call, Authority::standsUnderData);
+    acquireForFile({downloadStep, context, &error}, documentDownloadCall(fileId, version), Authority::standsUnderData);
+}
+
+bool GetDownloadAddress(ErrorCode& error, std::wstring& address, const std::wstring& remotePath)
+{
+    WebAnswer answer = downloadCall(remotePath).send(error);
+    return answer.ok() && readAddress(answer.body(), address);
+}
+
+bool GetDocumentDownloadAddress(ErrorCode& error, std::wstring& address, const std::wstring& fileId, int version)
+{
+    WebAnswer answer = documentDownloadCall(fileId, version).send(error);
+    return answer.ok() && readAddress(answer.data(), address);
 }
 
 void AcquireDownloadAuthorityAsyncForModuleFile(ErrorCode& error, const ModuleFileRequest& request, const Context& context)

@@ -21,6 +21,10 @@ void AcquireUploadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fi
 void AcquireDownloadAuthorityAsync(ErrorCode& error, const std::wstring& remotePath, const Context& context);
 void AcquireDownloadAuthorityByArkivAsync(ErrorCode& error, const std::wstring& fileId, int version, const Context& context);
 
+/// The same for callers that wait. address: empty where the platform tells none.
+bool GetDownloadAddress(ErrorCode& error, std::wstring& address, const std::wstring& remotePath);
+bool GetDocumentDownloadAddress(ErrorCode& error, std::wstring& address, const std::wstring& fileId, int version);
+
 /// What a module's file is asked for with, and where the module stands.
 struct ModuleFileRequest
 {

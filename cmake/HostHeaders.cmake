@@ -1,0 +1,40 @@
+# The headers of the support libraries that hosts include, beside the whole of include/OrloProjectManager. A header that one of these includes
+# is one too. They are installed, and each is compiled alone by a test.
+set(ORLO_HOST_HEADERS
+    BaseCommon/BaseConfigManager.h
+    BaseCommon/CallScope.h
+    BaseCommon/Callbacks.h
+    BaseCommon/CancelToken.h
+    BaseCommon/ErrorCode.h
+    BaseCommon/ErrorInfoManager.h
+    BaseCommon/Export.h
+    BaseCommon/Files.h
+    BaseCommon/HttpMessage.h
+    BaseCommon/IOrloBridge.h
+    BaseCommon/IOrloEventManager.h
+    BaseCommon/JsonWrapper.h
+    BaseCommon/LocalFolders.h
+    BaseCommon/Progress.h
+    BaseCommon/RequestError.h
+    BaseCommon/Text.h
+    BaseCommon/Uuid.h
+    OrloAuth/Export.h
+    OrloAuth/UserSession.h
+    OrloCommon/Export.h
+    OrloCommon/OrloConfigManager.h
+    OrloJobManager/Export.h
+    OrloJobManager/IFileJob.h
+    OrloJobManager/IJobEntity.h
+    OrloJobManager/IJobManager.h
+    OrloJobManager/JobAnswers.h
+    OrloJobManager/JobAnswers.h
+    OrloJobManager/JobEntity.h
+    OrloJobManager/LocalDbJobEntity.h
+    OrloLogging/Export.h
+    OrloLogging/ILogManager.h
+    OrloLogging/SecretGuard.h
+    OrloNetwork/CallObserver.h
+    OrloNetwork/Export.h
+    OrloNetwork/HostSettings.h
+    OrloNetwork/NetworkCommon.h
+    OrloNetwork/Reachability.h)

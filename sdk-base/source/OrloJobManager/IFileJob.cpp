@@ -1,0 +1,8 @@
+#include "IFileJob.h"
+
+namespace orlo {
+
+IFileJob::IFileJob() = default;
+IFileJob::~IFileJob() = default;
+
+} // namespace orlo
