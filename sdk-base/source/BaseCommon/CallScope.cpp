@@ -4,6 +4,7 @@
 #include "ProgressMeter.h"
 #include "ProgressReports.h"
 
+#include <exception>
 #include <optional>
 #include <utility>
 
@@ -46,11 +47,23 @@ struct CallScope::State
 };
 
 CallScope::CallScope(const CancelToken& token, ProgressCallback onProgress)
-    : m_state(std::make_unique<State>(token.interruption(), std::move(onProgress)))
-{}
+{
+    bind(token.interruption(), std::move(onProgress));
+}
 
-CallScope::CallScope(ProgressCallback onProgress) : m_state(std::make_unique<State>(nullptr, std::move(onProgress)))
-{}
+CallScope::CallScope(ProgressCallback onProgress)
+{
+    bind(nullptr, std::move(onProgress));
+}
+
+void CallScope::bind(const std::shared_ptr<Interruption>& token, ProgressCallback onProgress)
+{
+    try {
+        m_state = std::make_unique<State>(token, std::move(onProgress));
+    }
+    catch (const std::exception&) { // no memory: what the host wants done is done all the same
+    }
+}
 
 CallScope::~CallScope() = default;
 

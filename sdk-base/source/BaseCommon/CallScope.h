@@ -8,6 +8,8 @@
 
 namespace orlo {
 
+class Interruption;
+
 /// Binds what this thread begins, until the scope ends, to a token and to a callback: operations, and transfers whose futures may become
 /// ready later. One scope inside another adds to it: either token cancels, and both callbacks are told.
 ///
@@ -25,6 +27,7 @@ namespace orlo {
 /// host may hold up; the last state on the thread that ends the scope. The end of the scope waits for a call that is under way, and none
 /// comes behind it: a transfer that outlives its scope goes on, and can be cancelled, but isn't told of any more.
 ///
+/// Nothing is thrown: without the memory for it a scope binds nothing.
 /// Threads: a scope ends on the thread that it began on; scopes of one thread end in the opposite order. Requests: none.
 class ORLO_BASE_API CallScope
 {
@@ -38,6 +41,8 @@ public:
 
 private:
     struct State;
+
+    void bind(const std::shared_ptr<Interruption>& token, ProgressCallback onProgress);
 
     std::unique_ptr<State> m_state;
 };

@@ -167,8 +167,7 @@ std::shared_ptr<RequestNote> noteRequest(const std::wstring& operation)
     note->operation = operation;
     if (const auto attempts = Attempts::current())
         note->attempt = std::max(attempts->number(), 1U);
-    note->isObserved = observation().isObserved;
-    if (note->isObserved || observation().hasIds) {
+    if (observation().isObserved || observation().hasIds) {
         note->id = utils::toWstring(uuid::newUUIDV4());
         note->begin = std::chrono::steady_clock::now();
     }

@@ -18,8 +18,7 @@ struct RequestNote
 {
     std::wstring operation; ///< as the log names it
     unsigned attempt = 1;
-    std::wstring id; ///< empty where ids are off
-    bool isObserved = false;
+    std::wstring id; ///< empty where nobody looks and ids are off
     std::chrono::steady_clock::time_point begin;
     // Counted by whoever carries the request.
     std::uint64_t bytesSent = 0;
