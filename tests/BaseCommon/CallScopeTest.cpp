@@ -304,6 +304,20 @@ TEST(CallScope, insideAnotherTellsBoth)
     EXPECT_EQ(innerTold.last().bytesDone, 10U);
 }
 
+TEST(CallScope, canBeReplacedByAnother)
+{
+    std::unique_ptr<CallScope> held;
+    for (int i = 0; i < 3; ++i) {
+        const CancelToken token;
+        held = std::make_unique<CallScope>(token); // the new one begins before the old one ends
+        token.cancel();
+        ASSERT_NE(Interruption::current(), nullptr);
+        EXPECT_TRUE(Interruption::current()->isCancelled());
+    }
+    held.reset();
+    EXPECT_EQ(Interruption::current(), nullptr);
+}
+
 TEST(CallScope, manyThreadsCancelEachOthersScopes)
 {
     constexpr int rounds = 300;

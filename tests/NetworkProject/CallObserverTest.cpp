@@ -4,6 +4,7 @@
 #include "support/TransferTestSupport.h"
 #include "support/Waiting.h"
 
+#include <BaseCommon/CallScope.h>
 #include <BaseCommon/RequestError.h>
 #include <BaseCommon/Text.h>
 #include <OrloNetwork/CallObserver.h>
@@ -129,6 +130,26 @@ TEST_F(CallObserverTest, isToldNothingOnceItIsTakenAway)
     listProjects();
     EXPECT_TRUE(records().empty());
     EXPECT_EQ(log.lines(), Lines{});
+}
+
+TEST_F(CallObserverTest, tellsOfACancelledCallAsSuch)
+{
+    observe();
+    const RawServer silent(RawAnswer::stall());
+    moveServices(host, silent.url());
+    const CancelToken token;
+    std::thread cancelling([&] {
+        EXPECT_TRUE(waitUntil([&] { return silent.connectionCount() == 1; }));
+        token.cancel();
+    });
+    {
+        const CallScope scope(token);
+        listProjects();
+    }
+    cancelling.join();
+    ASSERT_EQ(records().size(), 1U);
+    EXPECT_EQ(records()[0].failure, NetworkFailure::cancelled);
+    EXPECT_EQ(records()[0].status, 0);
 }
 
 TEST_F(CallObserverTest, mayThrowAndNobodyIsTheWorseForIt)

@@ -4,6 +4,7 @@
 #include "support/TransferTestSupport.h"
 
 #include <BaseCommon/CallScope.h>
+#include <BaseCommon/RequestError.h>
 #include <OrloAuth/UserSession.h>
 #include <OrloProjectManager/OrloProjectManager.h>
 
@@ -183,6 +184,80 @@ TEST_F(TokenRenewalTest, whoWaitsCanBeCancelled)
     cancelling.join();
     mayGo.set_value();
     asking.join();
+}
+
+TEST_F(TokenRenewalTest, whoAskedFirstCanBeCancelledToo)
+{
+    std::promise<void> mayGo;
+    std::shared_future<void> go = mayGo.get_future().share();
+    UserSession::SetTokenSource([this, go](const UserIdentity&) {
+        ++asked;
+        go.wait();
+        return std::wstring();
+    });
+    expectWith(oldToken).reply(401);
+    const CancelToken token;
+    std::thread cancelling([&] {
+        EXPECT_TRUE(waitUntil([&] { return asked == 1; }));
+        token.cancel();
+    });
+    {
+        const CallScope scope(token);
+        EXPECT_FALSE(publish());
+    }
+    EXPECT_TRUE(isCancelled(error));
+    cancelling.join();
+    mayGo.set_value();
+}
+
+TEST_F(TokenRenewalTest, manyCallsAskASourceThatHasNoneOnce)
+{
+    UserSession::SetTokenSource([this](const UserIdentity&) -> std::wstring {
+        ++asked;
+        throw std::runtime_error("down");
+    });
+    constexpr int calls = 8;
+    platform.always("POST", target).replyWith([this](const Request&) { // all are there before the first is refused
+        EXPECT_TRUE(platform.waitForRequests(calls));
+        return Reply{401, "", "application/json", {}, false};
+    });
+    inThreads(calls, [&] {
+        ErrorCode own;
+        EXPECT_FALSE(IWorkUnit::MarkPublish("ds-1", 1, L"", own));
+    });
+    EXPECT_EQ(asked, 1);
+    EXPECT_FALSE(publish());
+    EXPECT_EQ(asked, 2) << "a request that is made later asks again";
+}
+
+TEST_F(TokenRenewalTest, nobodyIsAskedForAUserWhoHasGone)
+{
+    give(L"token-secret-2");
+    platform.expect("POST", target).anyBody().replyWith([](const Request&) {
+        UserSession::SignOut();
+        return Reply{401, "", "application/json", {}, false};
+    });
+    EXPECT_FALSE(publish());
+    EXPECT_EQ(asked, 0);
+}
+
+TEST_F(TokenRenewalTest, theRepeatedRequestOfATransferIsTheSameAttempt)
+{
+    const RetryLimit three(3);
+    std::atomic<int> tokens{2};
+    UserSession::SetTokenSource([&](const UserIdentity&) { return L"token-secret-" + std::to_wstring(tokens++); });
+    const std::string authorityPath = "/file/new?fileName=n&filepath=p";
+    for (const int status : {503, 401, 503, 401, 500, 500})
+        platform.expect("PUT", authorityPath).reply(status, "0123456789");
+    Progress last;
+    {
+        const CallScope scope([&](const Progress& progress) { last = progress; });
+        EXPECT_FALSE(outcomeOf(HttpClient::uploadFile(error, localFile("u", "x"), L"n", L"p", false)).success);
+    }
+    const RequestDetails* const details = requestDetails(error);
+    ASSERT_NE(details, nullptr);
+    EXPECT_EQ(details->attempts, 4U);
+    EXPECT_EQ(last.bytesDone, 10U) << "the last attempt's alone";
 }
 
 TEST_F(TokenRenewalTest, aTransferRenewsItToo)

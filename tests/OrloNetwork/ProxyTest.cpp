@@ -223,7 +223,25 @@ TEST_F(ProxyTest, anAddressWithoutAHostIsToldByItsForm)
 {
     useProxy(L"http://ana:p@ss@");
     EXPECT_FALSE(asks(L"http://platform.example"));
-    EXPECT_EQ(error.GetErrorMessage(), L"the address of the proxy can't be read; it has the form http://host:port");
+    EXPECT_EQ(error.GetErrorMessage(), L"the address of the proxy can't be read; it has the form host:port");
+}
+
+TEST_F(ProxyTest, aPasswordWhoseHostWasForgottenIsShownNowhere)
+{
+    for (const wchar_t* const text : {L"http://ana:SeCret", L"http://ana:SeCret/p?q#f", L"ana:SeCret", L"http://proxy.example:3128x"}) {
+        useProxy(text);
+        EXPECT_FALSE(asks(L"http://platform.example"));
+        EXPECT_EQ(error.GetErrorMessage(), L"the address of the proxy can't be read; it has the form host:port");
+        EXPECT_FALSE(log.holds(L"SeCret"));
+        EXPECT_FALSE(log.holds(L"secret"));
+    }
+}
+
+TEST_F(ProxyTest, anotherKindOfAddressIsNoProxy)
+{
+    useProxy(L"ftp://proxy.example:21");
+    EXPECT_FALSE(asks(L"http://platform.example"));
+    EXPECT_EQ(error.GetErrorMessage(), L"the address of the proxy can't be read; it has the form host:port");
 }
 
 } // namespace

@@ -4,7 +4,9 @@
 #include "support/TransferTestSupport.h"
 
 #include <BaseCommon/CallScope.h>
+#include <BaseCommon/Callbacks.h>
 #include <BaseCommon/Text.h>
+#include <OrloNetwork/CallObserver.h>
 #include <OrloNetwork/NetworkCommon.h>
 #include <OrloProjectManager/OrloProjectManager.h>
 
@@ -148,7 +150,46 @@ TEST_F(CancelledTransferTest, aBatchWhoseAuthorityNamesNothingEndsAfterAll)
     EXPECT_EQ(future.wait_for(0s), std::future_status::timeout);
     token.cancel();
     expectOutcome(outcomeOf(future), false, 5555, L"cancelled");
-    expectCancelledError();
+    expectClear(error);
+}
+
+TEST_F(CancelledTransferTest, aBatchThatNobodyWaitsForAnyMoreIsCancelledWithoutItsErrorCode)
+{
+    platform.always("POST", "/datasets/ds-1/blockFiles/readSAS").anyBody().reply(200, batchReply({}));
+    {
+        const auto given = std::make_unique<ErrorCode>();
+        const CallScope scope(token);
+        auto future = HttpClient::downloadBatchFiles(*given, "a", "ds-1", {"a/b"}, nullptr);
+        EXPECT_TRUE(
+            waitUntil([&] { return log.has(L"W [ORLOSDK]the platform named no file for a batch download; its future stays pending"); }));
+    }
+    token.cancel();
+}
+
+/// Hears the ends of a batch.
+class BatchListener final : public IOrloCallback
+{
+public:
+    void on_complete(int status, const std::wstring& body, const std::string&, std::shared_ptr<OrloCallbackContext>,
+                     ErrorCode& error) override
+    {
+        isAsTold = isAsTold && status == 5555 && body == L"cancelled" && isCancelled(error);
+        ++calls;
+    }
+    std::atomic<bool> isAsTold{true};
+    std::atomic<int> calls{0};
+};
+
+TEST_F(CancelledTransferTest, aBatchTellsItsHandlerThatItWasCancelled)
+{
+    const FirstHalf half;
+    authoritiesGive(half.url() + "/c");
+    const auto listener = std::make_shared<BatchListener>();
+    const CallScope scope(token);
+    expectCancelled(HttpClient::downloadBatchFiles(error, "a", "ds-1", {"a/b", "a/c"}, std::make_shared<OrloCallbackContext>(listener)),
+                    [&] { return half.halves() == 2; });
+    EXPECT_TRUE(waitUntil([&] { return listener->calls > 0; }));
+    EXPECT_TRUE(listener->isAsTold);
 }
 
 TEST_F(CancelledTransferTest, aStalledAuthority)
@@ -302,6 +343,26 @@ TEST_F(CancelledOperationTest, theNextOneOutsideOfTheScopeWorks)
     }
     platform.expect("POST", "/datasets/ds-1/1/markPublish").anyBody().reply(200, R"({"data":true})");
     EXPECT_TRUE(IWorkUnit::MarkPublish("ds-1", 1, L"", error));
+    expectClear(error);
+}
+
+TEST_F(CancelledOperationTest, insideAnotherOneInAScopeOfItsOwn)
+{
+    platform.expect("GET", "/projects?scenario=DEFAULT").reply(200, "[]");
+    const RawServer silent(RawAnswer::stall());
+    ErrorCode inner;
+    http::setCallObserver([&](const http::CallRecord& record) { // a host's code on the thread of an operation
+        if (record.status != 200)
+            return;
+        moveServices(host, silent.url());
+        const CallScope scope(token);
+        std::thread canceller = cancelWhen([&] { return silent.connectionCount() == 1; });
+        EXPECT_FALSE(IWorkUnit::MarkPublish("ds-1", 1, L"", inner));
+        canceller.join();
+    });
+    ICollaborationProjectManager::Get()->GetAllProjects(error);
+    http::setCallObserver(nullptr);
+    EXPECT_TRUE(isCancelled(inner));
     expectClear(error);
 }
 

@@ -25,8 +25,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdlib>
 #include <iostream>
+#include <mutex>
+#include <optional>
 #include <thread>
 
 /// What this program leaves behind when it ends in the middle of its work is no leak; for a build with the address sanitizer.
@@ -97,6 +100,32 @@ void ask()
     ++answered;
 }
 
+/// Where one thread puts its token for another to cancel it.
+class Slot
+{
+public:
+    void put(const CancelToken& token)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_token = token;
+        m_changed.notify_one();
+    }
+    void cancelNext()
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_token.has_value(); });
+        const CancelToken token = *m_token;
+        m_token.reset();
+        lock.unlock();
+        token.cancel();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::optional<CancelToken> m_token;
+};
+
 /// Three threads that are in scopes when main returns; and the scope of main itself, which never ends.
 int leaveScope(const std::wstring& ownFile, const Counter& counter)
 {
@@ -107,11 +136,16 @@ int leaveScope(const std::wstring& ownFile, const Counter& counter)
         ask();
         test::waitForEver();
     }).detach();
+    static Slot& slot = *new Slot;
+    std::thread([] {
+        while (true)
+            slot.cancelNext();
+    }).detach();
     std::thread([] {
         while (true) {
             const CancelToken token;
             const CallScope scope(token, [](const Progress&) {});
-            std::thread([token] { token.cancel(); }).detach();
+            slot.put(token);
             ask();
         }
     }).detach();

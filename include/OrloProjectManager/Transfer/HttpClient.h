@@ -66,6 +66,7 @@ ORLO_PROJECT_API std::future<PromiseData> downloadFile(const std::wstring& remot
 /// and the handler may still be told of failures, when the future is ready.
 /// A file that can't be moved to its place is logged; it fails the batch unless it is the last to end.
 /// The future never becomes ready if the platform answers with no entry at all: wait with a time-out where that matters.
+/// Begun in a CallScope, it becomes ready when that is cancelled, and the ErrorCode stays as it is.
 /// Requests: one, and one for each file.
 [[nodiscard]] ORLO_PROJECT_API std::future<PromiseData> downloadBatchFiles(ErrorCode& error, const std::string& folder,
                                                                            const std::string& datasetId,

@@ -28,7 +28,8 @@ class Interruption;
 /// comes behind it: a transfer that outlives its scope goes on, and can be cancelled, but isn't told of any more.
 ///
 /// Nothing is thrown: without the memory for it a scope binds nothing.
-/// Threads: a scope ends on the thread that it began on; scopes of one thread end in the opposite order. Requests: none.
+/// Threads: a scope ends on the thread that it began on. Scopes of one thread may end in any order; the innermost one that is left counts.
+/// Requests: none.
 class ORLO_BASE_API CallScope
 {
 public:

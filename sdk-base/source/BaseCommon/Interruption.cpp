@@ -1,5 +1,6 @@
 #include "Interruption.h"
 
+#include <exception>
 #include <utility>
 
 namespace orlo {
@@ -7,7 +8,7 @@ namespace orlo {
 namespace {
 
 // A plain pointer: it may be asked for while the thread's own objects go.
-thread_local const Interruption::Scope* innermost = nullptr;
+thread_local Interruption::Scope* innermost = nullptr;
 
 } // namespace
 
@@ -48,8 +49,13 @@ void Interruption::request()
         m_requested.notify_all();
     }
     // Without the lock: what is broken off may come back at once.
-    for (const auto& [number, heard] : listeners)
-        heard();
+    for (const auto& [number, heard] : listeners) {
+        try {
+            heard();
+        }
+        catch (const std::exception&) { // no memory to wake this one with: it sees it at its next step; the others hear it all the same
+        }
+    }
 }
 
 bool Interruption::isRequested() const
@@ -78,9 +84,14 @@ Interruption::Scope::Scope(std::shared_ptr<Interruption> interruption)
     : m_interruption(std::move(interruption)), m_outer(std::exchange(innermost, this))
 {}
 
+// A host may keep one in an object, and put another in its place.
 Interruption::Scope::~Scope()
 {
-    innermost = m_outer;
+    Scope** link = &innermost;
+    while (*link && *link != this)
+        link = &(*link)->m_outer;
+    if (*link)
+        *link = m_outer;
 }
 
 Interruption::Listener::Listener(std::shared_ptr<Interruption> interruption, std::function<void()> heard)

@@ -50,7 +50,8 @@ public:
     /// That of the work which this thread does; null where nobody waits for it.
     static std::shared_ptr<Interruption> current() noexcept;
 
-    /// Makes it that of this thread's work, until the scope ends; null makes the work one that nobody waits for.
+    /// Makes it that of this thread's work, until the scope ends, in whatever order those of a thread do; null makes the work one that
+    /// nobody waits for.
     class ORLO_BASE_API Scope
     {
     public:
@@ -62,7 +63,7 @@ public:
     private:
         friend class Interruption;
         const std::shared_ptr<Interruption> m_interruption;
-        const Scope* const m_outer;
+        Scope* m_outer;
     };
 
     /// Calls the function when the interruption is requested, at once if that has happened. The call may still run when the listener is

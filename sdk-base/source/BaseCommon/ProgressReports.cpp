@@ -1,74 +1,21 @@
 #include "ProgressReports.h"
 
-#include "NeverDestroyed.h"
+#include "HostCall.h"
 #include "Platform.h"
-#include "ProcessEnd.h"
 #include "ProgressMeter.h"
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
-#include <vector>
 
 namespace orlo {
 
 namespace {
 
 constexpr std::chrono::milliseconds betweenReports{100};
-constexpr std::chrono::seconds longestCall{2}; ///< that the end of the process waits for
-
-/// The calls to hosts that are under way, so that none begins once the process ends.
-class CallsToHosts
-{
-public:
-    static CallsToHosts& instance()
-    {
-        static CallsToHosts& calls = utils::neverDestroyed(new CallsToHosts);
-        return calls;
-    }
-
-    bool begin()
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_isSilent)
-            return false;
-        m_callers.push_back(std::this_thread::get_id());
-        return true;
-    }
-
-    void end()
-    {
-        const std::lock_guard lock(m_mutex);
-        m_callers.erase(std::find(m_callers.begin(), m_callers.end(), std::this_thread::get_id()));
-        m_ended.notify_all();
-    }
-
-    void silence()
-    {
-        std::unique_lock lock(m_mutex);
-        m_isSilent = true;
-        // A host may call exit out of one.
-        m_ended.wait_for(lock, longestCall, [this] {
-            return std::all_of(m_callers.begin(), m_callers.end(), [](const auto& caller) { return caller == std::this_thread::get_id(); });
-        });
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_ended;
-    std::vector<std::thread::id> m_callers;
-    bool m_isSilent = false;
-};
-
-void watchEnd()
-{
-    ProcessEnd::at(ProcessEnd::Step::silenceReports, [] { CallsToHosts::instance().silence(); });
-    static const ProcessEnd::Watch watch{};
-}
 
 } // namespace
 
@@ -127,14 +74,14 @@ private:
     {
         // First: a change that comes meanwhile is told the next time.
         m_told = m_meter->state();
-        if (!CallsToHosts::instance().begin())
+        const HostCall call;
+        if (!call)
             return;
         try {
             m_onProgress(m_meter->now());
         }
         catch (...) { // nothing of a host's leaves here
         }
-        CallsToHosts::instance().end();
     }
 
     const std::shared_ptr<ProgressMeter> m_meter;
@@ -151,7 +98,7 @@ private:
 ProgressReports::ProgressReports(std::shared_ptr<ProgressMeter> meter, ProgressCallback onProgress)
     : m_teller(std::make_shared<Teller>(std::move(meter), std::move(onProgress)))
 {
-    watchEnd();
+    HostCall::watchEnd();
     Teller::start(m_teller);
 }
 

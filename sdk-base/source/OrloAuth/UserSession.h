@@ -32,9 +32,9 @@ public:
 
     /// For tokens that expire: when the platform answers a request with the status 401, the source is asked once, by one thread while the
     /// others that were refused wait, and the call is repeated once with the new token, which is that of the session from then on. What the
-    /// source tells for somebody who has signed out meanwhile is dropped. It is called on the thread of an operation or on one of the
-    /// library's, and should come back soon; it must not wait for an operation that needs the token. What it throws counts as no token.
-    /// Addresses that are signed carry no token. Null: a 401 is a failure like others, which is the default.   Threads: any.
+    /// source tells for somebody who has signed out meanwhile is dropped. It is called on a thread of its own; who waits for it can be
+    /// cancelled, and waits a minute at the most. It must not wait for an operation that needs the token. What it throws counts as no
+    /// token. Addresses that are signed carry no token. Null: a 401 is a failure like others, which is the default.   Threads: any.
     static void SetTokenSource(TokenSource source);
 
     /// Returns: the current session; null when nobody is signed in.   Threads: any.

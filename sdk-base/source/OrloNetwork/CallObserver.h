@@ -31,7 +31,9 @@ using CallObserver = std::function<void(const CallRecord&)>;
 
 /// Tells of every request when it has ended, on the thread that it ended on: that of an operation, or one of the library's. It may be
 /// called by several at once, and must be quick: the call that it is told of waits for it. What it throws is dropped. Null: nobody is told
-/// any more, but of a request that ends at this moment. Nothing is measured, and no id made, while there is no observer.   Threads: any.
+/// any more, but of a request that ends at this moment; take an observer away before what it uses goes. None is told once the process ends.
+/// A call of the library's out of an observer is observed too. Nothing is measured, and no id made, while there is no observer.   Threads:
+/// any.
 ORLO_NETWORK_API void setCallObserver(CallObserver observer);
 
 /// Gives every request to the platform's services an id, in the header "X-Request-Id", in a line of the log when it has ended, and in the

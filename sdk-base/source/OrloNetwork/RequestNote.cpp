@@ -2,7 +2,9 @@
 
 #include "CallObserver.h"
 #include "Retry/Attempts.h"
+#include "Retry/TransportCode.h"
 
+#include <BaseCommon/HostCall.h>
 #include <BaseCommon/NativeText.h>
 #include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/Text.h>
@@ -21,6 +23,8 @@
 namespace orlo::http {
 
 namespace {
+
+constexpr int operationCancelled = 125; // whatever the system
 
 struct Observation
 {
@@ -105,7 +109,8 @@ void tell(const RequestDetails& details, const RequestNote& note, int status)
     record.status = status;
     log::info(record.operation + L" - request:" + record.requestId + L" - " + record.method + L" " + record.path +
               (status != 0 ? L" - status:" + std::to_wstring(status) : L" - " + std::wstring(wordsOf(record.failure))));
-    if (const auto observer = observerNow())
+    const auto observer = observerNow();
+    if (const HostCall call; observer && call)
         (*observer)(record);
 }
 
@@ -129,7 +134,7 @@ RequestDetails detailsOfCaught(const web::http::http_request& request, const Req
     if (const TransportError* const failure = caughtTransportError())
         return failure->details();
     RequestDetails details = detailsOf(request, note);
-    details.failure = NetworkFailure::other;
+    details.failure = transportCodeOfCaught() == operationCancelled ? NetworkFailure::cancelled : NetworkFailure::other;
     return details;
 }
 
@@ -149,6 +154,7 @@ void quietly(const RequestNote* note, const Work& work) noexcept
 
 void setCallObserver(CallObserver observer)
 {
+    HostCall::watchEnd();
     auto replacement = observer ? std::make_shared<const CallObserver>(std::move(observer)) : nullptr;
     // What was swapped out is freed after the lock is gone.
     const std::lock_guard lock(observation().mutex);

@@ -15,6 +15,7 @@
 #include <OrloProjectManager/Transfer/HttpClient.h>
 
 #include <algorithm>
+#include <set>
 
 namespace orlo {
 
@@ -23,14 +24,29 @@ namespace {
 constexpr std::size_t width = 6;
 constexpr const wchar_t* leavesTheCache = L"invalid seed which leaves the cache folder";
 
-/// Batches whose future stays pending. They are kept for good, so that no broken promise surfaces.
-void keepStalled(std::shared_ptr<DownloadBatchFilesHandler> batch)
+/// Batches whose future stays pending. They are kept for good, so that no broken promise surfaces; but those that a host cancels.
+struct StalledBatches
 {
-    static std::mutex& mutex = utils::neverDestroyed(new std::mutex);
-    static auto& stalled = utils::neverDestroyed(new std::vector<std::shared_ptr<DownloadBatchFilesHandler>>);
-    const std::lock_guard lock(mutex);
-    stalled.push_back(std::move(batch));
-}
+    static StalledBatches& instance()
+    {
+        static StalledBatches& batches = utils::neverDestroyed(new StalledBatches);
+        return batches;
+    }
+
+    void keep(const std::shared_ptr<DownloadBatchFilesHandler>& batch)
+    {
+        const std::lock_guard lock(mutex);
+        all.insert(batch);
+    }
+    void drop(const std::shared_ptr<DownloadBatchFilesHandler>& batch)
+    {
+        const std::lock_guard lock(mutex);
+        all.erase(batch);
+    }
+
+    std::mutex mutex;
+    std::set<std::shared_ptr<DownloadBatchFilesHandler>> all;
+};
 
 std::string normalised(std::string path)
 {
@@ -166,15 +182,20 @@ void DownloadBatchFilesHandler::stall(OrloCallbackContext& context)
         return;
     }
     log::warning(L"the platform named no file for a batch download; its future stays pending");
-    keepStalled(shared_from_this());
-    m_outcome->settleWhenCancelled();
+    StalledBatches::instance().keep(shared_from_this());
+    m_outcome->settleWhenCancelled([weak = weak_from_this()] {
+        if (const auto batch = weak.lock())
+            StalledBatches::instance().drop(batch);
+    });
 }
 
 void DownloadBatchFilesHandler::finish(int status, const std::wstring& body, ErrorCode& error, bool succeeded)
 {
     constexpr const char* onComplete = "DownloadBatchFilesHandler::on_complete";
     try {
-        tellCaller(succeeded ? 200 : status, succeeded ? std::wstring() : body, error);
+        if (!succeeded && m_outcome->isCancelled())
+            error = cancelledError();
+        tellCaller(succeeded ? 200 : status, succeeded ? std::wstring() : isCancelled(error) ? error.GetErrorMessage() : body, error);
     }
     catch (...) {
         return m_outcome->failAsCaught(ORLO_HERE(onComplete));

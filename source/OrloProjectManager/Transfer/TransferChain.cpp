@@ -12,6 +12,7 @@
 
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace orlo {
 
@@ -34,6 +35,15 @@ std::future<PromiseData> failedFuture(const std::shared_ptr<Interruption>& inter
     std::promise<PromiseData> promise;
     promise.set_value(isCancelled ? cancelledOutcome() : PromiseData());
     return promise.get_future();
+}
+
+/// A host's thread may still wait for what is dropped at the end of the process, and would be thrown at.
+void leavePending(std::promise<PromiseData> promise)
+{
+    static std::mutex& mutex = utils::neverDestroyed(new std::mutex);
+    static auto& pending = utils::neverDestroyed(new std::vector<std::promise<PromiseData>>);
+    const std::lock_guard lock(mutex);
+    pending.push_back(std::move(promise));
 }
 
 /// interruption: that of whoever waits for the transfer, or of the host's scope; null where there is neither.
@@ -61,11 +71,14 @@ TransferOutcome::TransferOutcome(ErrorCode& callersError, std::shared_ptr<Interr
 
 TransferOutcome::~TransferOutcome()
 {
-    // What is dropped at the end of the process has no caller left.
-    const http::WorkPermit permit;
-    if (!m_callersError || !permit)
+    if (!m_callersError)
         return;
     try {
+        const http::WorkPermit permit;
+        if (!permit) {
+            leavePending(std::move(m_promise));
+            return;
+        }
         set({false, utils::Caught::known, L"the transfer ended without an outcome"}, ErrorCode());
     }
     catch (const std::exception&) { // no memory for the words; the promise is broken then
@@ -75,20 +88,30 @@ TransferOutcome::~TransferOutcome()
 void TransferOutcome::set(const PromiseData& data, const ErrorCode& error)
 {
     // Whatever the reason at hand: the host wanted it to end.
-    const bool isCancelled = !data.success && m_interruption && m_interruption->isCancelled();
+    const bool wasCancelled = !data.success && isCancelled();
+    const PromiseData outcome = wasCancelled ? cancelledOutcome() : data;
+    const ErrorCode told = wasCancelled ? cancelledError() : error;
     const std::lock_guard lock(m_mutex);
     if (ErrorCode* const callers = std::exchange(m_callersError, nullptr))
-        *callers = isCancelled ? cancelledError() : error;
-    m_promise.set_value(isCancelled ? cancelledOutcome() : data);
+        *callers = told;
+    m_promise.set_value(outcome);
 }
 
-void TransferOutcome::settleWhenCancelled()
+void TransferOutcome::settleWhenCancelled(std::function<void()> settled)
 {
     if (!m_interruption)
         return;
-    const auto settle = [weak = weak_from_this()] {
-        if (const auto outcome = weak.lock(); outcome && outcome->m_interruption->isCancelled())
-            outcome->settle(cancelledOutcome(), cancelledError(), ORLO_HERE("TransferOutcome::settleWhenCancelled"));
+    const auto settle = [weak = weak_from_this(), settled = std::move(settled)] {
+        const auto outcome = weak.lock();
+        if (!outcome || !outcome->isCancelled())
+            return;
+        {
+            const std::lock_guard lock(outcome->m_mutex);
+            if (!std::exchange(outcome->m_callersError, nullptr))
+                return;
+            outcome->m_promise.set_value(cancelledOutcome());
+        }
+        settled();
     };
     m_whenCancelled.emplace(m_interruption, settle);
 }

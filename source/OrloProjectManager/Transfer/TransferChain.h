@@ -54,8 +54,10 @@ public:
     /// For an input that is refused before any request. The caller's ErrorCode is left as it is.
     void refuse(const std::wstring& message);
 
-    /// For a transfer that would never end: the host's cancelling settles it.
-    void settleWhenCancelled();
+    /// For a transfer that would never end: the host's cancelling makes its future ready. The caller's ErrorCode, which may be gone by
+    /// then, is left alone.   settled: called then.
+    void settleWhenCancelled(std::function<void()> settled);
+    bool isCancelled() const { return m_interruption && m_interruption->isCancelled(); }
 
 private:
     const std::shared_ptr<Interruption> m_interruption;

@@ -6,6 +6,7 @@
 #include <cpprest/uri.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 
@@ -35,17 +36,42 @@ std::string withoutEscapes(const std::string& text)
     return plain;
 }
 
-/// As an address is shown and compared: lower case of scheme and host, a slash at its end.
+[[noreturn]] void refuseProxy()
+{
+    throw std::invalid_argument("the address of the proxy can't be read; it has the form host:port");
+}
+
+bool isKnownScheme(const std::string& scheme)
+{
+    static const char* const known[] = {"http", "https", "socks4", "socks4a", "socks5", "socks5h"};
+    return std::any_of(std::begin(known), std::end(known), [&](const char* name) { return scheme == name; });
+}
+
+/// What stands there instead of a port may be a password whose host was forgotten.
+void requirePort(const std::string& authority)
+{
+    const std::size_t colon = authority.find_last_of(":]");
+    if (colon == std::string::npos || authority[colon] == ']')
+        return;
+    const std::string port = authority.substr(colon + 1);
+    if (port.empty() || port.size() > 5 || port.find_first_not_of("0123456789") != std::string::npos)
+        refuseProxy();
+}
+
+/// As an address is shown and compared: lower case of scheme and host, a slash at its end. Nothing stands behind the port of a proxy.
 std::string normalised(const std::string& url)
 {
+    const std::size_t begin = url.find("://") + 3;
+    const std::string authority = url.substr(begin, url.find_first_of("/?#", begin) - begin);
+    requirePort(authority);
     try {
-        const web::uri address(utils::toNative(url));
-        if (!address.host().empty())
+        const web::uri address(utils::toNative(url.substr(0, begin) + authority));
+        if (!address.host().empty() && isKnownScheme(utils::fromNativeToUtf8(address.scheme())))
             return utils::fromNativeToUtf8(address.to_string());
     }
     catch (const web::uri_exception&) { // its text is the address
     }
-    throw std::invalid_argument("the address of the proxy can't be read; it has the form http://host:port");
+    refuseProxy();
 }
 
 } // namespace

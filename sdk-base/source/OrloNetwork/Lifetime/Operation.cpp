@@ -43,6 +43,7 @@ struct OutermostOperation
     const std::shared_ptr<Interruption> interruption = ofThisWork();
     const OperationPermit permit;
     const Interruption::Scope scope;
+    OutermostOperation* around = nullptr;     ///< of a host's that calls out of an operation, in a scope of its own
     std::optional<Cancellation> cancellation; ///< made for the first request
 };
 
@@ -54,23 +55,23 @@ thread_local OutermostOperation* ofThisThread = nullptr;
 
 Operation::Operation()
 {
-    if (ofThisThread) {
+    if (isUnderWay()) {
         goOnUnlessBrokenOff(*ofThisThread->interruption);
         return;
     }
     m_outermost = std::make_unique<OutermostOperation>();
-    ofThisThread = m_outermost.get();
+    m_outermost->around = std::exchange(ofThisThread, m_outermost.get());
 }
 
 Operation::~Operation()
 {
     if (m_outermost)
-        ofThisThread = nullptr;
+        ofThisThread = m_outermost->around;
 }
 
 bool Operation::isUnderWay()
 {
-    return ofThisThread != nullptr;
+    return ofThisThread && ofThisThread->interruption == Interruption::current();
 }
 
 pplx::cancellation_token Operation::token()

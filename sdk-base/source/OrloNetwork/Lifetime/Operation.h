@@ -18,7 +18,7 @@ struct OutermostOperation;
 class ORLO_NETWORK_API Operation
 {
 public:
-    /// Inside another operation of this thread it is a part of that one.
+    /// Inside another operation of this thread it is a part of that one, unless a host has begun a scope in between.
     /// Throws std::runtime_error once the end of the process has come, and when the work of this thread is broken off.
     Operation();
     ~Operation();
@@ -26,7 +26,7 @@ public:
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
-    /// Whether this thread is in one.
+    /// Whether what this thread does is part of one.
     static bool isUnderWay();
 
     /// Cancels the requests of this thread's operation; none outside of all operations.

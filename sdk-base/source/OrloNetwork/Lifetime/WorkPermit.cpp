@@ -10,6 +10,7 @@
 #include <BaseCommon/ProcessEnd.h>
 
 #include <openssl/crypto.h>
+#include <pplx/pplxtasks.h>
 #include <pplx/threadpool.h>
 
 #include <algorithm>
@@ -59,6 +60,7 @@ void makePool()
     catch (const std::exception&) { // the host has made it
         crossplat::threadpool::shared_instance();
     }
+    pplx::get_ambient_scheduler(); // before there is a second thread that could want it
 }
 
 void quietly(const std::function<void()>& work) noexcept

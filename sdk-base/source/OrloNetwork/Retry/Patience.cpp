@@ -2,13 +2,17 @@
 
 #include <BaseCommon/NeverDestroyed.h>
 #include <BaseCommon/RequestError.h>
+#include <BaseCommon/Uuid.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <random>
+#include <string>
+#include <utility>
 
 namespace orlo::http {
 
@@ -21,7 +25,8 @@ struct SetBackoff
 {
     std::mutex mutex;
     std::optional<BackoffPolicy> policy;
-    std::minstd_rand random{std::random_device{}()};
+    std::minstd_rand random;
+    bool isSeeded = false;
 };
 
 SetBackoff& setBackoff()
@@ -33,8 +38,11 @@ SetBackoff& setBackoff()
 /// 0 to 1.
 double chance()
 {
-    const std::lock_guard lock(setBackoff().mutex);
-    return std::uniform_real_distribution<double>(0, 1)(setBackoff().random);
+    SetBackoff& set = setBackoff();
+    const std::lock_guard lock(set.mutex);
+    if (!std::exchange(set.isSeeded, true))
+        set.random.seed(static_cast<unsigned>(std::hash<std::string>()(uuid::newUUIDV4())));
+    return std::uniform_real_distribution<double>(0, 1)(set.random);
 }
 
 /// Whatever a host wrote.

@@ -6,6 +6,7 @@
 #include <OrloNetwork/Lifetime/Operation.h>
 #include <OrloNetwork/Lifetime/WorkPermit.h>
 #include <OrloNetwork/RequestNote.h>
+#include <OrloNetwork/Retry/Attempts.h>
 #include <OrloNetwork/WebRequest.h>
 
 #include <stdexcept>
@@ -143,8 +144,10 @@ void sendWith(Token token, const Step& step, const WebCall& call, const std::fun
             throw std::length_error("the answer is too large");
         body->append(reinterpret_cast<const char*>(bytes), count);
     };
+    // The request that is repeated with another token is the same attempt.
     exchange(step, prepare, http::SinkBuffer::stream(receive, http::SinkBuffer::Place::inPlace),
-             [token, step, call, body, answered](const Arrival& arrival) {
+             [token, step, call, body, answered, attempts = http::Attempts::current()](const Arrival& arrival) {
+                 const http::Attempts::Scope scope(attempts);
                  if (token == Token::mayBeRenewed) {
                      if (const auto again = call.prepareAgain(arrival.made, arrival.response))
                          return sendWith(

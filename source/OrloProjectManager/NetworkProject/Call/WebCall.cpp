@@ -274,12 +274,12 @@ Exchange WebCall::prepare() const
     const auto note = http::noteRequest(m_name);
     if (!note->id.empty())
         request->headers().add(utils::toNative(std::string("X-Request-Id")), utils::toNative(note->id));
-    return {OrloWebService::CreateClient(base, config, traffic, note), request, note, session};
+    return {OrloWebService::CreateClient(base, config, traffic, note), request, note, session, std::chrono::steady_clock::now()};
 }
 
 std::optional<Exchange> WebCall::prepareAgain(const Exchange& refused, const web::http::http_response& response) const
 {
-    if (response.status_code() != web::http::status_codes::Unauthorized || !renewToken(refused.session))
+    if (response.status_code() != web::http::status_codes::Unauthorized || !renewToken(refused.session, refused.made))
         return std::nullopt;
     Exchange made = prepare();
     // Somebody else may have signed in since.

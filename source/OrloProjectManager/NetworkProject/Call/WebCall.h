@@ -70,6 +70,7 @@ struct Exchange
     std::shared_ptr<web::http::http_request> request;
     std::shared_ptr<http::RequestNote> note;
     std::shared_ptr<UserSession> session{}; ///< whose token goes along; null where none does
+    std::chrono::steady_clock::time_point made{};
 };
 
 /// What is logged for a status that is not 200: the words and the status, with the platform's own words behind them or not;
