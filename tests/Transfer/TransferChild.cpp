@@ -9,6 +9,7 @@
 //   third
 //                  thread cancels scopes
 //   exit-in-report leaves by exit, out of the callback that is told of the progress
+//   leave-waiting  leaves main while many threads begin transfers and wait for their futures
 //   unready    leaves main while the futures are gone already
 
 #include "support/OwnProcess.h"
@@ -152,6 +153,26 @@ int leaveScope(const std::wstring& ownFile, const Counter& counter)
     return counter.waitForRequests(static_cast<int>(futures.size())) && test::waitUntil([] { return answered > 20; }) ? 0 : 3;
 }
 
+/// Takes its time among the statics, while other threads begin transfers and wait for them.
+struct SlowEnd
+{
+    ~SlowEnd() { std::this_thread::sleep_for(std::chrono::milliseconds(30)); }
+};
+
+int leaveWaiting()
+{
+    static const SlowEnd slow;
+    static std::atomic<int> ended{0};
+    for (int i = 0; i < 16; ++i)
+        std::thread([] {
+            while (true) {
+                HttpClient::downloadFile(L"r/f", L"", lasting()).get();
+                ++ended;
+            }
+        }).detach();
+    return test::waitUntil([] { return ended > 16; }) ? 0 : 3;
+}
+
 int exitInReport(const std::wstring& ownFile)
 {
     const CallScope scope([](const Progress&) { std::exit(0); });
@@ -189,6 +210,8 @@ int main(int argc, char** argv)
         return startAll(ownFile).size() == 3 ? 0 : 3;
     if (what == "leave-scope")
         return leaveScope(ownFile, *counter);
+    if (what == "leave-waiting")
+        return leaveWaiting();
     if (what == "exit-in-report")
         return exitInReport(ownFile);
     if (what == "leave-busy")

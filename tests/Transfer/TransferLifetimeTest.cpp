@@ -200,6 +200,13 @@ TEST_F(TransferLifetimeTest, leavingMainWhileScopesAreCancelledIsClean)
     expectCleanExits(20, silent.url(), "leave-scope");
 }
 
+TEST_F(TransferLifetimeTest, leavingMainWhileThreadsWaitForTheirFuturesThrowsAtNobody)
+{
+    ScriptedServer refusing;
+    refusing.always("POST", "/file/read").reply(403);
+    expectCleanExits(20, refusing.url(), "leave-waiting");
+}
+
 TEST_F(TransferLifetimeTest, leavingByExitOutOfAProgressReportIsClean)
 {
     ScriptedServer answering;
