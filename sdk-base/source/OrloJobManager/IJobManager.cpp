@@ -166,7 +166,7 @@ void JobManager::AddJob(std::shared_ptr<IJobEntity> job)
         else if (!current)
             log::warning(L"the job manager is stopped; the row of job " + utils::toWstring(job->JobId()) + L" stays for its next start");
         else
-            current->add(std::move(job));
+            current->add(job);
     }
     catch (...) {
         log::error(L"a job can't be added: " + wordsOfCaught());

@@ -2,6 +2,8 @@
 
 #include <OrloNetwork/Body/TempFile.h>
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 
 namespace orlo::test {

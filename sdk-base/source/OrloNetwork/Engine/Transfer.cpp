@@ -15,8 +15,8 @@ using web::http::http_response;
 
 namespace {
 
-constexpr long receiveRoom = 100 << 10;
-constexpr long sendRoom = 512 << 10;
+constexpr long receiveRoom = 100L << 10;
+constexpr long sendRoom = 512L << 10;
 
 constexpr std::size_t largeHead = std::size_t{64} << 10;
 
@@ -27,7 +27,7 @@ void applyTo(CURL* easy, const Route& route)
     curl::set(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     curl::set(easy, CURLOPT_QUICK_EXIT, 1L); // a look-up that hangs is left to itself
     // Both clocks are the transfer's own.
-    curl::set(easy, CURLOPT_CONNECTTIMEOUT_MS, 24 * 3600 * 1000L);
+    curl::set(easy, CURLOPT_CONNECTTIMEOUT_MS, 24L * 3600 * 1000);
     curl::set(easy, CURLOPT_PROXY, route.proxy); // an empty one keeps the environment's away
     curl::set(easy, CURLOPT_NOPROXY, std::string());
     curl::set(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -92,9 +92,9 @@ Result Transfer::guarded(Work work, Result failed) noexcept
     }
 }
 
-Transfer::Transfer(std::shared_ptr<const Route> route, web::http::http_request request)
+Transfer::Transfer(std::shared_ptr<const Route> route, const web::http::http_request& request)
     : m_route(std::move(route)),
-      m_request(std::move(request)),
+      m_request(request),
       m_form(m_request),
       m_trust(!m_form.isSecure() ? nullptr
               : m_route->trust   ? m_route->trust

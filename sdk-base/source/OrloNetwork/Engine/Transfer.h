@@ -25,7 +25,7 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// Throws for a request that can't be sent.
-    Transfer(std::shared_ptr<const Route> route, web::http::http_request request);
+    Transfer(std::shared_ptr<const Route> route, const web::http::http_request& request);
     ~Transfer();
 
     Transfer(const Transfer&) = delete;

@@ -26,7 +26,8 @@ struct DelayedTask
     bool isAwaited = false;
 };
 
-void runOne(DelayedTask task)
+/// The task goes with the call, before the lock is taken again: its end may add another one.
+void runOne(DelayedTask task) // NOLINT(performance-unnecessary-value-param)
 {
     try {
         // A request that starts while the statics go would meet them half destroyed.

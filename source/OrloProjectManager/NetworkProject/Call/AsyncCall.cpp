@@ -163,7 +163,7 @@ void sendWith(Token token, const Step& step, const WebCall& call, const std::fun
 
 } // namespace
 
-void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered)
+void send(const Step& step, const WebCall& call, const std::function<void(WebAnswer&)>& answered)
 {
     sendWith(
         Token::mayBeRenewed, step, call, [call] { return call.prepare(); }, answered);

@@ -41,7 +41,7 @@ void exchange(const Step& step, const std::function<Exchange()>& prepare, const 
               std::function<void(const Arrival&)> answered, std::function<void()> abandon = nullptr);
 
 /// The same for a REST operation, with the answer in memory. A status of 400 or above is left in the step's ErrorCode.
-void send(const Step& step, const WebCall& call, std::function<void(WebAnswer&)> answered);
+void send(const Step& step, const WebCall& call, const std::function<void(WebAnswer&)>& answered);
 
 /// Leaves an error status in the ErrorCode; a status below 400 leaves it alone.
 void noteStatus(ErrorCode& error, const Arrival& arrival, const std::string& body);
