@@ -35,6 +35,13 @@ protected:
     }
 
     Expectation& expectWith(const char* token) { return platform.expect("POST", target).anyBody().header("Authorization", token); }
+    void takeNewTokensAlone()
+    {
+        platform.always("POST", target).replyWith([this](const Request& request) {
+            const bool isOld = request.header("Authorization") == oldToken;
+            return Reply{isOld ? 401 : 200, yes, "application/json", {}, false};
+        });
+    }
     bool publish() { return IWorkUnit::MarkPublish("ds-1", 1, L"", error); }
 
     const std::string target = "/datasets/ds-1/1/markPublish";
@@ -114,10 +121,7 @@ TEST_F(TokenRenewalTest, otherRefusalsAskForNothing)
 TEST_F(TokenRenewalTest, manyCallsAskOnce)
 {
     give(L"token-secret-2");
-    platform.always("POST", target).replyWith([this](const Request& request) {
-        const bool isOld = request.header("Authorization") == oldToken;
-        return Reply{isOld ? 401 : 200, yes, "application/json", {}, false};
-    });
+    takeNewTokensAlone();
     std::atomic<int> done{0};
     inThreads(8, [&] {
         ErrorCode own;
@@ -136,10 +140,7 @@ TEST_F(TokenRenewalTest, theOthersWaitForTheOneWhoAsks)
         go.wait();
         return std::wstring(L"token-secret-2");
     });
-    platform.always("POST", target).replyWith([this](const Request& request) {
-        const bool isOld = request.header("Authorization") == oldToken;
-        return Reply{isOld ? 401 : 200, yes, "application/json", {}, false};
-    });
+    takeNewTokensAlone();
     std::atomic<int> done{0};
     std::vector<std::thread> calls;
     for (int i = 0; i < 4; ++i)
@@ -228,6 +229,35 @@ TEST_F(TokenRenewalTest, manyCallsAskASourceThatHasNoneOnce)
     EXPECT_EQ(asked, 1);
     EXPECT_FALSE(publish());
     EXPECT_EQ(asked, 2) << "a request that is made later asks again";
+}
+
+TEST_F(TokenRenewalTest, aRenewalForTheUserBeforeIsNoAnswerForTheNextOne)
+{
+    std::promise<void> mayGo;
+    std::shared_future<void> go = mayGo.get_future().share();
+    UserSession::SetTokenSource([this, go](const UserIdentity& who) {
+        ++asked;
+        if (who.userId == L"user-1")
+            go.wait();
+        return who.userId == L"user-1" ? std::wstring() : std::wstring(L"token-secret-4");
+    });
+    platform.always("POST", target).replyWith([this](const Request& request) {
+        const bool isNew = request.header("Authorization") == "Bearer token-secret-4";
+        return Reply{isNew ? 200 : 401, yes, "application/json", {}, false};
+    });
+    std::thread before([] {
+        ErrorCode own;
+        IWorkUnit::MarkPublish("ds-1", 1, L"", own);
+    });
+    EXPECT_TRUE(waitUntil([&] { return asked == 1; }));
+    UserSession::SignIn({L"user-2", L"account-2", L"token-secret-3"});
+    std::thread next([this] { EXPECT_TRUE(publish()); });
+    EXPECT_TRUE(platform.waitForRequests(2));
+    mayGo.set_value();
+    before.join();
+    next.join();
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(UserSession::GetInstance()->getAccessToken(), L"token-secret-4");
 }
 
 TEST_F(TokenRenewalTest, nobodyIsAskedForAUserWhoHasGone)

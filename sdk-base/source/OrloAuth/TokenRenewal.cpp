@@ -47,6 +47,8 @@ public:
         if (isAskingHere)
             return false;
         std::unique_lock lock(m_mutex);
+        if (m_isUnderWay && !m_askedFor->isOfSameSignIn(*refused))
+            await(lock); // what comes of it is another's
         if (!m_source || hasOther(*refused))
             return m_source != nullptr;
         if (!m_isUnderWay) {
@@ -80,6 +82,7 @@ private:
     void begin(const std::shared_ptr<UserSession>& refused)
     {
         m_isUnderWay = true;
+        m_askedFor = refused;
         try {
             std::thread([this, source = m_source, refused] {
                 isAskingHere = true;
@@ -134,6 +137,7 @@ private:
     std::condition_variable m_changed;
     std::shared_ptr<const TokenSource> m_source;
     bool m_isUnderWay = false;
+    std::shared_ptr<UserSession> m_askedFor; ///< last
     std::shared_ptr<UserSession> m_failedFor;
     Clock::time_point m_failedAt;
 };

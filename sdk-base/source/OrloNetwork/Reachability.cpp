@@ -74,27 +74,6 @@ std::string addressToConnectTo()
     return "http://" + utils::fromNativeToUtf8(uri.host()) + ":" + std::to_string(uri.port() > 0 ? uri.port() : usualPort);
 }
 
-/// The handle is attached as long as this lives.
-class Attempt
-{
-public:
-    Attempt(CURLM* multi, CURL* easy) : m_multi(multi), m_easy(easy) { curl::require(curl_multi_add_handle(m_multi, m_easy)); }
-    ~Attempt() { curl_multi_remove_handle(m_multi, m_easy); }
-    Attempt(const Attempt&) = delete;
-    Attempt& operator=(const Attempt&) = delete;
-
-    std::optional<CURLcode> step()
-    {
-        int running = 0;
-        curl::require(curl_multi_perform(m_multi, &running));
-        return curl::endedOn(m_multi).code;
-    }
-
-private:
-    CURLM* m_multi;
-    CURL* m_easy;
-};
-
 curl::Easy connectionTo(const std::string& address)
 {
     curl::Easy easy = curl::makeEasy();
@@ -117,9 +96,9 @@ std::optional<bool> canConnectTo(const std::string& address, std::chrono::millis
     const auto end = Clock::now() + std::clamp<std::chrono::milliseconds>(atMost, betweenLooks, std::chrono::minutes(10));
     const curl::Easy easy = connectionTo(address);
     const curl::Multi multi = curl::makeMulti();
-    Attempt attempt(multi.get(), easy.get());
+    curl::Ride ride(multi.get(), easy.get());
     while (Clock::now() < end) {
-        if (const auto code = attempt.step())
+        if (const auto code = ride.step())
             return *code == CURLE_OK;
         if (interruption && interruption->isRequested())
             return std::nullopt;

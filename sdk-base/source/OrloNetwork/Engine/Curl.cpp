@@ -81,6 +81,23 @@ Ended endedOn(CURLM* multi)
     return {};
 }
 
+Ride::Ride(CURLM* multi, CURL* easy) : m_multi(multi), m_easy(easy)
+{
+    require(curl_multi_add_handle(m_multi, m_easy));
+}
+
+Ride::~Ride()
+{
+    curl_multi_remove_handle(m_multi, m_easy);
+}
+
+std::optional<CURLcode> Ride::step()
+{
+    int running = 0;
+    require(curl_multi_perform(m_multi, &running));
+    return endedOn(m_multi).code;
+}
+
 void waitUntil(CURLM* multi, std::chrono::steady_clock::time_point when)
 {
     using std::chrono::milliseconds;

@@ -60,6 +60,24 @@ struct Ended
 
 /// One whose transfer has ended since it was asked last.
 Ended endedOn(CURLM* multi);
+/// A transfer on a handle that is attached as long as this lives.
+class Ride
+{
+public:
+    /// Throws std::runtime_error where libcurl refuses, as `step` does.
+    Ride(CURLM* multi, CURL* easy);
+    ~Ride();
+    Ride(const Ride&) = delete;
+    Ride& operator=(const Ride&) = delete;
+
+    /// Returns: how it ended; none while it goes on.
+    std::optional<CURLcode> step();
+
+private:
+    CURLM* m_multi;
+    CURL* m_easy;
+};
+
 /// Waits until a connection of the handle has something, the time has come, or somebody wakes it; a second at the most.
 void waitUntil(CURLM* multi, std::chrono::steady_clock::time_point when);
 

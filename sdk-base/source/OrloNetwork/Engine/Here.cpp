@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 namespace orlo::http {
@@ -71,34 +70,13 @@ private:
     pplx::cancellation_token_registration m_registration;
 };
 
-/// The handle is attached as long as this lives.
-class Ride
-{
-public:
-    Ride(CURLM* multi, CURL* easy) : m_multi(multi), m_easy(easy) { curl::require(curl_multi_add_handle(m_multi, m_easy)); }
-    ~Ride() { curl_multi_remove_handle(m_multi, m_easy); }
-    Ride(const Ride&) = delete;
-    Ride& operator=(const Ride&) = delete;
-
-    std::optional<CURLcode> step()
-    {
-        int running = 0;
-        curl::require(curl_multi_perform(m_multi, &running));
-        return curl::endedOn(m_multi).code;
-    }
-
-private:
-    CURLM* m_multi;
-    CURL* m_easy;
-};
-
 } // namespace
 
 Ending carryOn(const std::shared_ptr<Transfer>& transfer, const Carrier& carrier, const std::atomic<bool>& stops)
 {
     transfer->attach(carrier.easy.get(), nullptr);
     const Awakening awakening(transfer->token(), carrier.multi.get());
-    Ride ride(carrier.multi.get(), carrier.easy.get());
+    curl::Ride ride(carrier.multi.get(), carrier.easy.get());
     while (true) {
         if (stops || transfer->token().is_canceled())
             return {[transfer] { transfer->endWith(cancelled()); }, false};
